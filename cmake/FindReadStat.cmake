@@ -1,0 +1,11 @@
+# Finds ReadStat, which installs a header and a library but no CMake package. Gives ReadStat::ReadStat.
+find_path(ReadStat_INCLUDE_DIR readstat.h)
+find_library(ReadStat_LIBRARY readstat)
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(ReadStat REQUIRED_VARS ReadStat_LIBRARY ReadStat_INCLUDE_DIR)
+if(ReadStat_FOUND AND NOT TARGET ReadStat::ReadStat)
+  add_library(ReadStat::ReadStat UNKNOWN IMPORTED)
+  set_target_properties(ReadStat::ReadStat PROPERTIES
+    IMPORTED_LOCATION ${ReadStat_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${ReadStat_INCLUDE_DIR})
+endif()
