@@ -1,0 +1,1 @@
+#include "host/statrn32.h"

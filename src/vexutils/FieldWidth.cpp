@@ -1,0 +1,3 @@
+#include "vexutils/FieldWidth.h"
+
+int FieldWidth(int formatKind) { return formatKind == 1 ? 8 : 16; }

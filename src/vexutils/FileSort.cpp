@@ -1,0 +1,1 @@
+#include "vexutils/FileSort.h"

@@ -1,0 +1,43 @@
+// A file written beside its target that takes the target's place at once or not at all.
+#pragma once
+
+#include <string>
+
+// Use: Create, write through Descriptor() (or by Path()), Commit. What was not committed is removed at the end,
+// and the target stands as it was. Every failure leaves its reason in Error() (an errno value).
+class CSideFile {
+ public:
+  CSideFile() = default;
+  ~CSideFile() { Discard(); }
+  CSideFile(const CSideFile&) = delete;
+  CSideFile& operator=(const CSideFile&) = delete;
+
+  // Creates the side file in the target's folder, links in the target's name resolved, with the mode and owner
+  // of an existing target. Fails where the target is a folder or special file, or is marked read-only.
+  bool Create(const std::string& target);
+
+  // Syncs the side file, renames it over the target and syncs the folder.
+  bool Commit();
+
+  // Closes and removes the side file.
+  void Discard();
+
+  // Keeps the part that was written: under the target's name if nothing stands there, else beside it. Returns
+  // the name it has now; empty when nothing was written.
+  std::string KeepPart();
+
+  int Descriptor() const { return descriptor_; }
+  const std::string& Path() const { return path_; }
+  const std::string& Target() const { return target_; }
+  int Error() const { return error_; }
+  std::string ErrorText() const;
+
+ private:
+  bool Fail();
+  void Close();
+
+  std::string target_;
+  std::string path_;
+  int descriptor_ = -1;
+  int error_ = 0;
+};
