@@ -4,6 +4,10 @@
 add_library(vex_options INTERFACE)
 target_compile_options(vex_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 reports these of its own inlined std::string and std::array code (bugs 105651 and 106199).
+  target_compile_options(vex_options INTERFACE -Wno-restrict -Wno-stringop-overflow)
+endif()
 target_compile_definitions(vex_options INTERFACE VEX_VERSION="${PROJECT_VERSION}" _FILE_OFFSET_BITS=64)
 if(VEX_SANITIZE OR VEX_FUZZ)
   target_compile_options(vex_options INTERFACE

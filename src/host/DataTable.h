@@ -1,5 +1,5 @@
-// The grid that shows a data set. The view (core) drives it through CDataTable; the grid asks its view through
-// CDataTableClient. Rows and columns are counted from 0 here.
+// The grid that shows a data set. The view (core) drives it through CDataTable; the grid asks its
+// view through CDataTableClient. Rows and columns are counted from 0 here.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ class CDataTable {
   virtual void SetClient(CDataTableClient* client) = 0;
   virtual void SetColumnCount(int columns) = 0;
   virtual void SetRowCount(std::int64_t rows) = 0;
-  virtual void SetColumnWidth(int column, int width) = 0;  // pixels at 96 per inch
+  virtual void SetColumnWidth(int column, int width) = 0;          // pixels at 96 per inch
   virtual void SetColumnAlignment(int column, int alignment) = 0;  // 0 left, 1 center, 2 right
   virtual void SetColumnPattern(int column, const CString& pattern) = 0;
   virtual void SetColumnHeading(int column, const CString& heading) = 0;

@@ -19,9 +19,13 @@ void CDocument::SetModifiedFlag(bool modified) {
   if (onTitleChanged) onTitleChanged();
 }
 
-void CDocument::AddView(CView* view) { views_.push_back(view); }
+void CDocument::AddView(CView* view) {
+  views_.push_back(view);
+}
 
-void CDocument::RemoveView(CView* view) { std::erase(views_, view); }
+void CDocument::RemoveView(CView* view) {
+  std::erase(views_, view);
+}
 
 int CDocument::OnNewDocument() {
   pathName_.clear();
@@ -29,7 +33,9 @@ int CDocument::OnNewDocument() {
   return 1;
 }
 
-void CDocument::OnCloseDocument() { SetModifiedFlag(false); }
+void CDocument::OnCloseDocument() {
+  SetModifiedFlag(false);
+}
 
 int CDocument::OnFileSave() {
   if (pathName_.empty()) return OnFileSaveAs();
@@ -58,10 +64,16 @@ int CDocument::OnFileSaveAs() {
   return 1;
 }
 
-std::vector<FileDialogRow> CDocument::SaveAsRows() const { return {}; }
+std::vector<FileDialogRow> CDocument::SaveAsRows() const {
+  return {};
+}
 
 void CDocument::OnSaveAsRowChosen(int) {}
 
-CVexAppUtil* APPUTIL_GetApp() { return Host().GetApp(); }
+CVexAppUtil* APPUTIL_GetApp() {
+  return Host().GetApp();
+}
 
-CMainFrame* APPUTIL_GetMainFrame() { return Host().GetMainFrame(); }
+CMainFrame* APPUTIL_GetMainFrame() {
+  return Host().GetMainFrame();
+}

@@ -8,7 +8,8 @@
 
 struct FileDialogRow;  // host/Host.h
 
-// One window's (or no window's) look at a document. Owned by whoever created it, not by the document.
+// One window's (or no window's) look at a document. Owned by whoever created it, not by the
+// document.
 class CView {
  public:
   CView() = default;
@@ -19,7 +20,8 @@ class CView {
 
 // A document: a path name, a modified mark and the views that look at it.
 //
-// File operations return 1 for success and 0 for failure; what went wrong has then been shown already.
+// File operations return 1 for success and 0 for failure; what went wrong has then been shown
+// already.
 class CDocument {
  public:
   CDocument() = default;

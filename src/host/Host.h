@@ -1,5 +1,6 @@
-// What the component asks of the program that runs it. The program installs its own CHost before anything else
-// of the component is used; everything here is called on the thread that installed it.
+// What the component asks of the program that runs it. The program installs its own CHost before
+// anything else of the component is used; everything here is called on the thread that installed
+// it.
 #pragma once
 
 #include <cstdint>
@@ -14,14 +15,16 @@ enum class MessageAnswer { Ok, Yes, No };
 
 // One row of a file dialog's type box.
 struct FileDialogRow {
-  CString displayName;       // as shown, patterns included
-  CString patterns;          // "*.sav;*.zsav"
-  CString defaultExtension;  // proposed for a name without one; with or without its dot; may be empty
+  CString displayName;  // as shown, patterns included
+  CString patterns;     // "*.sav;*.zsav"
+  CString
+      defaultExtension;  // proposed for a name without one; with or without its dot; may be empty
 };
 
 struct FileDialogRequest {
   static constexpr std::uint32_t kOpenFlags = 0x1800;  // the path and the file must exist
-  static constexpr std::uint32_t kSaveFlags = 0x802;   // the path must exist, overwriting is asked about
+  static constexpr std::uint32_t kSaveFlags =
+      0x802;  // the path must exist, overwriting is asked about
 
   bool save = false;
   std::uint32_t flags = kOpenFlags;
@@ -49,8 +52,8 @@ struct HostFileType {
 class CProgress {
  public:
   virtual ~CProgress() = default;
-  // `fraction` is 0 to 1, or negative when the end is not known. False: the user wants to stop. Cheap enough to
-  // be called once per block; implementations throttle what they show.
+  // `fraction` is 0 to 1, or negative when the end is not known. False: the user wants to stop.
+  // Cheap enough to be called once per block; implementations throttle what they show.
   virtual bool Advance(double fraction) = 0;
 };
 
@@ -66,13 +69,13 @@ class CHost {
   virtual bool AskForFile(const FileDialogRequest& request, FileDialogChoice& choice) = 0;
   virtual std::unique_ptr<CProgress> StartProgress(const CString& title) = 0;
 
-  virtual CVexAppUtil* GetApp() = 0;           // may be null
-  virtual CMainFrame* GetMainFrame() = 0;      // may be null
+  virtual CVexAppUtil* GetApp() = 0;       // may be null
+  virtual CMainFrame* GetMainFrame() = 0;  // may be null
   virtual std::vector<HostFileType> ExtraFileTypes() const { return {}; }
 };
 
-// The installed host. Without one, messages go to standard error, questions are answered No and dialogs are
-// cancelled.
+// The installed host. Without one, messages go to standard error, questions are answered No and
+// dialogs are cancelled.
 CHost& Host();
 // Installs `host` (null: none) and returns the one that was installed. The caller keeps ownership.
 CHost* InstallHost(CHost* host);

@@ -6,9 +6,13 @@
 
 namespace {
 
-constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
-constexpr bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool IsBlank(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 // Where the characters that can continue a decimal number end, counted from the sign.
 std::size_t NumberEnd(std::string_view text, std::size_t begin) {

@@ -5,9 +5,7 @@ namespace {
 class RecordedProgress final : public CProgress {
  public:
   explicit RecordedProgress(CRecorder& recorder) : recorder_(recorder) {}
-  bool Advance(double) override {
-    return recorder_.progressSteps++ != recorder_.cancelAtStep;
-  }
+  bool Advance(double) override { return recorder_.progressSteps++ != recorder_.cancelAtStep; }
 
  private:
   CRecorder& recorder_;
@@ -17,7 +15,9 @@ class RecordedProgress final : public CProgress {
 
 CRecorder::CRecorder() : previous_(InstallHost(this)) {}
 
-CRecorder::~CRecorder() { InstallHost(previous_); }
+CRecorder::~CRecorder() {
+  InstallHost(previous_);
+}
 
 MessageAnswer CRecorder::ShowMessage(const CString& text, const CString& title,
                                      MessageButtons buttons) {

@@ -23,7 +23,8 @@ class CRecorder final : public CHost, public CMainFrame, public CStatusBar, publ
   CString LastMessage() const { return messages.empty() ? CString() : messages.back().text; }
 
   std::vector<FileDialogRequest> dialogs;
-  std::deque<std::optional<FileDialogChoice>> choices;  // from the front; nullopt or empty: cancelled
+  std::deque<std::optional<FileDialogChoice>>
+      choices;  // from the front; nullopt or empty: cancelled
 
   std::vector<CString> statusTexts;  // what pane 0 was given, in order
   bool hasStatusBar = true;
@@ -31,7 +32,7 @@ class CRecorder final : public CHost, public CMainFrame, public CStatusBar, publ
   std::map<int, bool> bars;
   int layoutsRestored = 0;
 
-  int waitCursors = 0;     // begun and not yet ended
+  int waitCursors = 0;  // begun and not yet ended
   int waitCursorsEver = 0;
   std::vector<CString> progressTitles;
   int progressSteps = 0;

@@ -6,13 +6,15 @@
 
 namespace {
 
-// The characters of Windows-1252 from 0x80 to 0x9F; bytes without one stand for themselves (C1 controls).
+// The characters of Windows-1252 from 0x80 to 0x9F; bytes without one stand for themselves (C1
+// controls).
 constexpr std::array<char16_t, 32> kWindows1252 = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-// The code point at the start of `text` and its length in bytes; length 0 when the bytes are not UTF-8.
+// The code point at the start of `text` and its length in bytes; length 0 when the bytes are not
+// UTF-8.
 struct DecodedCharacter {
   char32_t codePoint = 0;
   std::size_t length = 0;
@@ -71,7 +73,9 @@ bool IsPlainAscii(std::string_view bytes) {
   return true;
 }
 
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char LowerAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 }  // namespace
 

@@ -1,5 +1,5 @@
-// Text at the edges of the component. Inside, text is bytes as they stand in a file; a file's bytes are either
-// Windows-1252 or UTF-8 and nothing in the file says which.
+// Text at the edges of the component. Inside, text is bytes as they stand in a file; a file's bytes
+// are either Windows-1252 or UTF-8 and nothing in the file says which.
 #pragma once
 
 #include <cstddef>
@@ -10,12 +10,12 @@
 // Is `bytes` well-formed UTF-8 (plain ASCII included)?
 bool IsUtf8(std::string_view bytes);
 
-// A file's bytes as UTF-8 for people to read: bytes that are valid UTF-8 are taken as such, anything else as
-// Windows-1252. Control characters become blanks.
+// A file's bytes as UTF-8 for people to read: bytes that are valid UTF-8 are taken as such,
+// anything else as Windows-1252. Control characters become blanks.
 CString TextForDisplay(std::string_view bytes);
 
-// Text from a foreign file or the keyboard (UTF-8) as bytes to be stored: Windows-1252 when every character fits
-// and the result does not read as UTF-8, otherwise UTF-8.
+// Text from a foreign file or the keyboard (UTF-8) as bytes to be stored: Windows-1252 when every
+// character fits and the result does not read as UTF-8, otherwise UTF-8.
 CString TextForFile(std::string_view utf8);
 
 // `bytes` cut to at most `width` bytes; where they are UTF-8 the cut falls between characters.

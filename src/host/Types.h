@@ -1,5 +1,5 @@
-// The framework's names for text. A CString holds bytes as they stand in a file; host/Text.h says how they
-// become something to show.
+// The framework's names for text. A CString holds bytes as they stand in a file; host/Text.h says
+// how they become something to show.
 #pragma once
 
 #include <list>

@@ -1,16 +1,17 @@
-// The operations of the file transfer library: foreign statistical, spreadsheet and database files, read and
-// written record by record.
+// The operations of the file transfer library: foreign statistical, spreadsheet and database files,
+// read and written record by record.
 //
-// A session is an environment; it holds at most one input and one output file at a time. Every call is made on
-// the thread that opened the environment. Unless said otherwise a call returns 0 for success and a negative
-// number for failure, whose text ST_GetErrorMsg gives. All text is UTF-8; a pointer to text or to a value stays
-// valid until the next call that moves on (the next record, or closing the file). Variables are counted from 0.
+// A session is an environment; it holds at most one input and one output file at a time. Every call
+// is made on the thread that opened the environment. Unless said otherwise a call returns 0 for
+// success and a negative number for failure, whose text ST_GetErrorMsg gives. All text is UTF-8; a
+// pointer to text or to a value stays valid until the next call that moves on (the next record, or
+// closing the file). Variables are counted from 0.
 //
-// Order of calls, reading:  ST_OpenInputFile, ST_ReadDict, ST_SelectAllVars, ST_InitReadOnly, then ST_ReadRecord
-// until it returns 0 and ST_GetVarDataExt for each value, at last ST_CloseFiles.
-// Order of calls, writing:  ST_InitUserDict, ST_AddUserVar for each variable (with its labels), ST_SetNCases, the
-// options of the format, ST_OpenOutFile, per record the ST_SetVar... calls and ST_WriteRecord, at last
-// ST_CloseFiles, which completes the file.
+// Order of calls, reading:  ST_OpenInputFile, ST_ReadDict, ST_SelectAllVars, ST_InitReadOnly, then
+// ST_ReadRecord until it returns 0 and ST_GetVarDataExt for each value, at last ST_CloseFiles.
+// Order of calls, writing:  ST_InitUserDict, ST_AddUserVar for each variable (with its labels),
+// ST_SetNCases, the options of the format, ST_OpenOutFile, per record the ST_SetVar... calls and
+// ST_WriteRecord, at last ST_CloseFiles, which completes the file.
 #pragma once
 
 #include <cstdint>
@@ -24,18 +25,21 @@ inline constexpr std::int32_t ST_TYPE_NUMERIC = 1;
 inline constexpr std::int32_t ST_TYPE_STRING = 2;
 inline constexpr std::int32_t ST_TYPE_DATE = 64;  // a number that is displayed as a date or a time
 
-// Display types of a value of a date variable. Values of other variables have their variable's type here.
+// Display types of a value of a date variable. Values of other variables have their variable's type
+// here.
 inline constexpr std::int32_t ST_DISPLAY_DATE = 4;
 inline constexpr std::int32_t ST_DISPLAY_TIME = 8;
 inline constexpr std::int32_t ST_DISPLAY_DATETIME = 16;
-inline constexpr std::int32_t ST_DISPLAY_OTHER = 64;  // a week, a quarter, a duration: shown as text
+inline constexpr std::int32_t ST_DISPLAY_OTHER =
+    64;  // a week, a quarter, a duration: shown as text
 
 // Status of a value. Positive: missing, and why.
 inline constexpr int ST_STATUS_ERROR = -1;
 inline constexpr int ST_STATUS_PRESENT = 0;
-inline constexpr int ST_STATUS_MISSING = 1;       // the format's own missing value
-inline constexpr int ST_STATUS_TAGGED = 2;        // a missing value with a letter (.a to .z)
-inline constexpr int ST_STATUS_USER_MISSING = 3;  // a number or text that the file declares to mean missing
+inline constexpr int ST_STATUS_MISSING = 1;  // the format's own missing value
+inline constexpr int ST_STATUS_TAGGED = 2;   // a missing value with a letter (.a to .z)
+inline constexpr int ST_STATUS_USER_MISSING =
+    3;  // a number or text that the file declares to mean missing
 
 // One value label: `text` is set for labels of text values, else `value` holds the number.
 struct ST_LABEL {
@@ -45,7 +49,8 @@ struct ST_LABEL {
   char tag;  // 'a' to 'z' for the label of a tagged missing value, else 0
 };
 
-// Sessions. ST_OpenEnvironment returns null when there is no memory for one. Closing closes the files too.
+// Sessions. ST_OpenEnvironment returns null when there is no memory for one. Closing closes the
+// files too.
 ST_ENV* ST_OpenEnvironment();
 int ST_CloseEnvironment(ST_ENV* env);
 
@@ -55,14 +60,15 @@ bool ST_CanWrite(std::int32_t type);
 // The format whose signature the first bytes of a file carry; -1 when none is recognised.
 std::int32_t ST_SniffFile(const char* name);
 
-// The text of the last error of the session, for a person to read: file, place and what was expected. Empty
-// text when there was none; never null.
+// The text of the last error of the session, for a person to read: file, place and what was
+// expected. Empty text when there was none; never null.
 const char* ST_GetErrorMsg(ST_ENV* env);
 
-// --- Reading -----------------------------------------------------------------------------------------------------
+// --- Reading
+// -----------------------------------------------------------------------------------------------------
 
-// Options of spreadsheet input, kept for the next ST_OpenInputFile: the row that holds the names (counted from
-// 0) and how types are told (2: from all rows).
+// Options of spreadsheet input, kept for the next ST_OpenInputFile: the row that holds the names
+// (counted from 0) and how types are told (2: from all rows).
 int ST_SetWksNameRow(ST_ENV* env, int row);
 int ST_SetWksReadMode(ST_ENV* env, int mode);
 // 0 when names were found in the names row.
@@ -88,23 +94,26 @@ int ST_GetValueLabel(ST_FILE* file, int var, int label, ST_LABEL* out);
 
 // 1: a record was read; 0: the end; -1: the file is damaged here, or reading was stopped.
 int ST_ReadRecord(ST_FILE* file);
-// One value of the current record. Returns the status. `type` is ST_TYPE_...; `value` points to a double, or to
-// a NUL-terminated text for ST_TYPE_STRING; `display` is ST_DISPLAY_... for a date, else the type. Each of the
-// out parameters is set also for a missing value (the number is then the file's own where it has one, else 0).
+// One value of the current record. Returns the status. `type` is ST_TYPE_...; `value` points to a
+// double, or to a NUL-terminated text for ST_TYPE_STRING; `display` is ST_DISPLAY_... for a date,
+// else the type. Each of the out parameters is set also for a missing value (the number is then the
+// file's own where it has one, else 0).
 int ST_GetVarDataExt(ST_FILE* file, int var, std::int32_t* type, const void** value,
                      std::int32_t* display);
-// The calendar parts of a date number of this file: `part1` the date as the number yyyymmdd (0 for a time of
-// day), `part2` the milliseconds since midnight (0 for a date). Returns -1 for a number outside the calendar.
+// The calendar parts of a date number of this file: `part1` the date as the number yyyymmdd (0 for
+// a time of day), `part2` the milliseconds since midnight (0 for a date). Returns -1 for a number
+// outside the calendar.
 int ST_FromIDate(ST_FILE* file, double value, std::int32_t display, std::int32_t* part1,
                  std::int32_t* part2);
-// The value of a date variable as text, in ISO 8601 where the display is a date or a time. Writes at most `size`
-// characters with the closing NUL and returns their number without it.
+// The value of a date variable as text, in ISO 8601 where the display is a date or a time. Writes
+// at most `size` characters with the closing NUL and returns their number without it.
 int ST_FormatDate(ST_FILE* file, int var, double value, char* buffer, int size);
 
 // How far reading has come, 0 to 1 by bytes; negative when unknown.
 double ST_GetProgress(ST_FILE* file);
 
-// --- Writing -----------------------------------------------------------------------------------------------------
+// --- Writing
+// -----------------------------------------------------------------------------------------------------
 
 // Starts a dictionary of `variables` variables; ST_AddUserVar then describes each in order.
 int ST_InitUserDict(ST_ENV* env, int variables);
@@ -118,7 +127,8 @@ int ST_SetNCases(ST_ENV* env, std::int64_t cases);
 int ST_SetSasStyle(ST_ENV* env, int style);
 int ST_DBSetParm(ST_ENV* env, int parameter, int option, const char* value);
 
-// Null on failure. Names that the format does not allow are changed; ST_GetNRenamed and ST_GetRenamed tell.
+// Null on failure. Names that the format does not allow are changed; ST_GetNRenamed and
+// ST_GetRenamed tell.
 ST_FILE* ST_OpenOutFile(ST_ENV* env, std::int32_t type, const char* name);
 int ST_GetNRenamed(ST_FILE* file);
 int ST_GetRenamed(ST_FILE* file, int index, const char** oldName, const char** newName);

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
-
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <memory>
 #include <unistd.h>
+
+#include <sys/stat.h>
 
 namespace {
 

@@ -1,3 +1,5 @@
 #include "vexutils/FieldWidth.h"
 
-int FieldWidth(int formatKind) { return formatKind == 1 ? 8 : 16; }
+int FieldWidth(int formatKind) {
+  return formatKind == 1 ? 8 : 16;
+}

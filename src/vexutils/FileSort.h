@@ -15,14 +15,15 @@ inline constexpr std::size_t kSortMemoryBytes = std::size_t{256} << 20;
 // Told the fraction done, 0 to 1; returns false to stop.
 using SortProgress = std::function<bool(double)>;
 
-// Sorts `records` records of `recordBytes` bytes each, which stand in `file` from its start, in place, by the double
-// at index `key` (counted from 0, in units of 8 bytes). Stable; -0.0 equals 0.0; NaN stands after every number in
-// both orders. The file must be open for reading and writing. Its records are only ever replaced by a complete
-// sorted copy, so that a failure or a stop leaves them as they were.
+// Sorts `records` records of `recordBytes` bytes each, which stand in `file` from its start, in
+// place, by the double at index `key` (counted from 0, in units of 8 bytes). Stable; -0.0 equals
+// 0.0; NaN stands after every number in both orders. The file must be open for reading and writing.
+// Its records are only ever replaced by a complete sorted copy, so that a failure or a stop leaves
+// them as they were.
 //
-// Returns 1, or 0 on failure with the reason in errno (EINVAL for a key outside the record, ECANCELED for a stop).
-// `record`, `work1` and `work2` are buffers of one record each that the caller lends; their content afterwards
-// is unspecified.
+// Returns 1, or 0 on failure with the reason in errno (EINVAL for a key outside the record,
+// ECANCELED for a stop). `record`, `work1` and `work2` are buffers of one record each that the
+// caller lends; their content afterwards is unspecified.
 int fqsort(std::FILE* file, std::int64_t records, double* record, double* work1, double* work2,
            std::size_t recordBytes, int key, int order, const SortProgress& progress = {});
 

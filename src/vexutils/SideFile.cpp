@@ -2,11 +2,11 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <filesystem>
 #include <unistd.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -69,8 +69,8 @@ bool CSideFile::Create(const std::string& target) {
   descriptor_ = mkstemp(name.data());
   if (descriptor_ < 0) return Fail();
   path_ = name;
-  // The owner first: changing it may clear bits of the mode. Only a privileged process can give files away;
-  // for anyone else the file stays their own, as any file that they write anew.
+  // The owner first: changing it may clear bits of the mode. Only a privileged process can give
+  // files away; for anyone else the file stays their own, as any file that they write anew.
   if (exists && fchown(descriptor_, info.st_uid, info.st_gid) != 0) errno = 0;
   if (fchmod(descriptor_, exists ? info.st_mode & 07777 : ModeOfNewFile()) != 0) return Fail();
   return true;
@@ -113,4 +113,6 @@ void CSideFile::Close() {
   descriptor_ = -1;
 }
 
-std::string CSideFile::ErrorText() const { return std::strerror(error_); }
+std::string CSideFile::ErrorText() const {
+  return std::strerror(error_);
+}

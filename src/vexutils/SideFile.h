@@ -3,8 +3,9 @@
 
 #include <string>
 
-// Use: Create, write through Descriptor() (or by Path()), Commit. What was not committed is removed at the end,
-// and the target stands as it was. Every failure leaves its reason in Error() (an errno value).
+// Use: Create, write through Descriptor() (or by Path()), Commit. What was not committed is removed
+// at the end, and the target stands as it was. Every failure leaves its reason in Error() (an errno
+// value).
 class CSideFile {
  public:
   CSideFile() = default;
@@ -12,8 +13,9 @@ class CSideFile {
   CSideFile(const CSideFile&) = delete;
   CSideFile& operator=(const CSideFile&) = delete;
 
-  // Creates the side file in the target's folder, links in the target's name resolved, with the mode and owner
-  // of an existing target. Fails where the target is a folder or special file, or is marked read-only.
+  // Creates the side file in the target's folder, links in the target's name resolved, with the
+  // mode and owner of an existing target. Fails where the target is a folder or special file, or is
+  // marked read-only.
   bool Create(const std::string& target);
 
   // Syncs the side file, renames it over the target and syncs the folder.
@@ -22,8 +24,8 @@ class CSideFile {
   // Closes and removes the side file.
   void Discard();
 
-  // Keeps the part that was written: under the target's name if nothing stands there, else beside it. Returns
-  // the name it has now; empty when nothing was written.
+  // Keeps the part that was written: under the target's name if nothing stands there, else beside
+  // it. Returns the name it has now; empty when nothing was written.
   std::string KeepPart();
 
   int Descriptor() const { return descriptor_; }

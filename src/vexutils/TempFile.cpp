@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <unistd.h>
 
 #include <sys/vfs.h>
-#include <unistd.h>
 
 namespace {
 

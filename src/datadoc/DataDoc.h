@@ -1,0 +1,121 @@
+// The document of a data window: one data set, the kind of file it belongs to, and a buffer of one
+// record. The cells live in the scratch file of the document's view (dataview/DataView.h), never
+// all in memory.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "datadoc/DataSet.h"
+#include "datadoc/ExternData.h"
+#include "host/Framework.h"
+
+class CDataView;
+class CProgress;
+
+// File operations return 1 for success and 0 for failure; the user has then been told why.
+class CDataDoc : public CDocument {
+ public:
+  CDataDoc();
+  ~CDataDoc() override;
+
+  // --- Memory ---
+  // Sizes the per-variable arrays to the capacity and sets the missing-value definition, the
+  // deletion method and the weight variable to their defaults.
+  void MemoryInit();
+  // Sets the number of variables and re-initialises as told in DataSet.h; names, types and
+  // descriptions of variables that stay are kept. Returns 1.
+  int MemoryReInit(std::int32_t variables);
+
+  // --- Access ---
+  TORVIKSTRUCT* GetTorvik() { return &data_; }
+  const TORVIKSTRUCT* GetTorvik() const { return &data_; }
+  // A copy to work on, for dialogs. It holds `count` variables, or as many as the document where
+  // `count` is below 1; `capacity` rises by eights from what came in until it holds them. It
+  // carries the record count, the first five global missing values, the deletion method, the weight
+  // variable and what CopyVariable copies; all else is 0 or empty. Null, with a message, when there
+  // is not enough memory.
+  std::unique_ptr<TORVIKSTRUCT> GetTorvikCopy(std::int32_t& capacity, std::int32_t count) const;
+  // Takes such a copy back. What a copy does not carry stays, but the single global missing value
+  // returns to its default; the status bar says so when it was another.
+  void UpdateTorvik(const TORVIKSTRUCT& copy);
+
+  std::int32_t GetRecnum() const { return data_.records; }
+  std::int32_t GetVarnum() const { return data_.variables; }
+  void SetRecnum(std::int32_t records) { data_.records = records; }
+  void SetWeight(std::int32_t variable) { data_.weightVariable = variable; }
+  void SetGroupVariable(std::int32_t variable) { data_.groupVariable = variable; }
+  // 1 when at least one variable is ordinal, else 0.
+  int GetVarType() const;
+  // 1 when `value` of `variable` (counted from 0) is missing. Counts it in `counter` unless that is
+  // -1.
+  int IsMissing(double value, int variable, long& counter) const;
+  std::int32_t GetCapacity() const { return capacity_; }
+
+  const EXTERNDATA& GetExtern() const { return extern_; }
+  // Chooses the kind of file that the next OnOpenDocument or OnSaveDocument reads or writes.
+  void SetExternData(const EXTERNDATA& data) { extern_ = data; }
+  std::int32_t GetExternType() const { return extern_.data_type; }
+  std::int32_t GetExternMa() const { return extern_.ma_type; }
+  // Cases by variables, not a moment matrix.
+  bool HoldsRawData() const { return GetExternType() != kDsfFile && GetExternMa() < 1; }
+
+  // --- Views ---
+  // The first of the document's views that is a data view; null when there is none.
+  CDataView* GetDataView() const;
+  // Puts a text into pane 0 of the main frame's status bar.
+  void WriteStatusInfo(const CString& text) const;
+
+  // --- Files ---
+  int OnOpenDocument(const CString& fileName) override;
+  // As OnOpenDocument, always a system data file.
+  int OnOpenDbmsDocument(const CString& fileName);
+  int OnSaveDocument(const CString& fileName) override;
+  void OnCloseDocument() override;
+  int OnFileSaveAs() override { return CDocument::OnFileSaveAs(); }
+  // Describes a new data set: variable n gets the texts of the n-th of `labels` (VARnnn and no
+  // description where there are fewer). With `create` the scratch file is filled too, as by
+  // OnNewExternFile.
+  void SetExtern(const EXTERNDATA& source, const std::vector<LABSTRUCT>& labels,
+                 std::int32_t records, std::int32_t variables, bool create);
+  // Fills the scratch file with the one-record buffer, once per record.
+  int OnNewExternFile();
+
+  // Reads a system data file into the description and the scratch file.
+  int OpenVSFFile(const CString& fileName);
+  // Writes in the new layout when the data set has it, else asks which. The chosen layout stays the
+  // document's.
+  int SaveVSFFile(const CString& fileName);
+  // Writes in the layout of `kind` (1 old, 2 new) without asking.
+  int SaveVSFFile(const CString& fileName, int kind);
+  int OpenDSFFile(const CString& fileName);
+  int SaveDSFFile(const CString& fileName);
+  int OpenASCIIFile(const CString& fileName);
+  int SaveASCIIFile(const CString& fileName);
+  // Writes all cells as text, 16 characters a cell and a record a line.
+  int CopyDataToAscii(const CString& fileName);
+
+  // --- Syntax ---
+  // Applies the variable deletions ("SD" lines) of a data-screening syntax to the description and
+  // returns the number of variables deleted. Category slots are not moved: callers rewrite them.
+  int CheckDeletion(const CStringList& lines);
+
+ protected:
+  std::vector<FileDialogRow> SaveAsRows() const override;
+
+ private:
+  int ReadFileOfKind(const CString& fileName);
+  int WriteFileOfKind(const CString& fileName);
+  int FinishOpening(const CString& fileName);
+  void ResetDescription();
+  void SizeRecordBuffer();
+  bool FillScratchFile(CDataView& view) const;
+
+  TORVIKSTRUCT data_;
+  std::int32_t capacity_ = 16;
+  std::vector<double> record_;       // one case
+  std::vector<double> firstVector_;  // the vectors of a matrix text file
+  std::vector<double> secondVector_;
+  EXTERNDATA extern_;
+};

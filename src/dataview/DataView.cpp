@@ -1,0 +1,136 @@
+#include "dataview/DataView.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "datadoc/DataDoc.h"
+#include "datadoc/VsfLayout.h"
+#include "dataview/DisplayPattern.h"
+#include "host/Host.h"
+#include "host/Text.h"
+#include "vexutils/BlockIo.h"
+
+namespace {
+
+constexpr int kRowHeadingWidth = 40;
+constexpr int kRowHeadingAlignment = 1;
+constexpr int kCreatedAlignment = 2;
+constexpr int kWidthPerCharacter = 6;
+
+DisplaySettings Display() {
+  const CVexAppUtil* const app = APPUTIL_GetApp();
+  return app != nullptr ? app->GetDisplaySettings() : DisplaySettings();
+}
+
+}  // namespace
+
+CDataView::CDataView(CDataDoc& document) : document_(document) {
+  document_.AddView(this);
+  if (scratch_.Name().empty()) AfxMessageBox("Unable to produce a temporary file!");
+  const DisplaySettings display = Display();
+  cellPattern_ = CellPattern(display.width, display.decimals);
+  // Only here does the heading pattern begin with a "b"; the format command builds it without.
+  headingPattern_ = "b" + HeadingPattern(display.width, display.decimals);
+}
+
+CDataView::~CDataView() {
+  AttachTable(nullptr);
+  document_.RemoveView(this);
+}
+
+void CDataView::AttachTable(CDataTable* table) {
+  if (table_ != nullptr) table_->SetClient(nullptr);
+  table_ = table;
+  if (table_ == nullptr) return;
+  table_->SetRowHeadingWidth(kRowHeadingWidth);
+  table_->SetRowHeadingAlignment(kRowHeadingAlignment);
+  table_->SetClient(this);
+  RebuildColumns();
+  ReopenFile();
+}
+
+void CDataView::RebuildColumns() {
+  if (table_ == nullptr) return;
+  const TORVIKSTRUCT& data = *document_.GetTorvik();
+  const int width = Display().width * kWidthPerCharacter;
+  table_->SetColumnCount(data.variables);
+  for (int column = 0; column < data.variables; ++column) {
+    const VARSTRUCT& variable = data.variable[static_cast<std::size_t>(column)];
+    table_->SetColumnAlignment(column, kCreatedAlignment);
+    table_->SetColumnWidth(column, width);
+    table_->SetColumnPattern(column, cellPattern_);
+    table_->SetColumnHeading(column, CString(Trimmed(variable.name)));
+  }
+  table_->Redraw();
+}
+
+void CDataView::ReopenFile() {
+  const TORVIKSTRUCT& data = *document_.GetTorvik();
+  row_.assign(static_cast<std::size_t>(data.variables), 0.0);
+  scratch_.Open("r+b");
+  scratch_.Describe(data, document_.GetPathName());
+  if (table_ == nullptr) return;
+  table_->SetEditable(document_.HoldsRawData());
+  table_->SetRowCount(data.records);
+}
+
+bool CDataView::Recover(const LeftOverScratch& left) {
+  CDescriptor file;
+  std::FILE* const scratch = scratch_.Open("w+b");
+  const bool opened = scratch != nullptr && file.OpenForReading(left.name.c_str());
+  const std::int64_t recordBytes = CellBytes(1, left.data.variables);
+  const std::int64_t present = opened && recordBytes > 0 ? FileBytes(file.Get()) / recordBytes : 0;
+  const std::int64_t records = std::min<std::int64_t>(left.data.records, present);
+  const auto progress = Host().StartProgress("Recovering " + left.pathName);
+  if (!opened ||
+      !CopyRange(file.Get(), 0, fileno(scratch), 0, records * recordBytes, [&](std::int64_t done) {
+        return progress->Advance(static_cast<double>(done) /
+                                 static_cast<double>(records * recordBytes));
+      })) {
+    AfxMessageBox(CString("Unable to create temporary work file\n") + std::strerror(errno));
+    return false;
+  }
+  TORVIKSTRUCT& data = *document_.GetTorvik();
+  document_.MemoryReInit(left.data.variables);
+  const std::size_t capacity = data.variable.size();
+  data = left.data;
+  data.ResizeArrays(capacity);
+  data.records = static_cast<std::int32_t>(records);
+  document_.SetPathName(left.pathName, false);
+  document_.SetModifiedFlag();
+  RebuildColumns();
+  ReopenFile();
+  return true;
+}
+
+bool CDataView::GetRow(std::int64_t row, std::span<double> values) {
+  const TORVIKSTRUCT& data = *document_.GetTorvik();
+  std::FILE* const file = scratch_.Stream();
+  if (row < 0 || row >= data.records || file == nullptr) return false;
+  const std::size_t bytes = row_.size() * kCellBytes;
+  const std::int64_t got = ReadAt(fileno(file), CellBytes(row, data.variables), row_.data(), bytes);
+  if (got != static_cast<std::int64_t>(bytes)) return false;
+  const std::size_t count = std::min(values.size(), row_.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    values[i] = row_[i] < kMissingCode ? kMissingCode : row_[i];
+  }
+  return true;
+}
+
+CString CDataView::GetRowHeading(std::int64_t row) {
+  const TORVIKSTRUCT& data = *document_.GetTorvik();
+  if (document_.HoldsRawData()) return std::to_string(row + 1);
+  if (row < data.variables) {
+    return CString(Trimmed(data.variable[static_cast<std::size_t>(row)].name));
+  }
+  if (row == data.variables) return "Mean";
+  return row == data.variables + 1 ? "Std.Dev" : std::to_string(row + 1);
+}
+
+void CDataView::OnActivateView(bool active) {
+  active_ = active;
+  if (CMainFrame* const frame = APPUTIL_GetMainFrame()) {
+    frame->ToggleBarVisible(CMainFrame::kDataToolBar, active);
+  }
+}

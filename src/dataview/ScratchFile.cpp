@@ -1,0 +1,113 @@
+#include "dataview/ScratchFile.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <new>
+#include <unistd.h>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include "datadoc/VsfLayout.h"
+#include "datadoc/VsfReader.h"
+#include "vexutils/BlockIo.h"
+#include "vexutils/TempFile.h"
+
+namespace {
+
+constexpr const char* kPrefix = "VS";
+constexpr const char* kDescriptionExtension = ".vsd";
+
+CString DescriptionName(const CString& scratchName) {
+  return scratchName + kDescriptionExtension;
+}
+
+bool IsOurs(const CString& name) {
+  struct stat info {};
+  return lstat(name.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_uid == geteuid();
+}
+
+bool IsUnlocked(const CString& name) {
+  const CDescriptor file(open(name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+  return file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+// A description is the head of a system data file without cells, followed by the document's path.
+bool ReadDescription(const CString& scratchName, LeftOverScratch& found) {
+  CDescriptor file;
+  VsfContents contents;
+  if (!file.OpenForReading(DescriptionName(scratchName).c_str())) return false;
+  try {
+    if (ReadVsf(file.Get(), contents) != VsfStatus::Ok) return false;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  constexpr std::int64_t kLongestPath = 65536;
+  const std::int64_t pathBytes = FileBytes(file.Get()) - contents.cellsOffset;
+  if (pathBytes < 0 || pathBytes > kLongestPath) return false;
+  found.pathName.resize(static_cast<std::size_t>(pathBytes));
+  if (ReadAt(file.Get(), contents.cellsOffset, found.pathName.data(), found.pathName.size()) !=
+      pathBytes) {
+    return false;
+  }
+  found.name = scratchName;
+  found.data = std::move(contents.data);
+  found.data.records = contents.statedRecords;
+  return true;
+}
+
+}  // namespace
+
+CScratchFile::CScratchFile() : name_(GetTempName(kPrefix)) {
+  if (name_.empty()) return;
+  lock_ = open(name_.c_str(), O_RDWR | O_CLOEXEC);
+  if (lock_ >= 0) flock(lock_, LOCK_EX | LOCK_NB);
+}
+
+CScratchFile::~CScratchFile() {
+  if (stream_ != nullptr) std::fclose(stream_);
+  if (!name_.empty()) RemoveScratch(name_);
+  if (lock_ >= 0) close(lock_);
+}
+
+std::FILE* CScratchFile::Open(const char* mode) {
+  if (stream_ != nullptr) std::fclose(stream_);
+  stream_ = name_.empty() ? nullptr : std::fopen(name_.c_str(), mode);
+  return stream_;
+}
+
+void CScratchFile::Describe(const TORVIKSTRUCT& data, const CString& pathName) const {
+  if (name_.empty()) return;
+  const CString side = DescriptionName(name_) + "~";
+  const CString text = EncodeVsfDescription(data, kNewFormat, VsfFiller::Spaces) + pathName;
+  std::error_code error;
+  std::filesystem::remove(side, error);
+  const CDescriptor file(
+      open(side.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  const bool written = file.IsOpen() && WriteAt(file.Get(), 0, text.data(), text.size());
+  if (written) std::filesystem::rename(side, DescriptionName(name_), error);
+  if (!written || error) std::filesystem::remove(side, error);
+}
+
+std::vector<LeftOverScratch> FindLeftOverScratch() {
+  std::vector<LeftOverScratch> found;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(TempFolder(), error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (entry->path().extension() != kDescriptionExtension) continue;
+    const CString scratchName = std::filesystem::path(entry->path()).replace_extension().string();
+    const CString fileName = std::filesystem::path(scratchName).filename().string();
+    if (!fileName.starts_with(kPrefix) || !IsOurs(scratchName) || !IsUnlocked(scratchName)) {
+      continue;
+    }
+    LeftOverScratch item;
+    if (ReadDescription(scratchName, item)) found.push_back(std::move(item));
+  }
+  return found;
+}
+
+void RemoveScratch(const CString& name) {
+  std::error_code error;
+  std::filesystem::remove(name, error);
+  std::filesystem::remove(DescriptionName(name), error);
+}
