@@ -1,0 +1,234 @@
+#include "transfer/DataPort.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include <boost/algorithm/string/join.hpp>
+#include <boost/format.hpp>
+
+#include "datadoc/VsfLayout.h"
+#include "host/Host.h"
+#include "host/Text.h"
+#include "transfer/ConvertData.h"
+#include "transfer/FileContent.h"
+#include "transfer/ImportNames.h"
+#include "vexutils/TickCount.h"
+
+using STUtils::variable_data_t;
+using STUtils::variable_info_t;
+
+STUtils::eRESULT CDataPort::GetImportFileNameAndType(string& name, int& type) {
+  const STUtils::eRESULT result = basic_data_import_t::GetImportFileNameAndType(name, type);
+  if (result == STUtils::eOK) type = STUtils::AskAboutContent(name, type);
+  return result;
+}
+
+bool CDataPort::DoImportData(const string& name, int type, bool toFile,
+                             const string& systemFileName) {
+  std::error_code error;
+  if (toFile && std::filesystem::equivalent(name, systemFileName, error)) {
+    ReportError("A file cannot be imported onto itself: " + name);
+    return false;
+  }
+  const CWaitCursor wait;
+  notes_.clear();
+  stopped_ = false;
+  progress_ = Host().StartProgress("Importing " + name);
+  const bool imported = basic_data_import_t::DoImportData(name, type, toFile, systemFileName);
+  const bool finished = Finish(imported, systemFileName);
+  progress_.reset();
+  if (finished && !notes_.empty()) WriteStatusInfo(boost::algorithm::join(notes_, " "));
+  return finished;
+}
+
+// The system data file takes its place, or what was written of it is kept for the user; nothing
+// that stood there before is lost.
+bool CDataPort::Finish(bool imported, const string& systemFileName) {
+  if (imported && side_.Commit()) return true;
+  if (imported) {
+    ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " +
+                side_.ErrorText());
+  }
+  ResetStatusInfo();
+  if (stopped_) {
+    side_.Discard();
+    WriteStatusInfo("The import was stopped.");
+  } else {
+    TellOfKeptPart();
+  }
+  return false;
+}
+
+void CDataPort::TellOfKeptPart() {
+  const string target = side_.Target();
+  const string kept = side_.KeepPart();
+  if (kept.empty() || kept == target) return;
+  ReportError("The file was left as it was: " + target +
+              "\nThe part that was imported is in: " + kept);
+}
+
+bool CDataPort::OpenInFile(const string& name, int type, STUtils::CStatTransfer<char>& transfer) {
+  return basic_data_import_t::OpenInFile(name, type, transfer) && SelectVariables(transfer);
+}
+
+bool CDataPort::SelectVariables(STUtils::CStatTransfer<char>& transfer) {
+  if (selection_.empty()) return true;
+  for (variable_info_t& variable : transfer.variables) {
+    variable.selected =
+        std::find(selection_.begin(), selection_.end(), variable.name) != selection_.end();
+  }
+  for (const string& name : selection_) {
+    const bool found = std::any_of(transfer.variables.begin(), transfer.variables.end(),
+                                   [&](const variable_info_t& v) { return v.name == name; });
+    if (found) continue;
+    ReportError("The file has no variable of this name: " + name);
+    return false;
+  }
+  return true;
+}
+
+bool CDataPort::OpenAppDataFile(const string& systemFileName, ofstream& stream) {
+  if (side_.Create(systemFileName)) {
+    if (basic_data_import_t::OpenAppDataFile(side_.Path(), stream)) return true;
+  }
+  ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " +
+              side_.ErrorText());
+  return false;
+}
+
+bool CDataPort::AddAppDataFileFilter(filter_t& filter) {
+  filter.Add(STUtils::SystemDataFileType());
+  return true;
+}
+
+bool CDataPort::WriteAppDataHeader(ofstream& stream, const variables_t& variables,
+                                   std::streampos& countPosition) {
+  std::vector<string> names = ImportedNames(variables);
+  NoteNames(names);
+  NoteTextVariables(variables);
+  if (keepLabels_) names = UniqueNames(names);
+
+  TORVIKSTRUCT header;
+  header.records = -1;  // until the last record has been written
+  header.variables = static_cast<std::int32_t>(names.size());
+  CString bytes;
+  AppendVsfHeader(header, kNewFormat, VsfFiller::Zeros, bytes);
+  countPosition = stream.tellp() + std::streamoff{kVsfRecordCountOffset};
+  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+
+  lastUpdate_ = GetTickCount();
+  std::size_t written = 0;
+  for (const variable_info_t& variable : variables) {
+    if (!variable.selected) continue;
+    if (!WriteVSFVariable(stream, variable, names[written])) return false;
+    ++written;
+    if (!CanUpdateStatusInfo(lastUpdate_)) continue;
+    WriteStatusInfo(
+        boost::str(boost::format("Importing %1% of %2% variables") % written % names.size()));
+    lastUpdate_ = GetTickCount();
+  }
+  row_.assign(names.size(), 0.0);
+  return stream.good();
+}
+
+// Every imported variable starts as ordinal without categories; its labels are blanks.
+bool CDataPort::WriteVSFVariable(ofstream& stream, const variable_info_t& variable,
+                                 const string& name) const {
+  TORVIKSTRUCT block;
+  block.ResizeArrays(1);
+  block.variable.front().name = name;
+  for (CString& label : block.categoryLabels) label.assign(kVsfLabelBytes, ' ');
+  if (keepLabels_) KeepLabels(variable, name, block);
+  CString bytes;
+  AppendVsfVariable(block, 0, kNewFormat, bytes);
+  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return stream.good();
+}
+
+bool CDataPort::WriteAppDataRecord(int type, ofstream& stream, long record,
+                                   const variables_t& variables, const values_t& values) {
+  std::size_t column = 0;
+  row_.resize(variables.size());
+  for (std::size_t index = 0; index < variables.size(); ++index) {
+    if (!variables[index].selected) continue;
+    const variable_data_t& value = values[index];
+    switch (variables[index].type) {
+      case ST_TYPE_NUMERIC:
+      case ST_TYPE_DATE: {
+        const bool missing = value.missing || SameAsMissing(type, value);
+        row_[column++] = missing ? kMissingCode : value.value;
+        break;
+      }
+      case ST_TYPE_STRING:
+        row_[column++] = kMissingCode;
+        break;
+      default:
+        return false;
+    }
+  }
+  stream.write(reinterpret_cast<const char*>(row_.data()),
+               static_cast<std::streamsize>(column * kCellBytes));
+  if (record == 0) lastUpdate_ = GetTickCount();
+  if (CanUpdateStatusInfo(lastUpdate_)) {
+    WriteStatusInfo(boost::str(boost::format("Importing %1% record(s)") % (record + 1)));
+    lastUpdate_ = GetTickCount();
+  }
+  return stream.good();
+}
+
+bool CDataPort::UpdateAppDataRecordCount(ofstream& stream, const std::streampos& countPosition,
+                                         long count) {
+  const auto word = static_cast<std::int32_t>(count);
+  stream.seekp(countPosition);
+  stream.write(reinterpret_cast<const char*>(&word), sizeof word);
+  ResetStatusInfo();
+  return stream.good();
+}
+
+bool CDataPort::SameAsMissing(int type, const variable_data_t& value) const {
+  if (!STUtils::IsTextFileType(type)) return false;
+  const std::string_view text = Trimmed(value.text);
+  if (text.empty()) return false;
+  return std::any_of(missingStrings_.begin(), missingStrings_.end(), [&](const string& entry) {
+    const string missing(Trimmed(entry));
+    if (value.value == 0 && EqualIgnoringCase(missing, text)) return true;
+    const auto number = ParseDataNumber(missing);
+    return number && number->length == missing.size() && number->value == value.value;
+  });
+}
+
+void CDataPort::ReportError(const string& text) {
+  AfxMessageBox(text);
+}
+
+bool CDataPort::ReportProgress(double fraction) {
+  if (progress_ && !progress_->Advance(fraction)) stopped_ = true;
+  return !stopped_;
+}
+
+bool CDataPort::CanUpdateStatusInfo(std::int64_t last) const {
+  return statusBar_ != nullptr && GetTickCount() - last >= cs_dwSTATUS_PANE_UPDATE_RATE;
+}
+
+void CDataPort::ResetStatusInfo() const {
+  WriteStatusInfo({});
+}
+
+void CDataPort::WriteStatusInfo(const string& text) const {
+  if (statusBar_ != nullptr) statusBar_->SetPaneText(0, text);
+}
+
+void CDataPort::NoteNames(const std::vector<string>& names) {
+  const std::vector<string> repeated = RepeatedNames(names);
+  if (repeated.empty()) return;
+  notes_.push_back(
+      "Names that are equal within 16 characters: " + boost::algorithm::join(repeated, ", ") + ".");
+}
+
+void CDataPort::NoteTextVariables(const variables_t& variables) {
+  const auto count = std::count_if(variables.begin(), variables.end(), [](const auto& variable) {
+    return variable.selected && variable.type == ST_TYPE_STRING;
+  });
+  if (count == 0) return;
+  notes_.push_back(std::to_string(count) + " text variable(s) hold missing values only.");
+}

@@ -1,0 +1,82 @@
+// The importer of this program: reads a foreign file and writes a system data file while it reads.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "transfer/DataImport.h"
+#include "vexutils/SideFile.h"
+
+class CDataPort final : public STUtils::basic_data_import_t<char, long> {
+ public:
+  static constexpr std::int64_t cs_dwSTATUS_PANE_UPDATE_RATE = 1000;  // milliseconds
+
+  // `statusBar` shows the progress; it may be null.
+  explicit CDataPort(CStatusBar* statusBar) : statusBar_(statusBar) {}
+
+  // Texts that stand for a missing value in a text file.
+  std::vector<string>& MissingStrings() { return missingStrings_; }
+  // Takes over what the source says beyond values and names cut to 16 bytes: unique names, full
+  // names or labels as descriptions, value labels. Off at first.
+  void SetKeepLabels(bool keep) { keepLabels_ = keep; }
+  // Imports only the variables of these names, in the order of the file; empty (as at first): all.
+  // A name that the file does not hold fails the import.
+  void SetSelection(std::vector<string> names) { selection_ = std::move(names); }
+  // What the last import had to leave behind, one sentence a fact; empty when nothing.
+  const std::vector<string>& Notes() const { return notes_; }
+
+  using basic_data_import_t::UpdateAppDataRecordCount;
+  using basic_data_import_t::WriteAppDataHeader;
+  using basic_data_import_t::WriteAppDataRecord;
+
+  STUtils::eRESULT GetImportFileNameAndType(string& name, int& type) override;
+  bool DoImportData(const string& name, int type, bool toFile,
+                    const string& systemFileName) override;
+  bool OpenInFile(const string& name, int type, STUtils::CStatTransfer<char>& transfer) override;
+  // Opens a file beside the system data file that takes its place when the import is complete.
+  bool OpenAppDataFile(const string& systemFileName, ofstream& stream) override;
+  bool AddAppDataFileFilter(filter_t& filter) override;
+
+  // This importer writes to system data files only: without one it fails.
+  bool WriteAppDataHeader(const variables_t&) override { return false; }
+  bool WriteAppDataRecord(int, long, const variables_t&, const values_t&) override { return false; }
+  bool UpdateAppDataRecordCount(long) override { return false; }
+
+  bool WriteAppDataHeader(ofstream& stream, const variables_t& variables,
+                          std::streampos& countPosition) override;
+  bool WriteAppDataRecord(int type, ofstream& stream, long record, const variables_t& variables,
+                          const values_t& values) override;
+  bool UpdateAppDataRecordCount(ofstream& stream, const std::streampos& countPosition,
+                                long count) override;
+
+  // Does a field of a text file stand for a missing value? Never for the formats of the library.
+  bool SameAsMissing(int type, const STUtils::variable_data_t& value) const;
+
+ protected:
+  void ReportError(const string& text) override;
+  bool ReportProgress(double fraction) override;
+
+ private:
+  bool CanUpdateStatusInfo(std::int64_t last) const;
+  void ResetStatusInfo() const;
+  void WriteStatusInfo(const string& text) const;
+  bool SelectVariables(STUtils::CStatTransfer<char>& transfer);
+  bool WriteVSFVariable(ofstream& stream, const STUtils::variable_info_t& variable,
+                        const string& name) const;
+  void NoteNames(const std::vector<string>& names);
+  void NoteTextVariables(const variables_t& variables);
+  bool Finish(bool imported, const string& systemFileName);
+  void TellOfKeptPart();
+
+  CStatusBar* statusBar_;
+  std::vector<string> missingStrings_{"NA", "NIL"};
+  bool keepLabels_ = false;
+  std::vector<string> selection_;
+
+  std::unique_ptr<CProgress> progress_;
+  bool stopped_ = false;
+  CSideFile side_;
+  std::int64_t lastUpdate_ = 0;
+  std::vector<double> row_;
+  std::vector<string> notes_;
+};
