@@ -1,7 +1,6 @@
 #include "datadoc/TextDump.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <unistd.h>
 
 #include "datadoc/DataDoc.h"
@@ -43,10 +42,9 @@ bool DumpCells(int file, std::int64_t cellsOffset, const DumpRange& range, const
     const std::int64_t offset = cellsOffset + CellBytes(first, range.variables);
     const std::int64_t got = ReadAt(file, offset, block.data(), count * recordBytes);
     if (got < 0) return false;
-    if (static_cast<std::size_t>(got) < count * recordBytes) {
-      errno = EIO;
-      return false;
-    }
+    // A file that ends early is read as far as it goes.
+    std::fill(block.begin() + got / static_cast<std::int64_t>(kCellBytes), block.end(),
+              kMissingCode);
     for (std::size_t i = 0; i < count; ++i) {
       AppendRecord({block.data() + i * variables, variables}, range.columns, text);
       if (text.size() < kBlockBytes) continue;

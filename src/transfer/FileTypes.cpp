@@ -8,6 +8,7 @@
 
 #include "host/Host.h"
 #include "host/Text.h"
+#include "host/statrn32.h"
 
 namespace STUtils {
 namespace {
@@ -174,6 +175,14 @@ std::string NameOfType(std::int32_t type) {
     if (row.type() == type) return row.name();
   }
   return "file type " + std::to_string(type);
+}
+
+bool CanImport(std::int32_t type) {
+  return ST_CanRead(type);
+}
+
+bool CanExport(std::int32_t type) {
+  return ST_CanWrite(type);
 }
 
 }  // namespace STUtils

@@ -76,6 +76,10 @@ std::int32_t TypeOfFileName(const std::string& fileName);
 // The name of the format behind a code, for messages.
 std::string NameOfType(std::int32_t type);
 
+// Can files of this type be read and written by this version?
+bool CanImport(std::int32_t type);
+bool CanExport(std::int32_t type);
+
 // The export utility of the surrounding package knows one format under a code of its own.
 extern const std::map<std::int32_t, std::int32_t> cs_FILE_TYPE_TO_EXPORT_UTIL_FILE_TYPE_MAP;
 

@@ -1,0 +1,114 @@
+#include "vexdata/CommandLine.h"
+
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include <CLI/CLI.hpp>
+
+#include "vexdata/Commands.h"
+#include "vexdata/TerminalHost.h"
+
+namespace {
+
+// What each command reads from the command line; the callbacks only remember which one runs.
+class Parser {
+ public:
+  explicit Parser(CTerminalHost& host) : host_(host) {
+    app_.set_version_flag("--version", "vexdata " VEX_VERSION);
+    app_.require_subcommand(1);
+    app_.fallthrough();
+    app_.add_flag("--quiet,-q", quiet_, "No progress and no notes");
+    AddFormats();
+    AddImport();
+    AddInfo();
+    AddShow();
+    AddConvert();
+  }
+
+  int Run(int argc, const char* const* argv) {
+    try {
+      app_.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+      return app_.exit(error) == 0 ? kExitDone : kExitUsage;
+    }
+    host_.SetQuiet(quiet_);
+    import_.quiet = quiet_;
+    convert_.quiet = quiet_;
+    const int code = command_();
+    if (code == kExitFailed && !host_.HasSpoken()) AfxMessageBox("stopped");
+    return code;
+  }
+
+ private:
+  void AddFormats() {
+    CLI::App* const command = app_.add_subcommand("formats", "Every file type");
+    command->add_flag("--json", json_, "As JSON");
+    command->callback([this] { command_ = [this] { return ListFormats(json_); }; });
+  }
+
+  void AddImport() {
+    CLI::App* const command =
+        app_.add_subcommand("import", "Make a system data file of a foreign file");
+    command->add_option("SOURCE", import_.source, "The foreign file")->required();
+    command->add_option("TARGET", import_.target, "The system data file; SOURCE's name with .VSF");
+    command->add_option("--type", import_.type, "Code of the file type (see 'formats')");
+    command->add_option("--select", import_.select, "Names of the variables wanted")
+        ->delimiter(',');
+    command->add_flag("--keep-labels", import_.keepLabels,
+                      "Keep full names or labels as descriptions, value labels as categories");
+    command->add_flag("--overwrite", import_.overwrite, "Replace an existing file");
+    command->callback([this] { command_ = [this] { return ImportFile(import_); }; });
+  }
+
+  void AddInfo() {
+    CLI::App* const command = app_.add_subcommand("info", "What a system data file describes");
+    command->add_option("DATA", info_, "The system data file")->required();
+    command->add_flag("--json", json_, "As JSON");
+    command->callback([this] { command_ = [this] { return ShowInfo(info_, json_); }; });
+  }
+
+  void AddShow() {
+    CLI::App* const command = app_.add_subcommand("show", "Cells as text, a case a line");
+    command->add_option("DATA", show_.file, "The system data file")->required();
+    command->add_option("--cases", show_.cases, "For example 1-20, 7 or 100-");
+    command->add_option("--variables", show_.variables, "For example age,A1-A5 or 1-3");
+    command->callback([this] { command_ = [this] { return ShowCells(show_); }; });
+  }
+
+  void AddConvert() {
+    CLI::App* const command =
+        app_.add_subcommand("convert", "Write a system data file in a chosen layout");
+    command->add_option("DATA", convert_.source, "The system data file")->required();
+    command->add_option("TARGET", convert_.target, "The new file")->required();
+    command->add_option("--layout", convert_.layout, "Names of 8 or of 16 characters")
+        ->required()
+        ->check(CLI::IsMember({"old", "new"}));
+    command->add_flag("--overwrite", convert_.overwrite, "Replace an existing file");
+    command->callback([this] { command_ = [this] { return ConvertFile(convert_); }; });
+  }
+
+  CTerminalHost& host_;
+  CLI::App app_{"Data sets of the Vex package from the command line", "vexdata"};
+  std::function<int()> command_;
+  bool quiet_ = false;
+  bool json_ = false;
+  CString info_;
+  ImportOptions import_;
+  ShowOptions show_;
+  ConvertOptions convert_;
+};
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+  CTerminalHost host;
+  try {
+    return Parser(host).Run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    AfxMessageBox("Not enough memory!");
+  } catch (const std::exception& error) {
+    AfxMessageBox(error.what());
+  }
+  return kExitFailed;
+}

@@ -1,0 +1,38 @@
+// One function per command. Each returns an exit code (CommandLine.h); a failure has been told
+// before.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/Types.h"
+
+struct ImportOptions {
+  CString source;
+  CString target;  // empty: the source's name with the extension VSF
+  int type = -1;   // -1: told from the name
+  std::vector<CString> select;
+  bool keepLabels = false;
+  bool overwrite = false;
+  bool quiet = false;
+};
+
+struct ShowOptions {
+  CString file;
+  CString cases;      // empty: all
+  CString variables;  // empty: all
+};
+
+struct ConvertOptions {
+  CString source;
+  CString target;
+  CString layout;  // "old" or "new"
+  bool overwrite = false;
+  bool quiet = false;
+};
+
+int ListFormats(bool json);
+int ImportFile(const ImportOptions& options);
+int ShowInfo(const CString& fileName, bool json);
+int ShowCells(const ShowOptions& options);
+int ConvertFile(const ConvertOptions& options);

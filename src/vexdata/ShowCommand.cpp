@@ -1,0 +1,51 @@
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "datadoc/Selections.h"
+#include "datadoc/TextDump.h"
+#include "host/Host.h"
+#include "vexdata/CommandLine.h"
+#include "vexdata/Commands.h"
+#include "vexdata/SystemFile.h"
+
+namespace {
+
+bool ParseRange(const ShowOptions& options, const TORVIKSTRUCT& data, DumpRange& range) {
+  range.variables = data.variables;
+  range.recordEnd = data.records;
+  if (!options.cases.empty()) {
+    const auto cases = ParseCaseRange(options.cases, data.records);
+    if (!cases) {
+      AfxMessageBox("--cases: expected a number or a range such as 1-20, not " + options.cases);
+      return false;
+    }
+    range.recordBegin = cases->begin;
+    range.recordEnd = cases->end;
+  }
+  CString problem;
+  const auto columns = ParseVariableList(data, options.variables, problem);
+  if (!columns) {
+    AfxMessageBox("--variables: there is no variable " + problem);
+    return false;
+  }
+  range.columns = *columns;
+  return true;
+}
+
+}  // namespace
+
+int ShowCells(const ShowOptions& options) {
+  CDescriptor file;
+  VsfContents contents;
+  DumpRange range;
+  if (!OpenSystemFile(options.file, file, contents)) return kExitFailed;
+  if (!ParseRange(options, contents.data, range)) return kExitFailed;
+  const auto print = [](std::string_view text) {
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  };
+  const bool shown = DumpCells(file.Get(), contents.cellsOffset, range, print);
+  if (shown && std::fflush(stdout) == 0) return kExitDone;
+  if (errno != EPIPE) AfxMessageBox(options.file + ": " + std::strerror(errno));
+  return kExitFailed;
+}

@@ -1,0 +1,86 @@
+#include "vexdata/TerminalHost.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <unistd.h>
+
+#include "host/Text.h"
+#include "transfer/ProgramFileTypes.h"
+#include "vexutils/TickCount.h"
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void OnInterrupt(int) {
+  interrupted = 1;
+}
+
+class TerminalProgress final : public CProgress {
+ public:
+  TerminalProgress(CString title, bool visible) : title_(std::move(title)), visible_(visible) {
+    interrupted = 0;
+    previousHandler_ = std::signal(SIGINT, OnInterrupt);
+  }
+  ~TerminalProgress() override {
+    std::signal(SIGINT, previousHandler_);
+    if (drawn_) std::fputs("\r\033[K", stderr);
+  }
+  TerminalProgress(const TerminalProgress&) = delete;
+  TerminalProgress& operator=(const TerminalProgress&) = delete;
+
+  bool Advance(double fraction) override {
+    constexpr std::int64_t kMilliseconds = 100;
+    if (visible_ && GetTickCount() - last_ >= kMilliseconds) Draw(fraction);
+    return interrupted == 0;
+  }
+
+ private:
+  void Draw(double fraction) {
+    constexpr int kCells = 30;
+    last_ = GetTickCount();
+    drawn_ = true;
+    if (fraction < 0) {
+      std::fprintf(stderr, "\r\033[K%s ...", title_.c_str());
+      return;
+    }
+    const double part = std::clamp(fraction, 0.0, 1.0);
+    const auto filled = static_cast<std::size_t>(part * kCells);
+    const CString bar = CString(filled, '#') + CString(kCells - filled, '.');
+    std::fprintf(stderr, "\r\033[K[%s] %3d %%  %s", bar.c_str(), static_cast<int>(part * 100),
+                 title_.c_str());
+  }
+
+  CString title_;
+  bool visible_;
+  bool drawn_ = false;
+  std::int64_t last_ = GetTickCount();  // quick work shows no bar
+  void (*previousHandler_)(int) = SIG_DFL;
+};
+
+}  // namespace
+
+CTerminalHost::CTerminalHost() : previous_(InstallHost(this)) {}
+
+CTerminalHost::~CTerminalHost() {
+  InstallHost(previous_);
+}
+
+MessageAnswer CTerminalHost::ShowMessage(const CString& text, const CString&,
+                                         MessageButtons buttons) {
+  spoken_ = true;
+  CString line;
+  for (const char c : text) line += c == '\n' ? ' ' : c;
+  std::cerr << "vexdata: " << line << '\n';
+  return buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Ok;
+}
+
+std::unique_ptr<CProgress> CTerminalHost::StartProgress(const CString& title) {
+  return std::make_unique<TerminalProgress>(title, !quiet_ && isatty(STDERR_FILENO) != 0);
+}
+
+std::vector<HostFileType> CTerminalHost::ExtraFileTypes() const {
+  return ProgramFileTypes();
+}
