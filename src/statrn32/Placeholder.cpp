@@ -1,1 +1,0 @@
-#include "host/statrn32.h"

@@ -1,0 +1,184 @@
+#include "statrn32/SasFiles.h"
+
+#include <filesystem>
+#include <readstat.h>
+#include <set>
+#include <string>
+
+#include "host/Text.h"
+#include "statrn32/HeaderBytes.h"
+#include "statrn32/ReadStatDictionary.h"
+#include "statrn32/ReadStatReader.h"
+#include "statrn32/ReadStatWriter.h"
+
+namespace statrn32 {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kSasMagic(
+    "\0\0\0\0\0\0\0\0\0\0\0\0\xc2\xea\x81\x60\xb3\x14\x11\xcf\xbd\x92\x08\0\x09\xc7\x31\x8c\x18\x1f"
+    "\x10\x11",
+    32);
+constexpr std::int64_t kRecordBytes = 80;  // of a transport file
+constexpr std::string_view kMember = "HEADER RECORD*******MEMBER  HEADER RECORD!!!!!!!";
+constexpr std::string_view kMemberV8 = "HEADER RECORD*******MEMBV8  HEADER RECORD!!!!!!!";
+constexpr double kLargestTransport = 7.237e75;  // of an IBM floating-point number
+
+// Sizes of header and pages, against the size of the file.
+bool CheckSas7bdat(CInputFile* input, std::string* error) {
+  CHeaderBytes in(input);
+  in.Skip(32);
+  const bool wide = in.Unsigned(1) == '3';
+  in.Skip(2);
+  const bool padded = in.Unsigned(1) == '3';
+  in.Skip(1);
+  in.SetBigEndian(in.Unsigned(1) == 0);
+  in.Skip(196 - 38 + (padded ? 4 : 0));
+  const std::uint64_t headerBytes = in.Unsigned(4);
+  const std::uint64_t pageBytes = in.Unsigned(4);
+  const std::uint64_t pages = in.Unsigned(wide ? 8 : 4);
+  if (!in.Ok()) {
+    *error = "the file ends within its header";
+    return false;
+  }
+  const auto size = static_cast<std::uint64_t>(input->Size());
+  if (headerBytes > size || pageBytes == 0 || pages > (size - headerBytes) / pageBytes) {
+    *error = "the header tells of " + std::to_string(pages) + " pages of " +
+             std::to_string(pageBytes) + " bytes; the file is shorter";
+    return false;
+  }
+  return true;
+}
+
+bool IsMemberCard(const char* record) {
+  const std::string_view text(record, kMember.size());
+  return text == kMember || text == kMemberV8;
+}
+
+// Later data sets would be read as records of the first.
+bool CheckTransport(CInputFile* input, std::string* error) {
+  constexpr std::int64_t kRecordsAtOnce = 4096;
+  std::string block(static_cast<std::size_t>(kRecordBytes * kRecordsAtOnce), '\0');
+  int members = 0;
+  for (std::int64_t place = 0;; place = input->Position()) {
+    const std::int64_t got = input->Read(block.data(), static_cast<std::int64_t>(block.size()));
+    for (std::int64_t at = 0; at + kRecordBytes <= got; at += kRecordBytes) {
+      const char* const record = block.data() + at;
+      if (*record != 'H' || !IsMemberCard(record) || ++members < 2) continue;
+      input->Seek(place + at);
+      *error = "the file holds more than one data set; please write each into a file of its own";
+      return false;
+    }
+    if (got < static_cast<std::int64_t>(block.size())) return true;
+  }
+}
+
+bool CheckNothing(CInputFile* /*input*/, std::string* /*error*/) {
+  return true;
+}
+
+constexpr READSTAT_FORMAT kCatalogue = {
+    38,          readstat_parse_sas7bcat, CheckNothing,       1,      true, nullptr, kSasEpochDay,
+    SasDateKind, DATE_KIND::DayDate,      DATE_KIND::Seconds, nullptr};
+
+// "stem.sas7bcat" or "stem_formats.sas7bcat" in the same folder, in either case; empty when there
+// is none.
+std::string FindCatalogue(const std::string& file) {
+  const fs::path path(file);
+  const std::string stem = path.stem().string();
+  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+  std::error_code failed;
+  for (const std::string& wanted : {stem + ".sas7bcat", stem + "_formats.sas7bcat"}) {
+    if (fs::is_regular_file(folder / wanted, failed)) return (folder / wanted).string();
+    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end;
+         entry.increment(failed)) {
+      if (EqualIgnoringCase(entry->path().filename().string(), wanted)) {
+        return entry->path().string();
+      }
+    }
+  }
+  return {};
+}
+
+// A variable names its format with a width ("GENDER1."), the catalogue without.
+std::string FormatName(std::string_view format) {
+  const std::string_view name = SplitFormat(format).name;
+  return std::string(name);
+}
+
+// Labels are a help: a catalogue that cannot be read gives none, the data are read all the same.
+void AddCatalogueLabels(const std::string& file, const std::vector<std::string>& names,
+                        DICTIONARY* dictionary) {
+  const std::string catalogue = FindCatalogue(file);
+  CInputFile input;
+  if (catalogue.empty() || !input.Open(catalogue)) return;
+  const std::int64_t cases = dictionary->cases;
+  CDictionaryPass pass(kCatalogue, &input);
+  pass.RunLabels(dictionary);
+  dictionary->cases = cases;  // a catalogue has records of its own
+  for (std::size_t i = 0; i < names.size() && i < dictionary->variables.size(); ++i) {
+    int set = pass.FindSet(names[i]);
+    if (set < 0) set = pass.FindSet(FormatName(names[i]));
+    dictionary->variables[i].labelSet = set;
+  }
+}
+
+constexpr READSTAT_FORMAT kSas7bdat = {38,
+                                       readstat_parse_sas7bdat,
+                                       CheckSas7bdat,
+                                       20,
+                                       false,
+                                       nullptr,
+                                       kSasEpochDay,
+                                       SasDateKind,
+                                       DATE_KIND::DayDate,
+                                       DATE_KIND::Seconds,
+                                       AddCatalogueLabels};
+
+constexpr READSTAT_FORMAT kTransport = {
+    12,          readstat_parse_xport, CheckTransport,     136,    false, nullptr, kSasEpochDay,
+    SasDateKind, DATE_KIND::DayDate,   DATE_KIND::Seconds, nullptr};
+
+readstat_compress_t NoCompression(const std::string& /*name*/) {
+  return READSTAT_COMPRESS_NONE;
+}
+
+constexpr READSTAT_TARGET kTransportTarget = {readstat_begin_writing_xport,
+                                              5,
+                                              NoCompression,
+                                              "F%d.%d",
+                                              40,
+                                              0,
+                                              200,
+                                              true,
+                                              false,
+                                              kLargestTransport};
+
+constexpr std::string_view kReserved[] = {
+    "_N_", "_ERROR_", "_NUMERIC_", "_CHARACTER_", "_ALL_", "_INFILE_", "_MSG_", "_CMD_", "_IORC_"};
+
+}  // namespace
+
+constexpr NAME_RULES kTransportNames = {8, "_", "_", true, true, false, kReserved};
+
+bool IsSas7bdat(std::string_view first) {
+  return first.substr(0, 32) == kSasMagic;
+}
+
+bool IsTransport(std::string_view first) {
+  return first.substr(0, 48) == "HEADER RECORD*******LIBRARY HEADER RECORD!!!!!!!" ||
+         first.substr(0, 48) == "HEADER RECORD*******LIBV8   HEADER RECORD!!!!!!!";
+}
+
+std::unique_ptr<CReader> ReadSas7bdat() {
+  return std::make_unique<CReadStatReader>(kSas7bdat);
+}
+std::unique_ptr<CReader> ReadTransport() {
+  return std::make_unique<CReadStatReader>(kTransport);
+}
+std::unique_ptr<CWriter> WriteTransport() {
+  return std::make_unique<CReadStatWriter>(kTransportTarget);
+}
+
+}  // namespace statrn32

@@ -1,0 +1,98 @@
+#include "statrn32/StataFiles.h"
+
+#include <readstat.h>
+#include <string>
+
+#include "statrn32/HeaderBytes.h"
+#include "statrn32/ReadStatReader.h"
+#include "statrn32/ReadStatWriter.h"
+
+namespace statrn32 {
+namespace {
+
+constexpr std::string_view kTagged = "<stata_dta>";
+constexpr int kOldestVersion = 104;
+constexpr int kNewestUntagged = 115;
+// What a variable takes at least: its type, name, place in the sort list, format, label's name and
+// label.
+constexpr std::int64_t kBytesPerVariable = 1 + 9 + 2 + 7 + 9 + 32;
+constexpr double kLargestNumber = 8.9884656743115e307;  // larger ones stand for missing values
+constexpr std::int64_t kTaggedCountsAt = 69;  // the number of variables in "<stata_dta><header>..."
+
+// The numbers of variables and records, against the size of the file.
+bool CheckDta(CInputFile* input, std::string* error) {
+  CHeaderBytes in(input);
+  char first[kTagged.size()];
+  in.Bytes(first, static_cast<std::int64_t>(sizeof first));
+  const bool tagged = std::string_view(first, sizeof first) == kTagged;
+  input->Seek(tagged ? 28 : 0);
+  char version[3] = {};
+  in.Bytes(version, tagged ? 3 : 1);
+  std::uint64_t variables = 0;
+  if (tagged) {
+    in.Skip(21);
+    char order[3] = {};
+    in.Bytes(order, 3);
+    in.SetBigEndian(order[0] == 'M');
+    in.Skip(kTaggedCountsAt - 55 + 1);
+    variables = in.Unsigned(version[2] == '9' ? 4 : 2);
+  } else {
+    in.SetBigEndian(in.Unsigned(1) == 1);
+    in.Skip(2);
+    variables = in.Unsigned(2);
+  }
+  if (!in.Ok()) {
+    *error = "the file ends within its header";
+    return false;
+  }
+  if (static_cast<std::int64_t>(variables) > input->Size() / kBytesPerVariable) {
+    *error = "the header tells of " + std::to_string(variables) +
+             " variables, which the file has no room for";
+    return false;
+  }
+  return true;
+}
+
+constexpr READSTAT_FORMAT kDta = {
+    14,           readstat_parse_dta, CheckDta,           kBytesPerVariable, true,   nullptr,
+    kSasEpochDay, StataDateKind,      DATE_KIND::DayDate, DATE_KIND::Millis, nullptr};
+
+readstat_compress_t NoCompression(const std::string& /*name*/) {
+  return READSTAT_COMPRESS_NONE;
+}
+
+constexpr READSTAT_TARGET kDtaTarget = {readstat_begin_writing_dta,
+                                        118,
+                                        NoCompression,
+                                        "%%%d.%df",
+                                        320,
+                                        32000,
+                                        2045,
+                                        true,
+                                        false,
+                                        kLargestNumber};
+
+constexpr std::string_view kReserved[] = {"_all", "_b",    "byte", "_coef", "_cons",  "_n",    "_N",
+                                          "_pi",  "_pred", "_rc",  "_skip", "double", "float", "if",
+                                          "in",   "int",   "long", "strL",  "using",  "with"};
+
+}  // namespace
+
+constexpr NAME_RULES kDtaNames = {32, "_", "_", true, false, true, kReserved, true};
+
+bool IsDta(std::string_view first) {
+  if (first.substr(0, kTagged.size()) == kTagged) return true;
+  if (first.size() < 4) return false;
+  const int version = static_cast<unsigned char>(first[0]);
+  return version >= kOldestVersion && version <= kNewestUntagged &&
+         (first[1] == 1 || first[1] == 2) && first[2] == 1;
+}
+
+std::unique_ptr<CReader> ReadDta() {
+  return std::make_unique<CReadStatReader>(kDta);
+}
+std::unique_ptr<CWriter> WriteDta() {
+  return std::make_unique<CReadStatWriter>(kDtaTarget);
+}
+
+}  // namespace statrn32

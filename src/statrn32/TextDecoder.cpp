@@ -1,0 +1,83 @@
+#include "statrn32/TextDecoder.h"
+
+#include <array>
+#include <cerrno>
+
+#include "host/Text.h"
+
+namespace statrn32 {
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+const auto kNoConverter = reinterpret_cast<iconv_t>(-1);
+
+bool IsAscii(std::string_view bytes) {
+  unsigned char all = 0;
+  for (const char c : bytes) all |= static_cast<unsigned char>(c);
+  return all < 0x80;
+}
+
+std::string_view WithoutTrailingBlanks(std::string_view bytes) {
+  const std::size_t nul = bytes.find('\0');
+  if (nul != std::string_view::npos) bytes = bytes.substr(0, nul);
+  while (!bytes.empty() && bytes.back() == ' ') bytes.remove_suffix(1);
+  return bytes;
+}
+
+}  // namespace
+
+CTextDecoder::~CTextDecoder() {
+  if (converter_ != kNoConverter) iconv_close(converter_);
+}
+
+void CTextDecoder::SetEncoding(const char* name) {
+  if (converter_ != kNoConverter) iconv_close(converter_);
+  converter_ = kNoConverter;
+  asciiBased_ = true;
+  if (name == nullptr || *name == '\0') return;
+  converter_ = iconv_open("UTF-8", name);
+  if (converter_ == kNoConverter) return;
+  // A few encodings (EBCDIC, the shift ones) give ASCII bytes another meaning.
+  std::string probe;
+  Convert("Az09~+", &probe);
+  asciiBased_ = probe == "Az09~+";
+}
+
+void CTextDecoder::Append(std::string_view bytes, std::string* out) {
+  const std::string_view text = WithoutTrailingBlanks(bytes);
+  if (asciiBased_ && IsAscii(text)) {
+    out->append(text);
+  } else if (converter_ != kNoConverter) {
+    Convert(text, out);
+  } else if (IsUtf8(text)) {
+    out->append(text);
+  } else {
+    out->append(TextForDisplay(text));
+  }
+}
+
+std::string CTextDecoder::Decode(std::string_view bytes) {
+  std::string text;
+  Append(bytes, &text);
+  return text;
+}
+
+void CTextDecoder::Convert(std::string_view bytes, std::string* out) {
+  iconv(converter_, nullptr, nullptr, nullptr, nullptr);
+  char* in = const_cast<char*>(bytes.data());  // iconv does not write to it
+  std::size_t left = bytes.size();
+  std::array<char, 512> buffer;
+  while (left > 0) {
+    char* to = buffer.data();
+    std::size_t room = buffer.size();
+    const std::size_t done = iconv(converter_, &in, &left, &to, &room);
+    const int reason = errno;
+    out->append(buffer.data(), buffer.size() - room);
+    if (done != static_cast<std::size_t>(-1) || reason == E2BIG) continue;
+    if (reason != EILSEQ) break;
+    out->append(kReplacement);
+    ++in, --left;
+  }
+}
+
+}  // namespace statrn32

@@ -1,0 +1,34 @@
+// Text of a foreign file as UTF-8.
+#pragma once
+
+#include <iconv.h>
+#include <string>
+#include <string_view>
+
+namespace statrn32 {
+
+// Turns a file's bytes into UTF-8. A byte that its encoding does not have becomes U+FFFD, a
+// character cut off at the end is left out: one bad byte never costs a file. Without an encoding,
+// valid UTF-8 is taken as such and anything else as Windows-1252.
+class CTextDecoder {
+ public:
+  CTextDecoder() = default;
+  ~CTextDecoder();
+  CTextDecoder(const CTextDecoder&) = delete;
+  CTextDecoder& operator=(const CTextDecoder&) = delete;
+
+  // `name` as iconv knows it; null, empty or unknown: no encoding.
+  void SetEncoding(const char* name);
+
+  // Appends the decoded text without its trailing blanks.
+  void Append(std::string_view bytes, std::string* out);
+  std::string Decode(std::string_view bytes);
+
+ private:
+  void Convert(std::string_view bytes, std::string* out);
+
+  iconv_t converter_ = reinterpret_cast<iconv_t>(-1);
+  bool asciiBased_ = true;
+};
+
+}  // namespace statrn32
