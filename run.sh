@@ -42,8 +42,14 @@ if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
 fi
 
 in_terminal() {
-  printf '\n$ %s\n' "${*/#"$bin/"/}"
-  "$@"
+  local word
+  printf '\n$'
+  for word in "$@"; do
+    [[ $word != *[[:space:]]* ]] || word="\"$word\""
+    printf ' %s' "$word"
+  done
+  printf '\n'
+  "$bin/$1" "${@:2}"
 }
 
 say "There is no display: showing $file in the terminal."
@@ -52,10 +58,10 @@ if [[ ${file,,} != *.vsf ]]; then
   mkdir -p build/try
   base=${file##*/}
   data=build/try/${base%.*}.VSF
-  in_terminal "$bin/vexdata" import "$file" "$data" --overwrite
+  in_terminal vexdata import "$file" "$data" --overwrite
 fi
-in_terminal "$bin/vexdata" info "$data"
-in_terminal "$bin/vexdata" show "$data" "${show_options[@]}"
+in_terminal vexdata info "$data"
+in_terminal vexdata show "$data" "${show_options[@]}"
 printf '\n'
 say "The data are in $data; the programs in build/release/bin (vexdata --help)."
-say "To see the window, run ./run.sh in a desktop session, over ssh -X, or under xvfb-run."
+say "To see the window, run ./run.sh in a desktop session or over ssh -X."

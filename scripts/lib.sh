@@ -31,16 +31,17 @@ install_missing() {
   [[ -n $missing ]] || return 0
   # shellcheck disable=SC2086
   set -- $missing
-  say "Installing: $*"
   local as_root=()
   if ((EUID != 0)); then
     command -v sudo >/dev/null ||
       die "these packages are missing, and neither root nor sudo is at hand to install them: $*"
     as_root=(sudo)
   fi
+  say "Installing: $*"
   # A list that cannot be refreshed (some other source is down) need not keep these packages away.
-  "${as_root[@]}" apt-get update -q || say "apt-get update failed; trying with the lists that are there."
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y "$@" ||
+  "${as_root[@]}" apt-get update -qq || say "apt-get update failed; trying with the lists that are there."
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -qq -o Dpkg::Use-Pty=0 "$@" >/dev/null ||
     die "apt-get could not install: $*"
 }
 
