@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The rules of the tree that no compiler keeps: formatting, no toolkit in the core, no leftovers, sound shell
-# scripts. A check whose tool is not installed says so and counts as passed.
+# The rules of the tree that no compiler keeps: formatting, no toolkit in the core, no leftovers, no broken links,
+# sound shell scripts. A check whose tool is not installed says so and counts as passed.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/lib.sh
@@ -62,6 +62,16 @@ check_headers() {
   done < <(files 'src/*.h' 'tests/*.h' 'bench/*.h' 'fuzz/*.h')
 }
 
+# Links between the pages of the tree.
+check_links() {
+  local page target
+  while read -r page; do
+    while read -r target; do
+      [[ $target == *:* || -e ${page%/*}/${target%%#*} ]] || fault "$page links to $target, which is not there"
+    done < <(grep -oE '\]\([^)# ]+' "$page" | cut -c3-)
+  done < <(files '*.md' | sed 's,^[^/]*$,./&,')
+}
+
 check_scripts() {
   if ! command -v shellcheck >/dev/null; then
     say "shellcheck is not installed: shell scripts not checked."
@@ -74,6 +84,7 @@ check_format
 check_toolkit
 check_leftovers
 check_headers
+check_links
 check_scripts
 ((failed != 0)) || say "Checks of the tree passed."
 exit "$failed"
