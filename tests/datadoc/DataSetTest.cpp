@@ -6,8 +6,8 @@
 TEST(CapacityFor, MovesByEights) {
   const struct {
     std::int32_t variables, capacity, expected;
-  } cases[] = {{0, 16, 16},  {9, 0, 16},   {9, 8, 16},  {16, 16, 16}, {17, 16, 24}, {15, 24, 24},
-               {16, 24, 24}, {14, 24, 16}, {0, 40, 16}, {0, 17, 9},   {25, 40, 32}, {31, 40, 40}};
+  } cases[] = {{0, 16, 16},  {9, 0, 16},   {9, 8, 16},  {16, 16, 16}, {17, 16, 24}, {15, 24, 16},
+               {16, 24, 24}, {14, 24, 16}, {0, 40, 16}, {0, 17, 9},   {25, 40, 32}, {31, 40, 32}};
   for (const auto& c : cases) {
     EXPECT_EQ(CapacityFor(c.variables, c.capacity), c.expected)
         << c.variables << " of " << c.capacity;
