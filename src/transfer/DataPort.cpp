@@ -1,6 +1,8 @@
 #include "transfer/DataPort.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include <boost/algorithm/string/join.hpp>
@@ -88,11 +90,11 @@ bool CDataPort::SelectVariables(STUtils::CStatTransfer<char>& transfer) {
 }
 
 bool CDataPort::OpenAppDataFile(const string& systemFileName, ofstream& stream) {
-  if (side_.Create(systemFileName)) {
-    if (basic_data_import_t::OpenAppDataFile(side_.Path(), stream)) return true;
-  }
-  ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " +
-              side_.ErrorText());
+  const bool created = side_.Create(systemFileName);
+  if (created && basic_data_import_t::OpenAppDataFile(side_.Path(), stream)) return true;
+  const string reason = created ? std::strerror(errno) : side_.ErrorText();
+  side_.Discard();
+  ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " + reason);
   return false;
 }
 
@@ -198,7 +200,7 @@ bool CDataPort::SameAsMissing(int type, const variable_data_t& value) const {
 }
 
 void CDataPort::ReportError(const string& text) {
-  AfxMessageBox(text);
+  if (!text.empty()) AfxMessageBox(text);  // an empty one has been told before
 }
 
 bool CDataPort::ReportProgress(double fraction) {

@@ -45,7 +45,7 @@ std::vector<CString> UniqueNames(const std::vector<CString>& names) {
   std::vector<CString> unique;
   for (const CString& name : names) {
     CString candidate = name;
-    while (!used.insert(candidate).second || (candidate != name && taken.contains(candidate))) {
+    while ((candidate != name && taken.contains(candidate)) || !used.insert(candidate).second) {
       const CString suffix = '_' + std::to_string(++next[name] + 1);
       candidate = CutText(name, kNameBytes - suffix.size()) + suffix;
     }
