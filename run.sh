@@ -29,7 +29,7 @@ source scripts/lib.sh
 show_options=(--cases 1-10)
 if [[ -z $file ]]; then
   file=$PWD/examples/bfi.sav
-  show_options+=(--variables 'A1,A2,A3,A4,A5,gender,education,age')
+  show_options+=(--variables 'A1-A5,gender,education,age')
 fi
 
 install_missing
