@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <utility>
 
 inline constexpr std::size_t kBlockBytes = std::size_t{1} << 20;
 
@@ -37,6 +38,13 @@ class CDescriptor {
   // Opens for reading; false on failure. A folder fails with EISDIR.
   bool OpenForReading(const char* name);
   void Close();
+  // Closes what it holds and owns `descriptor` (-1 for none) from now on.
+  void Take(int descriptor) {
+    Close();
+    descriptor_ = descriptor;
+  }
+  // Hands the descriptor over to the caller.
+  int Release() { return std::exchange(descriptor_, -1); }
   int Get() const { return descriptor_; }
   bool IsOpen() const { return descriptor_ >= 0; }
 

@@ -11,3 +11,9 @@ std::string GetTempName(const char* prefix);
 // $TMPDIR where it is set and is a folder, else /tmp, or /var/tmp where /tmp lies in memory:
 // scratch data may be larger than memory.
 std::string TempFolder();
+
+// Opens a file without a name for reading and writing, which vanishes when it is closed: in the
+// folder of the open file `file`, where what replaces that file's content will also find room and
+// the kernel can copy between the two, else in TempFolder(). Returns the descriptor, which the
+// caller closes, or -1.
+int OpenUnnamedBeside(int file);

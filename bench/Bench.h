@@ -1,0 +1,117 @@
+// What the benchmark programs share: time, memory, and the copy of a file that results are compared
+// with.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <spawn.h>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include <sys/wait.h>
+
+namespace bench {
+
+class CTimer {
+ public:
+  double Seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+inline double Median(std::vector<double> values) {
+  if (values.empty()) return 0;
+  std::sort(values.begin(), values.end());
+  const std::size_t middle = values.size() / 2;
+  return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+// A line of /proc/self/status in MiB: "VmHWM" is the highest resident size, mapped file pages
+// included, "RssAnon" the memory of the process's own at this moment.
+inline double StatusMiB(const std::string& name) {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind(name + ":", 0) == 0) return std::stod(line.substr(name.size() + 1)) / 1024;
+  }
+  return 0;
+}
+
+// The highest RssAnon between construction and Stop, above what it was at the start. The system
+// keeps no high-water mark of it, so a thread looks every two milliseconds.
+class COwnMemory {
+ public:
+  COwnMemory() : start_(StatusMiB("RssAnon")), watcher_([this] { Watch(); }) {}
+  ~COwnMemory() { Stop(); }
+  COwnMemory(const COwnMemory&) = delete;
+  COwnMemory& operator=(const COwnMemory&) = delete;
+
+  double Stop() {
+    stop_ = true;
+    if (watcher_.joinable()) watcher_.join();
+    return highest_ - start_;
+  }
+
+ private:
+  void Watch() {
+    while (!stop_) {
+      highest_ = std::max(highest_, StatusMiB("RssAnon"));
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+  }
+
+  double start_;
+  double highest_ = 0;
+  std::atomic<bool> stop_{false};
+  std::thread watcher_;
+};
+
+// Ends the program when the command cannot be run or fails.
+inline void RunCommand(std::vector<std::string> words) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  pid_t child = 0;
+  int status = 1;
+  if (posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0 ||
+      waitpid(child, &status, 0) != child || status != 0) {
+    throw std::runtime_error("cannot run " + words[0]);
+  }
+}
+
+// Writes what earlier steps left in memory, so that the next one does not pay for it.
+inline void Settle() {
+  sync();
+}
+
+// Copies `from` to a new file `to` as `cp` does it, without sharing blocks; returns the seconds.
+inline double CopyByCp(const std::string& from, const std::string& to) {
+  unlink(to.c_str());
+  Settle();
+  const CTimer timer;
+  RunCommand({"cp", "--reflink=never", from, to});
+  return timer.Seconds();
+}
+
+// Runs a benchmark's main function and turns what it throws into a message.
+template <class Body>
+int Main(Body body) {
+  try {
+    return body();
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+    return EXIT_FAILURE;
+  }
+}
+
+}  // namespace bench
