@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <iterator>
 #include <memory>
 #include <unistd.h>
 
@@ -21,6 +22,12 @@ bool Continue(const CopyProgress& progress, std::int64_t done) {
 
 enum class KernelCopy { Done, Unsupported, Failed };
 
+// What the kernel answers where it cannot copy between the two files at all, or is not allowed to.
+bool IsUnsupported(int error) {
+  constexpr int kReasons[] = {EXDEV, EINVAL, ENOSYS, EOPNOTSUPP, EBADF, EPERM, ETXTBSY};
+  return std::find(std::begin(kReasons), std::end(kReasons), error) != std::end(kReasons);
+}
+
 // Advances `done`; Unsupported leaves the rest to a plain copy.
 KernelCopy CopyByKernel(int from, std::int64_t fromOffset, int to, std::int64_t toOffset,
                         std::int64_t size, const CopyProgress& progress, std::int64_t& done) {
@@ -32,14 +39,11 @@ KernelCopy CopyByKernel(int from, std::int64_t fromOffset, int to, std::int64_t 
     const ssize_t copied = copy_file_range(from, &in, to, &out, part, 0);
     if (copied < 0 && errno == EINTR) continue;
     if (copied < 0) {
-      const bool unsupported = errno == EXDEV || errno == EINVAL || errno == ENOSYS ||
-                               errno == EOPNOTSUPP || errno == EBADF;
-      return unsupported ? KernelCopy::Unsupported : KernelCopy::Failed;
+      return IsUnsupported(errno) ? KernelCopy::Unsupported : KernelCopy::Failed;
     }
-    if (copied == 0) {
-      errno = EIO;
-      return KernelCopy::Failed;
-    }
+    // The end of the source, or a file system whose files look empty to the kernel: a plain copy
+    // finds out.
+    if (copied == 0) return KernelCopy::Unsupported;
     done += copied;
     if (!Continue(progress, done)) return KernelCopy::Failed;
   }

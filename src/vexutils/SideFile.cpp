@@ -1,19 +1,51 @@
 #include "vexutils/SideFile.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <unistd.h>
+#include <utility>
+
+#include <sys/stat.h>
 
 #include <sys/stat.h>
 
 namespace {
 
+// The file that the name stands for. A link whose file is not there yet is followed too: the file
+// is what a plain write would create.
 std::string Resolved(const std::string& target) {
+  namespace fs = std::filesystem;
+  constexpr int kMostLinks = 40;
   std::error_code error;
-  const auto path = std::filesystem::weakly_canonical(target, error);
-  return error ? target : path.string();
+  fs::path path = target;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(fs::symlink_status(path, error));
+       ++links) {
+    path = path.parent_path() / fs::read_symlink(path, error);
+  }
+  const auto canonical = fs::weakly_canonical(path, error);
+  return error ? target : canonical.string();
+}
+
+// A name beside the target for mkstemp, cut where the target's own name leaves no room for the
+// ending.
+std::string SideName(const std::string& target) {
+  constexpr const char* kEnding = ".XXXXXX";
+  constexpr std::size_t kLongestName = 240;
+  const std::filesystem::path path(target);
+  return (path.parent_path() / path.filename().string().substr(0, kLongestName)).string() + kEnding;
+}
+
+// Gives the file a name that nothing has. Where the file system cannot be told so, a second name
+// and the removal of the first do it.
+bool RenameToFreeName(const std::string& from, const std::string& to) {
+#ifdef RENAME_NOREPLACE
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno == EEXIST) return false;
+#endif
+  return link(from.c_str(), to.c_str()) == 0 && unlink(from.c_str()) == 0;
 }
 
 // The mode of a file that a program creates anew: everything that the process's mask allows.
@@ -63,10 +95,10 @@ bool CSideFile::Create(const std::string& target) {
   target_ = Resolved(target);
   struct stat info {};
   const bool exists = stat(target_.c_str(), &info) == 0;
-  if (exists && !MayReplace(info, target_)) return Fail();
+  if (exists ? !MayReplace(info, target_) : errno != ENOENT) return Fail();
 
-  std::string name = target_ + ".XXXXXX";
-  descriptor_ = mkstemp(name.data());
+  std::string name = SideName(target_);
+  descriptor_ = mkostemp(name.data(), O_CLOEXEC);
   if (descriptor_ < 0) return Fail();
   path_ = name;
   // The owner first: changing it may clear bits of the mode. Only a privileged process can give
@@ -96,16 +128,14 @@ void CSideFile::Discard() {
 }
 
 std::string CSideFile::KeepPart() {
-  if (descriptor_ < 0) return {};
-  Close();
-  std::string kept = path_;
-  path_.clear();
-  // A link fails where something has taken the name meanwhile; a rename would replace it.
-  if (link(kept.c_str(), target_.c_str()) == 0) {
-    unlink(kept.c_str());
-    kept = target_;
+  struct stat info {};
+  if (descriptor_ < 0 || stat(path_.c_str(), &info) != 0 || info.st_size == 0) {
+    Discard();
+    return {};
   }
-  return kept;
+  Close();
+  const std::string part = std::exchange(path_, {});
+  return RenameToFreeName(part, target_) ? target_ : part;
 }
 
 void CSideFile::Close() {

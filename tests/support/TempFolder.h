@@ -4,19 +4,23 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <unistd.h>
 
 class TempFolder {
  public:
-  TempFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "vextest.XXXXXX").string();
-    path_ = mkdtemp(name.data());
+  explicit TempFolder(
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string name = (parent / "vextest.XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
+    path_ = name;
   }
   ~TempFolder() { std::filesystem::remove_all(path_); }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
 
+  std::string Path() const { return path_.string(); }
   std::string operator/(const std::string& name) const { return (path_ / name).string(); }
   std::size_t FileCount() const {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path_),
