@@ -92,8 +92,8 @@ void CScratchFile::Describe(const TORVIKSTRUCT& data, const CString& pathName) c
 std::vector<LeftOverScratch> FindLeftOverScratch() {
   std::vector<LeftOverScratch> found;
   std::error_code error;
-  for (std::filesystem::directory_iterator entry(TempFolder(), error), end; !error && entry != end;
-       entry.increment(error)) {
+  for (std::filesystem::directory_iterator entry(FolderOfTempFiles(), error), end;
+       !error && entry != end; entry.increment(error)) {
     if (entry->path().extension() != kDescriptionExtension) continue;
     const CString scratchName = std::filesystem::path(entry->path()).replace_extension().string();
     const CString fileName = std::filesystem::path(scratchName).filename().string();

@@ -39,7 +39,7 @@ int OpenUnnamedIn(const std::string& folder) {
 
 }  // namespace
 
-std::string TempFolder() {
+std::string FolderOfTempFiles() {
   std::error_code error;
   const char* const chosen = std::getenv("TMPDIR");
   if (chosen != nullptr && std::filesystem::is_directory(chosen, error)) return chosen;
@@ -49,7 +49,7 @@ std::string TempFolder() {
 
 std::string GetTempName(const char* prefix) {
   constexpr std::string_view kExtension = ".tmp";
-  std::string name = (std::filesystem::path(TempFolder()) / prefix).string();
+  std::string name = (std::filesystem::path(FolderOfTempFiles()) / prefix).string();
   name += "XXXXXX";
   name += kExtension;
   const int descriptor = mkostemps(name.data(), static_cast<int>(kExtension.size()), O_CLOEXEC);
@@ -61,5 +61,5 @@ std::string GetTempName(const char* prefix) {
 int OpenUnnamedBeside(int file) {
   const std::string folder = FolderOf(file);
   const int beside = folder.empty() ? -1 : OpenUnnamedIn(folder);
-  return beside >= 0 ? beside : OpenUnnamedIn(TempFolder());
+  return beside >= 0 ? beside : OpenUnnamedIn(FolderOfTempFiles());
 }

@@ -59,7 +59,7 @@ TEST(TempFile, IgnoresASettingThatIsNoFolder) {
   WriteBytes(folder / "file", "");
   for (const std::string& value : {folder / "file", folder / "missing", std::string()}) {
     const CTempSetting setting(value.c_str());
-    EXPECT_TRUE(TempFolder() == "/tmp" || TempFolder() == "/var/tmp") << value;
+    EXPECT_TRUE(FolderOfTempFiles() == "/tmp" || FolderOfTempFiles() == "/var/tmp") << value;
   }
 }
 
