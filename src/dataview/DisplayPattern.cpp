@@ -43,6 +43,7 @@ CString FormatByPattern(double value, const CString& pattern) {
     if (text.back() == '.') text.pop_back();
   }
   const bool showsZero = point > 0 && pattern[point - 1] == '0';
-  if (!showsZero && text.starts_with("0.")) text.erase(0, 1);
+  const std::size_t firstDigit = text.starts_with('-') ? 1 : 0;
+  if (!showsZero && text.compare(firstDigit, 2, "0.") == 0) text.erase(firstDigit, 1);
   return text == "-0" ? "0" : text;
 }
