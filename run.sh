@@ -37,6 +37,12 @@ build vexapp vexdata
 bin=$PWD/build/release/bin
 
 if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+  # The example opens at once; for a file of the user's own, vexapp asks where the system data file is to lie.
+  if (($# == 0)); then
+    mkdir -p build/try
+    "$bin/vexdata" import "$file" build/try/bfi.VSF --keep-labels --overwrite --quiet
+    file=$PWD/build/try/bfi.VSF
+  fi
   say "Opening $file"
   exec "$bin/vexapp" "$file"
 fi
