@@ -10,12 +10,13 @@
 #include "datadoc/DataSet.h"
 #include "datadoc/ExternData.h"
 #include "host/Framework.h"
+#include "host/Host.h"
+#include "transfer/Exportable.h"
 
 class CDataView;
-class CProgress;
 
 // File operations return 1 for success and 0 for failure; the user has then been told why.
-class CDataDoc : public CDocument {
+class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long> {
  public:
   CDataDoc();
   ~CDataDoc() override;
@@ -96,6 +97,22 @@ class CDataDoc : public CDocument {
   // Writes all cells as text, 16 characters a cell and a record a line.
   int CopyDataToAscii(const CString& fileName);
 
+  // --- Export ---
+  // The export command.
+  void OnFileExportVexmorData();
+  // Asks for a file and writes the data set to it. True when that was done.
+  bool Export();
+  using basic_exportable_t::Export;
+  // With a line of names at the top of a text file; off at first.
+  void SetExportNames(bool names) { exportNames_ = names; }
+  // The delimiter of the text type that has none of its own; without one its export fails.
+  void SetExportDelimiter(char delimiter) { exportDelimiter_ = delimiter; }
+  // Every variable with its name, as a number of the display's width and decimals.
+  bool GetAppDataHeader(variables_t& variables) override;
+  bool GetAppDataRecord(long record, const variables_t& variables, values_t& values) override;
+  bool DoExportData(const CString& name, int type) override;
+  bool GetTextFileDelimiter(char& delimiter) override;
+
   // --- Syntax ---
   // Applies the variable deletions ("SD" lines) of a data-screening syntax to the description and
   // returns the number of variables deleted. Category slots are not moved: callers rewrite them.
@@ -103,8 +120,15 @@ class CDataDoc : public CDocument {
 
  protected:
   std::vector<FileDialogRow> SaveAsRows() const override;
+  long GetAppRecordCount() const override { return data_.records; }
+  bool WantsNamesLine() const override { return exportNames_; }
+  void ReportError(const CString& text) override;
+  void ReportNote(const CString& text) override { exportNotes_.push_back(text); }
+  bool ReportProgress(double fraction) override;
 
  private:
+  bool ReadExportBlock(long record);
+  void WarnOfMissing(const CString& name, int type);
   int ReadFileOfKind(const CString& fileName);
   int WriteFileOfKind(const CString& fileName);
   int FinishOpening(const CString& fileName);
@@ -118,4 +142,11 @@ class CDataDoc : public CDocument {
   std::vector<double> firstVector_;  // the vectors of a matrix text file
   std::vector<double> secondVector_;
   EXTERNDATA extern_;
+
+  bool exportNames_ = false;
+  char exportDelimiter_ = 0;
+  std::vector<double> exportBlock_;  // records from exportBegin_ on
+  long exportBegin_ = 0;
+  std::vector<CString> exportNotes_;
+  std::unique_ptr<CProgress> exportProgress_;
 };

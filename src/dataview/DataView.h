@@ -26,6 +26,7 @@ class CDataView final : public CView, public CDataTableClient {
   const CString& GetScratchFileName() const { return scratch_.Name(); }
   // Closes the stream and opens it anew with a C mode. Null on failure.
   std::FILE* OpenScratchFile(const char* mode) { return scratch_.Open(mode); }
+  std::FILE* GetScratchStream() const { return scratch_.Stream(); }
   // Gives the row buffer one value a variable, opens the scratch file for reading and writing and
   // tells the control how many rows there are.
   void ReopenFile();

@@ -21,6 +21,7 @@ class Parser {
     app_.add_flag("--quiet,-q", quiet_, "No progress and no notes");
     AddFormats();
     AddImport();
+    AddExport();
     AddInfo();
     AddShow();
     AddConvert();
@@ -61,6 +62,18 @@ class Parser {
     command->callback([this] { command_ = [this] { return ImportFile(import_); }; });
   }
 
+  void AddExport() {
+    CLI::App* const command =
+        app_.add_subcommand("export", "Write the cases to a foreign or text file");
+    command->add_option("DATA", export_.source, "The system data file")->required();
+    command->add_option("TARGET", export_.target, "The new file")->required();
+    command->add_option("--type", export_.type, "Code of the file type (see 'formats')");
+    command->add_flag("--names", export_.names, "Text files: names on the first line");
+    command->add_option("--delimiter", export_.delimiter, "Between values, for type 1004");
+    command->add_flag("--overwrite", export_.overwrite, "Replace an existing file");
+    command->callback([this] { command_ = [this] { return ExportFile(export_); }; });
+  }
+
   void AddInfo() {
     CLI::App* const command = app_.add_subcommand("info", "What a system data file describes");
     command->add_option("DATA", info_, "The system data file")->required();
@@ -94,6 +107,7 @@ class Parser {
   bool quiet_ = false;
   bool json_ = false;
   CString info_;
+  ExportOptions export_;
   ImportOptions import_;
   ShowOptions show_;
   ConvertOptions convert_;

@@ -31,8 +31,18 @@ struct ConvertOptions {
   bool quiet = false;
 };
 
+struct ExportOptions {
+  CString source;
+  CString target;
+  int type = -1;      // -1: told from the target's name
+  CString delimiter;  // of the text type that has none of its own
+  bool names = false;
+  bool overwrite = false;
+};
+
 int ListFormats(bool json);
 int ImportFile(const ImportOptions& options);
 int ShowInfo(const CString& fileName, bool json);
 int ShowCells(const ShowOptions& options);
 int ConvertFile(const ConvertOptions& options);
+int ExportFile(const ExportOptions& options);

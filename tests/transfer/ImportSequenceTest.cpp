@@ -134,7 +134,7 @@ TEST_F(ImportSequence, ADamagedSourceLeavesAnExistingTargetAlone) {
   EXPECT_EQ(ImportTo(target), eFAILED);
   EXPECT_EQ(ReadBytes(target), "the old file");
   EXPECT_EQ(folder.FileCount(), 3U);  // the part stands beside it, and the message names it
-  EXPECT_NE(host.LastMessage().find(target + "."), CString::npos) << host.LastMessage();
+  EXPECT_NE(host.LastMessage().find(folder / "source."), CString::npos) << host.LastMessage();
 }
 
 TEST_F(ImportSequence, AStopWritesNothing) {

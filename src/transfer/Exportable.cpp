@@ -1,0 +1,274 @@
+#include "transfer/Exportable.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include "host/statrn32.h"
+#include "transfer/FileTypes.h"
+#include "vexutils/BlockIo.h"
+#include "vexutils/SideFile.h"
+
+namespace STUtils {
+namespace {
+
+constexpr int kSasDataFile = 38;
+constexpr int kSasStyle = 256;
+constexpr int kAccess = 23;
+constexpr int kInformix = 27;
+constexpr int kTableNameParameter = 2;
+constexpr int kTableNameOption = 5;
+
+// Records between two looks at progress.
+constexpr int kRecordsPerStep = 1024;
+
+}  // namespace
+
+template <typename CharT, typename CountT>
+eRESULT basic_exportable_t<CharT, CountT>::Export(const string& name) {
+  string chosenName;
+  int type = UNKNOWN_FILE_TYPE;
+  return Export(name, chosenName, type);
+}
+
+template <typename CharT, typename CountT>
+eRESULT basic_exportable_t<CharT, CountT>::Export(const string& name, string& chosenName,
+                                                  int& type) {
+  const std::filesystem::path path(name);
+  if (const eRESULT result = DoPromptForExportFileNameAndType(
+          chosenName, type, path.parent_path().string(), path.filename().string());
+      result != eOK) {
+    return result;
+  }
+  return DoExportData(chosenName, type) ? eOK : eFAILED;
+}
+
+template <typename CharT, typename CountT>
+eRESULT basic_exportable_t<CharT, CountT>::DoPromptForExportFileNameAndType(
+    string& chosenName, int& type, const string& folder, const string& fileName) {
+  if (!chosenName.empty() && type != UNKNOWN_FILE_TYPE) return eOK;
+  return GetExportFileNameAndType(chosenName, type, folder, fileName);
+}
+
+template <typename CharT, typename CountT>
+eRESULT basic_exportable_t<CharT, CountT>::GetExportFileNameAndType(string& chosenName, int& type,
+                                                                    const string& folder,
+                                                                    const string& fileName) {
+  return AskForFileAndType(true, folder, fileName, chosenName, type);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::DoExportData(const string& name, int type) {
+  stopped_ = false;
+  tableName_ = std::filesystem::path(name).stem().string();
+  return IsTextFileType(type) ? ExportTextData(name, type) : ExportStatData(name, type);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::GetTextDelimiter(CharT& delimiter) {
+  return GetTextFileDelimiter(delimiter);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::GetTextFileDelimiter(CharT&) {
+  return false;
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int type) {
+  CharT delimiter = 0;
+  if (type == DELIMITED_TEXT_FILE_TYPE && !GetTextFileDelimiter(delimiter)) return false;
+  return ExportTextData(name, type, delimiter);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int type,
+                                                       CharT delimiter) {
+  variables_t variables;
+  if (!GetAppDataHeader(variables)) return false;
+  CSideFile side;
+  if (!side.Create(name)) {
+    ReportError(name + ": " + side.ErrorText());
+    return false;
+  }
+  const auto buffer = std::make_unique<CharT[]>(kBlockBytes);
+  basic_text_export_t<CharT> target;  // closed before its buffer goes
+  target.stream.rdbuf()->pubsetbuf(buffer.get(), static_cast<std::streamsize>(kBlockBytes));
+  bool written =
+      OpenExportFile(side.Path(), type, delimiter, target) && WriteTextRecords(target, variables);
+  target.stream.close();
+  written = written && !target.stream.fail();
+  return CommitOrReport(side, written);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::OpenExportFile(const string& name, int type,
+                                                       CharT delimiter,
+                                                       basic_text_export_t<CharT>& target) {
+  target.type = type;
+  target.delimiter = delimiter;
+  target.stream.open(name, std::ios::binary | std::ios::out | std::ios::trunc);
+  return target.stream.good();
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::WriteTextRecords(basic_text_export_t<CharT>& target,
+                                                         const variables_t& variables) {
+  if (WantsNamesLine()) {
+    values_t names(variables.size());
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+      names[i].kind = ST_TYPE_STRING;
+      names[i].text = variables[i].name;
+    }
+    if (!WriteTextFileDataRecord(target, -1, names)) return false;
+  }
+  values_t values(variables.size());
+  for (CountT record = 0; GetAppDataRecord(record, variables, values); ++record) {
+    if (!StepProgress(record)) return false;
+    if (!WriteTextFileDataRecord(target, record, values)) return false;
+  }
+  return true;
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::WriteTextFileDataRecord(basic_text_export_t<CharT>& target,
+                                                                CountT, values_t& values) {
+  thread_local string line;
+  line.clear();
+  const CharT separator = target.Separator();
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (i > 0) line += separator;
+    AppendValueText(values[i], line);
+  }
+  line += '\n';
+  target.stream.write(line.data(), static_cast<std::streamsize>(line.size()));
+  return target.stream.good();
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::ExportStatData(const string& name, int type) {
+  CStatTransfer<CharT> transfer;
+  transfer.type = type;
+  if (!GetAppDataHeader(transfer.variables)) return false;
+  if (!ST_CanWrite(type)) {
+    // The library says by name why not and what serves instead.
+    ST_InitUserDict(transfer.Environment(), 1);
+    ST_OpenOutFile(transfer.Environment(), type, name.c_str());
+    ReportError(transfer.ErrorText());
+    return false;
+  }
+  CSideFile side;
+  if (!side.Create(name)) {
+    ReportError(name + ": " + side.ErrorText());
+    return false;
+  }
+  bool written = OpenExportFile(side.Path(), type, transfer) && WriteStatRecords(transfer);
+  if (!written && !stopped_) ReportError(transfer.ErrorText());
+  if (written && ST_CloseFiles(transfer.Environment()) != 0) {
+    ReportError(transfer.ErrorText());
+    written = false;
+  }
+  transfer.variables.clear();
+  transfer.Close();
+  return CommitOrReport(side, written);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::OpenExportFile(const string& name, int type,
+                                                       CStatTransfer<CharT>& transfer) {
+  ST_ENV* const environment = transfer.Environment();
+  if (ST_InitUserDict(environment, static_cast<int>(transfer.variables.size())) != 0) return false;
+  for (const auto& variable : transfer.variables) {
+    if (ST_AddUserVar(environment, variable.name.c_str(), variable.type, variable.printWidth,
+                      variable.decimals) != 0) {
+      return false;
+    }
+  }
+  if (type == kSasDataFile) ST_SetSasStyle(environment, kSasStyle);
+  if (type == kAccess || type == kInformix) {
+    ST_DBSetParm(environment, kTableNameParameter, kTableNameOption, tableName_.c_str());
+  }
+  ST_SetNCases(environment, GetAppRecordCount());
+  transfer.file = ST_OpenOutFile(environment, type, name.c_str());
+  return transfer.file != nullptr;
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::WriteStatRecords(CStatTransfer<CharT>& transfer) {
+  const int renamed = ST_GetNRenamed(transfer.file);
+  for (int i = 0; i < renamed; ++i) {
+    const char* oldName = nullptr;
+    const char* newName = nullptr;
+    if (ST_GetRenamed(transfer.file, i, &oldName, &newName) != 0) continue;
+    ReportNote(string(oldName) + " becomes " + newName);
+  }
+  values_t values(transfer.variables.size());
+  for (CountT record = 0; GetAppDataRecord(record, transfer.variables, values); ++record) {
+    if (!StepProgress(record)) return false;
+    if (!WriteStatFileDataRecord(transfer, record, values)) return false;
+  }
+  return true;
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::WriteStatFileDataRecord(CStatTransfer<CharT>& transfer,
+                                                                CountT, values_t& values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const auto& value = values[i];
+    const int variable = static_cast<int>(i);
+    if (value.missing) {
+      ST_SetVarMissing(transfer.file, variable);
+    } else if (value.kind == ST_TYPE_STRING) {
+      ST_SetVarString(transfer.file, variable, value.text.c_str());
+    } else {
+      ST_SetVarDouble(transfer.file, variable, value.value);
+    }
+  }
+  return ST_WriteRecord(transfer.file) == 0;
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::StepProgress(CountT record) {
+  if (record % kRecordsPerStep != 0) return true;
+  const auto total = static_cast<double>(std::max<CountT>(1, GetAppRecordCount()));
+  stopped_ = !ReportProgress(static_cast<double>(record) / total);
+  return !stopped_;
+}
+
+// A stopped export leaves nothing; a failed one what it had written, without touching a file that
+// stood there.
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::CommitOrReport(CSideFile& side, bool written) {
+  if (written && side.Commit()) return true;
+  if (written) ReportError(side.Target() + ": " + side.ErrorText());
+  if (stopped_) return false;
+  const string target = side.Target();
+  const string kept = side.KeepPart();
+  if (!kept.empty() && kept != target) {
+    ReportError("The file was left as it was: " + target +
+                "\nThe part that was written is in: " + kept);
+  }
+  return false;
+}
+
+template <typename CharT, typename CountT>
+void basic_exportable_t<CharT, CountT>::AddAllFilesFilter(filter_t& filter) {
+  filter.Add(AllFilesType());
+}
+
+template <typename CharT, typename CountT>
+void basic_exportable_t<CharT, CountT>::AddStatFileFilter(filter_t& filter) {
+  filter.Add(StatFileTypes());
+}
+
+template <typename CharT, typename CountT>
+void basic_exportable_t<CharT, CountT>::AddTextFileFilter(filter_t& filter) {
+  filter.Add(TextFileTypes());
+}
+
+template <typename CharT, typename CountT>
+void basic_exportable_t<CharT, CountT>::AddApplicationSupportedStatFileFilter(filter_t&) {}
+
+template class basic_exportable_t<char, long>;
+
+}  // namespace STUtils

@@ -1,0 +1,31 @@
+#include "datadoc/DataDoc.h"
+#include "dataview/DataView.h"
+#include "host/Host.h"
+#include "vexdata/CommandLine.h"
+#include "vexdata/Commands.h"
+#include "vexdata/SystemFile.h"
+
+int ExportFile(const ExportOptions& options) {
+  int type = options.type >= 0 ? options.type : STUtils::TypeOfFileName(options.target);
+  if (type == STUtils::UNKNOWN_FILE_TYPE) {
+    AfxMessageBox(options.target + ": no file type has this extension; --type chooses one");
+    return kExitFailed;
+  }
+  if (type == STUtils::DELIMITED_TEXT_FILE_TYPE && options.delimiter.size() != 1) {
+    AfxMessageBox("This file type needs --delimiter with one character");
+    return kExitFailed;
+  }
+  if (!MayWrite(options.target, options.overwrite)) return kExitFailed;
+  {
+    CDescriptor file;
+    VsfContents contents;
+    if (!OpenSystemFile(options.source, file, contents)) return kExitFailed;
+  }
+  CDataDoc document;
+  CDataView view(document);
+  if (!document.OnOpenDbmsDocument(options.source)) return kExitFailed;
+  document.SetExportNames(options.names);
+  if (!options.delimiter.empty()) document.SetExportDelimiter(options.delimiter.front());
+  CString target = options.target;
+  return document.Export(options.source, target, type) == STUtils::eOK ? kExitDone : kExitFailed;
+}
