@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <spawn.h>
@@ -16,6 +17,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 namespace bench {
@@ -35,6 +38,34 @@ inline double Median(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   const std::size_t middle = values.size() / 2;
   return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+// Elapsed and processor time of a step.
+struct Seconds {
+  double elapsed = 0;
+  double cpu = 0;
+};
+
+inline Seconds Median(const std::vector<Seconds>& steps) {
+  std::vector<double> elapsed;
+  std::vector<double> cpu;
+  for (const Seconds& step : steps) {
+    elapsed.push_back(step.elapsed);
+    cpu.push_back(step.cpu);
+  }
+  return {Median(elapsed), Median(cpu)};
+}
+
+// Processor time, user and system, of this process (RUSAGE_SELF) or of the commands that it ran and
+// waited for (RUSAGE_CHILDREN). Unlike elapsed time it hardly changes when the machine has other
+// work.
+inline double CpuSeconds(int who) {
+  rusage usage{};
+  getrusage(who, &usage);
+  const auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
 // A line of /proc/self/status in MiB: "VmHWM" is the highest resident size, mapped file pages
@@ -89,18 +120,34 @@ inline void RunCommand(std::vector<std::string> words) {
   }
 }
 
-// Writes what earlier steps left in memory, so that the next one does not pay for it.
-inline void Settle() {
-  sync();
+// Touches `bytes` of memory and gives them back, in a process of its own. Free memory of a virtual
+// machine may have to be fetched from the host page by page; without this the step that happens to
+// use it first would pay for that, the copy or what is compared.
+inline void WarmFreeMemory(std::int64_t bytes) {
+  const pid_t child = fork();
+  if (child == 0) {
+    mmap(nullptr, static_cast<std::size_t>(bytes), PROT_READ | PROT_WRITE,
+         MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
+    _exit(0);
+  }
+  if (child > 0) waitpid(child, nullptr, 0);
 }
 
-// Copies `from` to a new file `to` as `cp` does it, without sharing blocks; returns the seconds.
-inline double CopyByCp(const std::string& from, const std::string& to) {
+// Brings the machine into the same state before each step: nothing of earlier ones is left to be
+// written, and `bytes` of free memory are at hand.
+inline void Settle(std::int64_t bytes) {
+  sync();
+  WarmFreeMemory(bytes);
+}
+
+// Copies `from` to a new file `to` as `cp` does it, without sharing blocks.
+inline Seconds CopyByCp(const std::string& from, const std::string& to) {
   unlink(to.c_str());
-  Settle();
+  Settle(2 * static_cast<std::int64_t>(std::filesystem::file_size(from)));
+  const double before = CpuSeconds(RUSAGE_CHILDREN);
   const CTimer timer;
   RunCommand({"cp", "--reflink=never", from, to});
-  return timer.Seconds();
+  return {timer.Seconds(), CpuSeconds(RUSAGE_CHILDREN) - before};
 }
 
 // Runs a benchmark's main function and turns what it throws into a message.

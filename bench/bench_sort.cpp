@@ -78,22 +78,23 @@ void Check(const std::string& name, const Options& options) {
 void MakeCold(const std::string& name) {
   CDescriptor file;
   if (!file.OpenForReading(name.c_str())) Fail(name);
-  bench::Settle();
+  sync();
   posix_fadvise(file.Get(), 0, 0, POSIX_FADV_DONTNEED);
 }
 
 struct Result {
-  std::vector<double> copy;
-  std::vector<double> sort;
+  std::vector<bench::Seconds> copies;
+  std::vector<bench::Seconds> sorts;
   double ownMiB = 0;
 };
 
 void Measure(const std::string& source, const std::string& target, std::size_t memoryMiB,
              const Options& options, Result& result) {
-  result.copy.push_back(bench::CopyByCp(source, target));
-  bench::Settle();
+  result.copies.push_back(bench::CopyByCp(source, target));
+  bench::Settle(2 * static_cast<std::int64_t>(std::filesystem::file_size(source)));
   if (options.cold) MakeCold(target);
   bench::COwnMemory own;
+  const double before = bench::CpuSeconds(RUSAGE_SELF);
   const bench::CTimer timer;
   {
     const FilePointer file = Open(target, "r+b");
@@ -103,7 +104,7 @@ void Measure(const std::string& source, const std::string& target, std::size_t m
       Fail("fqsort");
     }
   }
-  result.sort.push_back(timer.Seconds());
+  result.sorts.push_back({timer.Seconds(), bench::CpuSeconds(RUSAGE_SELF) - before});
   result.ownMiB = std::max(result.ownMiB, own.Stop());
 }
 
@@ -115,24 +116,23 @@ void Run(const Options& options) {
   std::printf("%lld records of %lld variables%s, %d runs, medians\n",
               static_cast<long long>(options.records), static_cast<long long>(options.variables),
               options.cold ? " (not in the page cache)" : "", options.runs);
-  std::printf("%12s %8s %10s %7s %16s %14s\n", "budget, MiB", "cp, s", "fqsort, s", "ratio",
-              "own memory, MiB", "VmHWM, MiB");
+  std::printf("%11s %14s %18s %6s %16s %11s\n", "budget, MiB", "cp, s (cpu)", "fqsort, s (cpu)",
+              "ratio", "own memory, MiB", "VmHWM, MiB");
   for (const std::size_t memory : options.memory) {
     Result result;
     for (int run = 0; run < options.runs; ++run) Measure(source, target, memory, options, result);
     Check(target, options);
-    const double copy = bench::Median(result.copy);
-    const double sort = bench::Median(result.sort);
-    std::printf("%12zu %8.3f %10.3f %7.2f %16.1f %14.1f\n", memory, copy, sort, sort / copy,
-                result.ownMiB, bench::StatusMiB("VmHWM"));
+    const bench::Seconds copy = bench::Median(result.copies);
+    const bench::Seconds sort = bench::Median(result.sorts);
+    std::printf("%11zu %6.3f (%5.3f) %10.3f (%5.3f) %6.2f %16.1f %11.1f\n", memory, copy.elapsed,
+                copy.cpu, sort.elapsed, sort.cpu, sort.elapsed / copy.elapsed, result.ownMiB,
+                bench::StatusMiB("VmHWM"));
   }
   unlink(target.c_str());
   if (options.file.empty()) unlink(source.c_str());
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Start(int argc, char** argv) {
   Options options;
   CLI::App app("Times fqsort against a plain copy of the same file");
   app.add_option("--file", options.file, "sort a copy of this file instead of one made here");
@@ -143,8 +143,12 @@ int main(int argc, char** argv) {
   app.add_option("--runs", options.runs)->check(CLI::PositiveNumber);
   app.add_flag("--cold", options.cold, "take the file out of the page cache before each sort");
   CLI11_PARSE(app, argc, argv);
-  return bench::Main([&] {
-    Run(options);
-    return EXIT_SUCCESS;
-  });
+  Run(options);
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return bench::Main([&] { return Start(argc, argv); });
 }

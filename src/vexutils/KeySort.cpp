@@ -58,7 +58,7 @@ class CKeySort {
       : job_(job),
         target_(sorted),
         count_(static_cast<std::size_t>(job.records)),
-        blockRecords_(job.RecordsIn(kBlockBytes)) {}
+        pieceRecords_(job.RecordsIn(kPieceBytes)) {}
 
   KeySortResult Run() {
     entries_ = std::make_unique_for_overwrite<SortEntry[]>(count_);
@@ -75,15 +75,15 @@ class CKeySort {
  private:
   static KeySortResult Failed() { return KeySortResult::Failed; }
 
-  // Runs `move` on one block of the part's records after the other. Returns an errno value.
+  // Runs `move` on one piece of the part's records after the other. Returns an errno value.
   template <class Move>
-  int EachBlock(CPart& part, double from, double to, Move move) {
-    const auto block = std::make_unique_for_overwrite<char[]>(
-        static_cast<std::size_t>(blockRecords_) * job_.recordBytes);
-    for (std::int64_t first = part.First(); first < part.End(); first += blockRecords_) {
+  int EachPiece(CPart& part, double from, double to, Move move) {
+    const auto piece = std::make_unique_for_overwrite<char[]>(
+        static_cast<std::size_t>(pieceRecords_) * job_.recordBytes);
+    for (std::int64_t first = part.First(); first < part.End(); first += pieceRecords_) {
       if (part.Stopped()) return ECANCELED;
-      const std::int64_t records = std::min(blockRecords_, part.End() - first);
-      if (const int error = move(block.get(), first, records)) return error;
+      const std::int64_t records = std::min(pieceRecords_, part.End() - first);
+      if (const int error = move(piece.get(), first, records)) return error;
       if (part.OnCallingThread() &&
           !job_.Report(from + (to - from) * part.Fraction(first + records)))
         return ECANCELED;
@@ -92,15 +92,15 @@ class CKeySort {
   }
 
   int ReadKeys(CPart& part) {
-    return EachBlock(
-        part, 0, kKeysRead, [this](char* block, std::int64_t first, std::int64_t records) {
+    return EachPiece(
+        part, 0, kKeysRead, [this](char* piece, std::int64_t first, std::int64_t records) {
           const auto size = static_cast<std::size_t>(job_.Offset(records));
-          const std::int64_t got = ReadAt(job_.file, job_.Offset(first), block, size);
+          const std::int64_t got = ReadAt(job_.file, job_.Offset(first), piece, size);
           if (got < 0) return errno;
           if (static_cast<std::size_t>(got) < size) return EIO;
           for (std::int64_t i = 0; i < records; ++i) {
             entries_[static_cast<std::size_t>(first + i)] = SortEntry::Make(
-                job_.KeyOf(block + job_.Offset(i)), static_cast<std::uint32_t>(first + i));
+                job_.KeyOf(piece + job_.Offset(i)), static_cast<std::uint32_t>(first + i));
           }
           return 0;
         });
@@ -130,23 +130,23 @@ class CKeySort {
   }
 
   int Gather(CPart& part) {
-    return EachBlock(part, kKeysSorted, kCopyComplete,
-                     [this](char* block, std::int64_t first, std::int64_t records) {
-                       char* to = block;
+    return EachPiece(part, kKeysSorted, kCopyComplete,
+                     [this](char* piece, std::int64_t first, std::int64_t records) {
+                       char* to = piece;
                        for (std::int64_t i = first; i < first + records;
                             ++i, to += job_.recordBytes) {
                          AskFor(i + kRecordsAhead);
                          std::memcpy(to, source_ + job_.Offset(order_[i].row), job_.recordBytes);
                        }
                        const auto size = static_cast<std::size_t>(job_.Offset(records));
-                       return WriteAt(target_, job_.Offset(first), block, size) ? 0 : errno;
+                       return WriteAt(target_, job_.Offset(first), piece, size) ? 0 : errno;
                      });
   }
 
   const SortJob& job_;
   const int target_;
   const std::size_t count_;
-  const std::int64_t blockRecords_;
+  const std::int64_t pieceRecords_;
   std::unique_ptr<SortEntry[]> entries_;
   std::unique_ptr<SortEntry[]> spare_;
   const SortEntry* order_ = nullptr;
@@ -158,8 +158,8 @@ class CKeySort {
 bool MaySortByKeys(const SortJob& job) {
   if (job.records > kMaxSortEntries) return false;
   const auto entries = static_cast<std::uint64_t>(job.records) * (2 * sizeof(SortEntry));
-  const std::uint64_t blocks = kMaxParts * std::max(kBlockBytes, job.recordBytes);
-  if (entries + blocks > job.memory) return false;
+  const std::uint64_t pieces = kMaxParts * std::max(kPieceBytes, job.recordBytes);
+  if (entries + pieces > job.memory) return false;
   // Besides the file itself there should be room for a good part of the copy that is being written.
   return job.Bytes() + job.Bytes() / 2 <= FreeMemoryBytes();
 }

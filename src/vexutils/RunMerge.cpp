@@ -78,7 +78,8 @@ class CRunReader {
   std::uint64_t key_ = kAfterAllKeys;
 };
 
-// How many runs one merge takes, within the budget: a block for each, and one for what is written.
+// How many runs one merge takes, within the budget: a block for each, and what is left of one for
+// the piece that is written.
 std::size_t FanIn(const SortJob& job) {
   const std::size_t blocks = job.memory / std::max(kSmallestBlock, job.recordBytes);
   return blocks > 3 ? blocks - 1 : 2;
@@ -93,7 +94,12 @@ std::size_t BlockBytes(const SortJob& job, std::size_t runs) {
 class CMergePass {
  public:
   CMergePass(const SortJob& job, int source, int target)
-      : job_(job), source_(source), target_(target) {}
+      : job_(job),
+        source_(source),
+        target_(target),
+        pieceBytes_(static_cast<std::size_t>(
+            job.Offset(job.RecordsIn(std::min(kPieceBytes, job.memory / 8))))),
+        piece_(std::make_unique_for_overwrite<char[]>(pieceBytes_)) {}
 
   void ShowProgress(double from, double to) {
     from_ = from;
@@ -109,13 +115,12 @@ class CMergePass {
       if (!readers.back().Next()) return false;
       keys.push_back(readers.back().Key());
     }
-    block_ = std::make_unique_for_overwrite<char[]>(blockBytes);
     CMergeTree tree(std::move(keys));
     while (tree.FirstKey() != kAfterAllKeys) {
       CRunReader& reader = readers[tree.First()];
-      std::memcpy(&block_[held_], reader.Record(), job_.recordBytes);
+      std::memcpy(&piece_[held_], reader.Record(), job_.recordBytes);
       held_ += job_.recordBytes;
-      if (held_ == blockBytes && !Flush()) return false;
+      if (held_ == pieceBytes_ && !Flush()) return false;
       if (!reader.Next()) return false;
       tree.ReplaceFirst(reader.Key());
     }
@@ -124,7 +129,7 @@ class CMergePass {
 
  private:
   bool Flush() {
-    if (!WriteAt(target_, written_, block_.get(), held_)) return false;
+    if (!WriteAt(target_, written_, piece_.get(), held_)) return false;
     written_ += static_cast<std::int64_t>(held_);
     held_ = 0;
     const double done = static_cast<double>(written_) / static_cast<double>(job_.Bytes());
@@ -134,9 +139,10 @@ class CMergePass {
   const SortJob& job_;
   const int source_;
   const int target_;
+  const std::size_t pieceBytes_;
+  const std::unique_ptr<char[]> piece_;
   double from_ = 0;
   double to_ = 0;
-  std::unique_ptr<char[]> block_;
   std::size_t held_ = 0;
   std::int64_t written_ = 0;
 };

@@ -11,17 +11,17 @@
 
 namespace {
 
-// Sorts as many records at a time as the budget holds, and writes them through one block.
+// Sorts as many records at a time as the budget holds, and writes them in pieces.
 class CRunMaker {
  public:
   explicit CRunMaker(const SortJob& job) : job_(job) {
-    const std::size_t block = std::min(kBlockBytes, job.memory / 8);
-    blockRecords_ = std::min(job.RecordsIn(block), job.records);
-    const std::size_t blockBytes = static_cast<std::size_t>(job.Offset(blockRecords_));
-    const std::size_t left = job.memory > blockBytes ? job.memory - blockBytes : 0;
+    const std::size_t piece = std::min(kPieceBytes, job.memory / 8);
+    pieceRecords_ = std::min(job.RecordsIn(piece), job.records);
+    const std::size_t pieceBytes = static_cast<std::size_t>(job.Offset(pieceRecords_));
+    const std::size_t left = job.memory > pieceBytes ? job.memory - pieceBytes : 0;
     const auto held = static_cast<std::int64_t>(left / (job.recordBytes + 2 * sizeof(SortEntry)));
     runRecords_ = std::clamp<std::int64_t>(held, 1, std::min(job.records, kMaxSortEntries));
-    block_ = std::make_unique_for_overwrite<char[]>(blockBytes);
+    piece_ = std::make_unique_for_overwrite<char[]>(pieceBytes);
     run_ =
         std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(job.Offset(runRecords_)));
     entries_ = std::make_unique_for_overwrite<SortEntry[]>(static_cast<std::size_t>(runRecords_));
@@ -56,23 +56,23 @@ class CRunMaker {
     }
     const SortEntry* const order =
         SortEntries(entries_.get(), spare_.get(), static_cast<std::size_t>(records));
-    for (std::int64_t done = 0; done < records; done += blockRecords_) {
-      const std::int64_t part = std::min(blockRecords_, records - done);
+    for (std::int64_t done = 0; done < records; done += pieceRecords_) {
+      const std::int64_t part = std::min(pieceRecords_, records - done);
       for (std::int64_t i = 0; i < part; ++i) {
-        std::memcpy(&block_[job_.Offset(i)], &run_[job_.Offset(order[done + i].row)],
+        std::memcpy(&piece_[job_.Offset(i)], &run_[job_.Offset(order[done + i].row)],
                     job_.recordBytes);
       }
       const auto size = static_cast<std::size_t>(job_.Offset(part));
-      if (!WriteAt(target, job_.Offset(first + done), block_.get(), size)) return false;
+      if (!WriteAt(target, job_.Offset(first + done), piece_.get(), size)) return false;
     }
     return true;
   }
 
   const SortJob& job_;
   std::int64_t runRecords_ = 0;
-  std::int64_t blockRecords_ = 0;
+  std::int64_t pieceRecords_ = 0;
   std::unique_ptr<char[]> run_;
-  std::unique_ptr<char[]> block_;
+  std::unique_ptr<char[]> piece_;
   std::unique_ptr<SortEntry[]> entries_;
   std::unique_ptr<SortEntry[]> spare_;
 };

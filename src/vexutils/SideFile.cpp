@@ -10,8 +10,6 @@
 
 #include <sys/stat.h>
 
-#include <sys/stat.h>
-
 namespace {
 
 // The file that the name stands for. A link whose file is not there yet is followed too: the file

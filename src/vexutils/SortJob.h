@@ -25,6 +25,10 @@ inline std::uint64_t OrderedKey(double value, bool descending) {
   return descending ? ~ascending : ascending;
 }
 
+// Sorted records are written in pieces that are still in the processor's cache when the system
+// takes them over.
+inline constexpr std::size_t kPieceBytes = std::size_t{128} << 10;
+
 struct SortJob {
   int file = -1;
   std::int64_t records = 0;

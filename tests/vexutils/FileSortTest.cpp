@@ -1,7 +1,7 @@
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
@@ -22,7 +22,7 @@ using Stream = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 Stream FileOf(const std::vector<double>& cells) {
   Stream file(std::tmpfile(), &std::fclose);
-  std::fwrite(cells.data(), sizeof(double), cells.size(), file.get());
+  if (!cells.empty()) std::fwrite(cells.data(), sizeof(double), cells.size(), file.get());
   return file;
 }
 
@@ -33,9 +33,13 @@ std::vector<double> CellsOf(std::FILE* file) {
   return cells;
 }
 
+bool SameBits(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
 bool SameBits(const std::vector<double>& a, const std::vector<double>& b) {
-  return a.size() == b.size() &&
-         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](double x, double y) { return SameBits(x, y); });
 }
 
 // The rule in its plainest form.
@@ -122,7 +126,7 @@ TEST(FileSort, PutsKeysInOrder) {
       ASSERT_EQ(sorted.size(), cells.size());
       for (std::size_t i = 0; i < c.rows.size(); ++i) {
         EXPECT_EQ(sorted[2 * i], c.rows[i]) << "place " << i;
-        EXPECT_EQ(std::memcmp(&sorted[2 * i + 1], &c.keys[c.rows[i]], sizeof(double)), 0);
+        EXPECT_TRUE(SameBits(sorted[2 * i + 1], c.keys[c.rows[i]])) << "place " << i;
       }
     }
   }
