@@ -15,11 +15,11 @@ if [[ -z ${VEX_REAL_DATA:-} ]]; then
   say "VEX_REAL_DATA is not set: the tests that read real files of other programs are skipped."
 fi
 
-# The tests leave the user's own settings and recent-files list alone.
+# The tests leave the user's own settings, recent-files list and temporary files alone.
 own=$(mktemp -d)
 trap 'rm -rf "$own"' EXIT
-mkdir -m 700 "$own"/{config,data,run}
-export XDG_CONFIG_HOME=$own/config XDG_DATA_HOME=$own/data XDG_RUNTIME_DIR=$own/run
+mkdir -m 700 "$own"/{config,data,run,tmp}
+export TMPDIR=$own/tmp XDG_CONFIG_HOME=$own/config XDG_DATA_HOME=$own/data XDG_RUNTIME_DIR=$own/run
 export LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen
 unset DISPLAY WAYLAND_DISPLAY
 

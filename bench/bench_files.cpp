@@ -50,7 +50,7 @@ void SyncFile(const std::string& name) {
 // Seconds of the copy with the sync that makes it last.
 double CopyAndSync(const std::string& from, const std::string& to) {
   unlink(to.c_str());
-  bench::Settle();
+  bench::Settle(2 * static_cast<std::int64_t>(std::filesystem::file_size(from)));
   const bench::CTimer timer;
   bench::RunCommand({"cp", "--reflink=never", from, to});
   SyncFile(to);
@@ -74,16 +74,17 @@ int Run(const Options& options) {
   std::printf("%d cases x %d variables, %.2f GB, %d runs\n", options.records, options.variables,
               static_cast<double>(std::filesystem::file_size(file)) / 1e9, options.runs);
 
+  const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file));
   std::vector<double> opens, openCopies, saves, saveCopies;
   double openMemory = 0;
   double saveMemory = 0;
   bench::CopyByCp(file, copy);  // warms the page cache
   for (int run = 0; run < options.runs; ++run) {
-    openCopies.push_back(bench::CopyByCp(file, copy));
+    openCopies.push_back(bench::CopyByCp(file, copy).elapsed);
     unlink(copy.c_str());
     CDataDoc document;
     CDataView view(document);
-    bench::Settle();
+    bench::Settle(2 * bytes);
     {
       bench::COwnMemory memory;
       const bench::CTimer timer;
@@ -94,7 +95,7 @@ int Run(const Options& options) {
     saveCopies.push_back(CopyAndSync(view.GetScratchFileName(), copy));
     unlink(copy.c_str());
     unlink(saved.c_str());
-    bench::Settle();
+    bench::Settle(2 * bytes);
     {
       bench::COwnMemory memory;
       const bench::CTimer timer;

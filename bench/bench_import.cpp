@@ -59,7 +59,7 @@ std::optional<Measure> MedianOf(int runs, const std::vector<std::string>& words,
   double memory = 0;
   for (int run = 0; run < runs; ++run) {
     unlink(result.c_str());
-    bench::Settle();
+    bench::Settle(std::int64_t{512} << 20);
     const auto measure = Time(words);
     if (!measure) return std::nullopt;
     seconds.push_back(measure->seconds);
