@@ -33,6 +33,7 @@ std::optional<Measure> Time(std::vector<std::string> words) {
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
+  std::fflush(stdout);  // the child would print it again
   const bench::CTimer timer;
   const pid_t child = fork();
   if (child == 0) {

@@ -11,8 +11,10 @@
 
 namespace {
 
-// One call to the kernel copies at most this much, so that progress is told and a stop is heard.
-constexpr std::int64_t kKernelCopyBytes = std::int64_t{32} << 20;
+// Progress is told and a stop is heard after so many bytes.
+constexpr std::int64_t kStepBytes = std::int64_t{32} << 20;
+constexpr std::int64_t kCopyBytes = std::int64_t{256} << 10;
+constexpr std::int64_t kPageBytes = 4096;
 
 bool Continue(const CopyProgress& progress, std::int64_t done) {
   if (!progress || progress(done)) return true;
@@ -35,7 +37,7 @@ KernelCopy CopyByKernel(int from, std::int64_t fromOffset, int to, std::int64_t 
   while (done < size) {
     off_t in = fromOffset + done;
     off_t out = toOffset + done;
-    const auto part = static_cast<std::size_t>(std::min(size - done, kKernelCopyBytes));
+    const auto part = static_cast<std::size_t>(std::min(size - done, kStepBytes));
     const ssize_t copied = copy_file_range(from, &in, to, &out, part, 0);
     if (copied < 0 && errno == EINTR) continue;
     if (copied < 0) {
@@ -52,6 +54,30 @@ KernelCopy CopyByKernel(int from, std::int64_t fromOffset, int to, std::int64_t 
   (void)from, (void)fromOffset, (void)to, (void)toOffset, (void)size, (void)progress, (void)done;
   return KernelCopy::Unsupported;
 #endif
+}
+
+// The rest of a copy, through a buffer that stays in the processor's cache. Blocks end where blocks
+// of the target do.
+bool CopyByBuffer(int from, std::int64_t fromOffset, int to, std::int64_t toOffset,
+                  std::int64_t size, const CopyProgress& progress, std::int64_t done) {
+  const auto block = std::make_unique<char[]>(kCopyBytes);
+  std::int64_t told = done;
+  while (done < size) {
+    const std::int64_t left = kCopyBytes - (toOffset + done) % kCopyBytes;
+    const auto part = static_cast<std::size_t>(std::min(size - done, left));
+    const std::int64_t got = ReadAt(from, fromOffset + done, block.get(), part);
+    if (got < 0) return false;
+    if (static_cast<std::size_t>(got) < part) {
+      errno = EIO;
+      return false;
+    }
+    if (!WriteAt(to, toOffset + done, block.get(), part)) return false;
+    done += got;
+    if (done - told < kStepBytes && done < size) continue;
+    told = done;
+    if (!Continue(progress, done)) return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -91,29 +117,14 @@ bool WriteAt(int file, std::int64_t offset, const void* data, std::size_t size) 
 bool CopyRange(int from, std::int64_t fromOffset, int to, std::int64_t toOffset, std::int64_t size,
                const CopyProgress& progress) {
   std::int64_t done = 0;
-  switch (CopyByKernel(from, fromOffset, to, toOffset, size, progress, done)) {
-    case KernelCopy::Done:
-      return true;
-    case KernelCopy::Failed:
-      return false;
-    case KernelCopy::Unsupported:
-      break;
+  // Where pages of the source do not fall on pages of the target the kernel copies in pieces of
+  // pages, which takes longer than going through a buffer.
+  const bool pagesMatch = (fromOffset - toOffset) % kPageBytes == 0;
+  if (pagesMatch) {
+    const KernelCopy result = CopyByKernel(from, fromOffset, to, toOffset, size, progress, done);
+    if (result != KernelCopy::Unsupported) return result == KernelCopy::Done;
   }
-  const auto block = std::make_unique<char[]>(kBlockBytes);
-  while (done < size) {
-    const auto part = static_cast<std::size_t>(
-        std::min<std::int64_t>(size - done, static_cast<std::int64_t>(kBlockBytes)));
-    const std::int64_t got = ReadAt(from, fromOffset + done, block.get(), part);
-    if (got < 0) return false;
-    if (static_cast<std::size_t>(got) < part) {
-      errno = EIO;
-      return false;
-    }
-    if (!WriteAt(to, toOffset + done, block.get(), part)) return false;
-    done += got;
-    if (!Continue(progress, done)) return false;
-  }
-  return true;
+  return CopyByBuffer(from, fromOffset, to, toOffset, size, progress, done);
 }
 
 bool CDescriptor::OpenForReading(const char* name) {
