@@ -70,14 +70,15 @@ bool MoveBack(const SortJob& job, int sorted) {
 
 bool Sort(const SortJob& job) {
   CDescriptor sorted;
+  KeySortResult result = KeySortResult::NotMapped;
   if (MaySortByKeys(job)) {
     sorted.Take(OpenUnnamedBeside(job.file));
     if (!sorted.IsOpen()) return false;
-    const KeySortResult result = SortByKeys(job, sorted.Get());
-    if (result != KeySortResult::Copied) return result == KeySortResult::WasSorted;
-  } else if (!SortInRuns(job, sorted)) {
-    return false;
+    result = SortByKeys(job, sorted.Get());
   }
+  if (result == KeySortResult::WasSorted) return true;
+  if (result == KeySortResult::Failed) return false;
+  if (result == KeySortResult::NotMapped && !SortInRuns(job, sorted)) return false;
   return MoveBack(job, sorted.Get());
 }
 

@@ -62,19 +62,20 @@ class CKeySort {
 
   KeySortResult Run() {
     entries_ = std::make_unique_for_overwrite<SortEntry[]>(count_);
-    if (!InParts(job_.records, [this](CPart& part) { return ReadKeys(part); })) return Failed();
+    if (!InParts(job_.records, [this](CPart& part) { return ReadKeys(part); }))
+      return KeySortResult::Failed;
     if (IsSorted(entries_.get(), count_)) return KeySortResult::WasSorted;
 
     const CMapping source(job_.file, static_cast<std::size_t>(job_.Bytes()));
-    if (!source.IsMapped() || !Sort(source)) return Failed();
+    if (!source.IsMapped()) return KeySortResult::NotMapped;
+    if (!Sort(source)) return KeySortResult::Failed;
     source_ = source.Start();
-    if (!InParts(job_.records, [this](CPart& part) { return Gather(part); })) return Failed();
+    if (!InParts(job_.records, [this](CPart& part) { return Gather(part); }))
+      return KeySortResult::Failed;
     return KeySortResult::Copied;
   }
 
  private:
-  static KeySortResult Failed() { return KeySortResult::Failed; }
-
   // Runs `move` on one piece of the part's records after the other. Returns an errno value.
   template <class Move>
   int EachPiece(CPart& part, double from, double to, Move move) {

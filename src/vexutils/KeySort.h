@@ -8,8 +8,8 @@
 // pages.
 bool MaySortByKeys(const SortJob& job);
 
-enum class KeySortResult { Failed, Copied, WasSorted };
+enum class KeySortResult { Failed, Copied, WasSorted, NotMapped };
 
-// Writes the sorted records to the start of `sorted`, or finds the file sorted and writes nothing.
-// A failure leaves its reason in errno; `job.file` is only read.
+// Writes the sorted records to the start of `sorted`; writes nothing where the file is found sorted
+// or cannot be mapped. A failure leaves its reason in errno; `job.file` is only read.
 KeySortResult SortByKeys(const SortJob& job, int sorted);
