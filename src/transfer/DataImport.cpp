@@ -1,5 +1,7 @@
 #include "transfer/DataImport.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <memory>
@@ -157,7 +159,11 @@ bool basic_data_import_t<CharT, CountT>::ImportStatData(const string& name, int 
                        CopyRecords(transfer, toFile, stream, records) &&
                        UpdateAppDataRecordCount(toFile, stream, countPosition, records);
   stream.close();
-  return written && (!toFile || !stream.fail());
+  if (toFile && stream.fail()) {
+    ReportWriteError(systemFileName, std::strerror(errno));
+    return false;
+  }
+  return written;
 }
 
 template <typename CharT, typename CountT>

@@ -48,8 +48,7 @@ bool CDataPort::DoImportData(const string& name, int type, bool toFile,
 bool CDataPort::Finish(bool imported, const string& systemFileName) {
   if (imported && side_.Commit()) return true;
   if (imported) {
-    ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " +
-                side_.ErrorText());
+    ReportWriteError(systemFileName, side_.ErrorText());
   }
   ResetStatusInfo();
   if (stopped_) {
@@ -94,7 +93,7 @@ bool CDataPort::OpenAppDataFile(const string& systemFileName, ofstream& stream) 
   if (created && basic_data_import_t::OpenAppDataFile(side_.Path(), stream)) return true;
   const string reason = created ? std::strerror(errno) : side_.ErrorText();
   side_.Discard();
-  ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " + reason);
+  ReportWriteError(systemFileName, reason);
   return false;
 }
 
@@ -201,6 +200,10 @@ bool CDataPort::SameAsMissing(int type, const variable_data_t& value) const {
 
 void CDataPort::ReportError(const string& text) {
   if (!text.empty()) AfxMessageBox(text);  // an empty one has been told before
+}
+
+void CDataPort::ReportWriteError(const string& systemFileName, const string& reason) {
+  ReportError("Error in attempting to write VSF file:\n" + systemFileName + ": " + reason);
 }
 
 bool CDataPort::ReportProgress(double fraction) {

@@ -54,6 +54,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
 
  protected:
   void ReportError(const string& text) override;
+  void ReportWriteError(const string& systemFileName, const string& reason) override;
   bool ReportProgress(double fraction) override;
 
  private:

@@ -1,6 +1,8 @@
 #include "transfer/Exportable.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 
@@ -97,7 +99,10 @@ bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int t
   bool written =
       OpenExportFile(side.Path(), type, delimiter, target) && WriteTextRecords(target, variables);
   target.stream.close();
-  written = written && !target.stream.fail();
+  if (target.stream.fail()) {
+    ReportError(name + ": " + std::strerror(errno));
+    written = false;
+  }
   return CommitOrReport(side, written);
 }
 

@@ -2,34 +2,11 @@
 #include <csignal>
 #include <filesystem>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 #include "datadoc/DocumentFixture.h"
-
-namespace {
-
-// Files written in this process end at `bytes`, as on a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &old_);
-    previous_ = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{bytes, old_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &old_);
-    std::signal(SIGXFSZ, previous_);
-  }
-
- private:
-  rlimit old_{};
-  void (*previous_)(int) = nullptr;
-};
-
-}  // namespace
+#include "support/FileSizeLimit.h"
 
 class DurableSave : public DocumentTest {
  protected:

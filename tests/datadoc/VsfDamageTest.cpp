@@ -46,9 +46,10 @@ TEST_F(VsfDamage, EveryTruncationIsReadAsFarAsItGoes) {
     const std::size_t cells = size > kCells ? (size - kCells) / 8 : 0;
     const std::size_t records = size > kCells ? (size - kCells + 15) / 16 : 0;
     ASSERT_EQ(static_cast<std::size_t>(data.records), records) << size;
+    const auto rows = Rows();
     for (std::size_t i = 0; i < records * 2; ++i) {
       const double expected = i < cells ? static_cast<double>(i + 1) : -999999.0;
-      ASSERT_EQ(Rows()[i / 2][i % 2], expected) << size << " cell " << i;
+      ASSERT_EQ(rows[i / 2][i % 2], expected) << size << " cell " << i;
     }
   }
 }

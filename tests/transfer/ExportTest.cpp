@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "datadoc/DocumentFixture.h"
+#include "support/FileSizeLimit.h"
 #include "transfer/DataPort.h"
 #include "transfer/TextExport.h"
 
@@ -122,6 +123,21 @@ TEST_F(Export, AStopLeavesWhatWasThere) {
     EXPECT_TRUE(host.messages.empty());
   }
   EXPECT_EQ(folder.FileCount(), 2U);
+}
+
+TEST_F(Export, AFullDiskIsToldAndLeavesWhatWasThere) {
+  Fill(std::vector<std::vector<double>>(5000, {1, 2}));
+  for (const auto& [file, type] : {std::pair{"out.csv", 1003}, {"out.dta", 14}}) {
+    WriteBytes(folder / file, "old");
+    host.messages.clear();
+    {
+      const FileSizeLimit limit(2000);
+      EXPECT_EQ(ExportTo(folder / file, type), eFAILED);
+    }
+    ASSERT_FALSE(host.messages.empty()) << file;
+    EXPECT_NE(host.messages[0].text.find("File too large"), CString::npos) << host.messages[0].text;
+    EXPECT_EQ(ReadBytes(folder / file), "old");
+  }
 }
 
 TEST_F(Export, AsksBesideTheDocumentAndShowsWhatItDoes) {

@@ -5,6 +5,7 @@
 
 #include "datadoc/DocumentFixture.h"
 #include "host/statrn32.h"
+#include "support/FileSizeLimit.h"
 #include "transfer/DataPort.h"
 
 using STUtils::eCANCELLED;
@@ -144,6 +145,19 @@ TEST_F(ImportSequence, AStopWritesNothing) {
   EXPECT_TRUE(host.messages.empty());
   EXPECT_EQ(folder.FileCount(), 1U);
   EXPECT_EQ(host.statusTexts.back(), "The import was stopped.");
+}
+
+TEST_F(ImportSequence, AFullDiskIsToldAndLeavesAnExistingTargetAlone) {
+  MakeSource(5000);
+  WriteBytes(target, "the old file");
+  {
+    const FileSizeLimit limit(20000);
+    EXPECT_EQ(ImportTo(target), eFAILED);
+  }
+  ASSERT_EQ(host.messages.size(), 2U);
+  EXPECT_EQ(host.messages[0].text,
+            "Error in attempting to write VSF file:\n" + target + ": File too large");
+  EXPECT_EQ(ReadBytes(target), "the old file");
 }
 
 TEST_F(ImportSequence, TargetsThatCannotBeWrittenAreTold) {
