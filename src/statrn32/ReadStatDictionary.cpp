@@ -1,5 +1,6 @@
 #include "statrn32/ReadStatDictionary.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -22,6 +23,17 @@ double NumberOf(const readstat_value_t& value) {
   return std::isnan(number) ? 0 : number;
 }
 
+int DefaultWidth(DATE_KIND date) {
+  switch (DisplayOf(date)) {
+    case ST_DISPLAY_DATE:
+      return 10;
+    case ST_DISPLAY_DATETIME:
+      return 19;
+    default:
+      return kDefaultNumberWidth;
+  }
+}
+
 void SetWidth(const readstat_variable_t& variable, VARIABLE* out) {
   const FORMAT_PARTS parts = SplitFormat(variable.format);
   int width = parts.width;
@@ -29,7 +41,7 @@ void SetWidth(const readstat_variable_t& variable, VARIABLE* out) {
   if (width <= 0 && out->type == ST_TYPE_STRING) {
     width = static_cast<int>(std::min<std::size_t>(variable.storage_width, kLargestWidth));
   }
-  if (width <= 0) width = kDefaultNumberWidth;
+  if (width <= 0) width = DefaultWidth(out->date);
   out->width = std::min(width, kLargestWidth);
   if (out->type == ST_TYPE_NUMERIC && parts.decimals > 0) {
     out->decimals = std::min(parts.decimals, kLargestDecimals);

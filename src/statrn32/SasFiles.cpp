@@ -23,7 +23,9 @@ constexpr std::string_view kSasMagic(
 constexpr std::int64_t kRecordBytes = 80;  // of a transport file
 constexpr std::string_view kMember = "HEADER RECORD*******MEMBER  HEADER RECORD!!!!!!!";
 constexpr std::string_view kMemberV8 = "HEADER RECORD*******MEMBV8  HEADER RECORD!!!!!!!";
-constexpr double kLargestTransport = 7.237e75;  // of an IBM floating-point number
+// ReadStat writes infinity for the numbers of the last hexadecimal exponent, though the format has
+// them.
+constexpr double kLargestTransport = 4.5e74;
 
 // Sizes of header and pages, against the size of the file.
 bool CheckSas7bdat(CInputFile* input, std::string* error) {

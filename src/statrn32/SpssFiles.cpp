@@ -34,14 +34,14 @@ std::string DamagedText(const char* what) {
 void SkipVariable(CHeaderBytes* in, std::int64_t* variables) {
   const std::int32_t type = in->Int32();
   const std::int32_t hasLabel = in->Int32();
-  const std::int32_t missing = in->Int32();
+  const std::int64_t missing = in->Int32();
   in->Skip(16);  // two formats and the name
   if (hasLabel != 0) {
     const std::int64_t bytes = in->Int32();
     in->Skip(bytes < 0 ? -1 : (bytes + 3) / 4 * 4);
   }
   if (missing < -3 || missing > 3) in->Skip(-1);
-  in->Skip((missing < 0 ? -missing : missing) * std::int64_t{8});
+  in->Skip((missing < 0 ? -missing : missing) * 8);
   if (type >= 0) ++*variables;
 }
 
@@ -128,8 +128,10 @@ readstat_compress_t NoCompression(const std::string& /*name*/) {
 
 constexpr READSTAT_TARGET kSavTarget = {
     readstat_begin_writing_sav, 0, SavCompression, "F%d.%d", 255, 120, 255, false, false, DBL_MAX};
+// ReadStat writes the whole part of a number in a portable file from a 64-bit integer.
+constexpr double kLargestPor = 9.2e18;
 constexpr READSTAT_TARGET kPorTarget = {
-    readstat_begin_writing_por, 0, NoCompression, "F%d.%d", 255, 60, 255, false, true, DBL_MAX};
+    readstat_begin_writing_por, 0, NoCompression, "F%d.%d", 255, 60, 255, false, true, kLargestPor};
 
 constexpr std::string_view kReserved[] = {"ALL", "AND", "BY",  "EQ", "GE", "GT",  "LE",
                                           "LT",  "NE",  "NOT", "OR", "TO", "WITH"};

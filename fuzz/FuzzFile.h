@@ -1,0 +1,9 @@
+// Reads the bytes that a fuzzer made as a file of one type, through the functions of the transfer
+// library.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Reads the dictionary, the labels and every record of at most a million values, then closes.
+void FuzzStatFile(std::int32_t type, const std::uint8_t* data, std::size_t size);

@@ -1,0 +1,167 @@
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "statrn32/Dates.h"
+
+using namespace statrn32;  // NOLINT: the tested names
+
+namespace {
+
+using K = DATE_KIND;
+
+TEST(Dates, FormatsTellTheirKind) {
+  const struct {
+    DATE_KIND (*classify)(std::string_view);
+    const char* format;
+    DATE_KIND kind;
+  } cases[] = {
+      {SpssDateKind, "F8.2", K::None},
+      {SpssDateKind, "DATE11", K::SecondDate},
+      {SpssDateKind, "EDATE10", K::SecondDate},
+      {SpssDateKind, "SDATE10", K::SecondDate},
+      {SpssDateKind, "DATETIME23.2", K::Seconds},
+      {SpssDateKind, "YMDHMS20", K::Seconds},
+      {SpssDateKind, "TIME11.2", K::TimeOfDay},
+      {SpssDateKind, "DTIME14", K::Duration},
+      {SpssDateKind, "QYR6", K::SecondQuarter},
+      {SpssDateKind, "MOYR8", K::SecondMonth},
+      {SpssDateKind, "WKYR10", K::SecondWeek},
+      {SpssDateKind, "WKDAY9", K::WeekdayNumber},
+      {SpssDateKind, "MONTH9", K::MonthNumber},
+      {StataDateKind, "%9.0g", K::None},
+      {StataDateKind, "%12s", K::None},
+      {StataDateKind, "%td", K::DayDate},
+      {StataDateKind, "%-tdCCYY.NN.DD", K::DayDate},
+      {StataDateKind, "%d", K::DayDate},
+      {StataDateKind, "%tcHH:MM:SS", K::Millis},
+      {StataDateKind, "%tC", K::Millis},
+      {StataDateKind, "%tw", K::WeekCount},
+      {StataDateKind, "%tm", K::MonthCount},
+      {StataDateKind, "%tq", K::QuarterCount},
+      {StataDateKind, "%th", K::HalfCount},
+      {StataDateKind, "%ty", K::YearNumber},
+      {StataDateKind, "%tbcalendar", K::None},
+      {StataDateKind, "%t", K::None},
+      {StataDateKind, "", K::None},
+      {SasDateKind, "BEST12", K::None},
+      {SasDateKind, "DATE9", K::DayDate},
+      {SasDateKind, "DATE", K::DayDate},
+      {SasDateKind, "date9.", K::DayDate},
+      {SasDateKind, "YYMMDDD10", K::DayDate},
+      {SasDateKind, "DDMMYYP8.", K::DayDate},
+      {SasDateKind, "E8601DA10.", K::DayDate},
+      {SasDateKind, "E8601DT19.3", K::Seconds},
+      {SasDateKind, "E8601DN10.", K::Seconds},
+      {SasDateKind, "DATETIME22.3", K::Seconds},
+      {SasDateKind, "TIME8", K::TimeOfDay},
+      {SasDateKind, "HHMM5", K::TimeOfDay},
+      {SasDateKind, "MONYY7", K::DayMonth},
+      {SasDateKind, "YYQ6", K::DayQuarter},
+      {SasDateKind, "YEAR4", K::DayYear},
+      {SasDateKind, "DAYS", K::None},
+      {SasDateKind, "TIMELY", K::None},
+      {SasDateKind, "DATEFMT", K::None},
+  };
+  for (const auto& c : cases) EXPECT_EQ(c.classify(c.format), c.kind) << c.format;
+}
+
+TEST(Dates, FormatsAreSplit) {
+  const struct {
+    const char* format;
+    const char* name;
+    int width;
+    int decimals;
+  } cases[] = {
+      {"F8.2", "F", 8, 2},      {"A255", "A", 255, -1},
+      {"%9.0g", "g", 9, 0},     {"%-12s", "s", 12, -1},
+      {"%12.3fc", "fc", 12, 3}, {"%9,2f", "f", 9, 2},
+      {"BEST", "BEST", -1, -1}, {"E8601DA10.", "E8601DA", 10, -1},
+      {"8.2", "", 8, 2},        {"", "", -1, -1},
+      {"%td", "td", -1, -1},    {"F99999999999.1", "F", 99999, 1},
+  };
+  for (const auto& c : cases) {
+    const FORMAT_PARTS parts = SplitFormat(c.format);
+    EXPECT_EQ(parts.name, c.name) << c.format;
+    EXPECT_EQ(parts.width, c.width) << c.format;
+    EXPECT_EQ(parts.decimals, c.decimals) << c.format;
+  }
+}
+
+TEST(Dates, NumbersBecomeCalendarPartsAndText) {
+  constexpr double kNotADate = std::numeric_limits<double>::infinity();
+  const struct {
+    DATE_KIND kind;
+    std::int64_t epoch;
+    double value;
+    bool inCalendar;
+    std::int32_t part1;
+    std::int32_t part2;
+    const char* text;
+  } cases[] = {
+      {K::SecondDate, kSpssEpochDay, 0, true, 15821014, 0, "1582-10-14"},
+      {K::SecondDate, kSpssEpochDay, 13630723200.0, true, 20140922, 0, "2014-09-22"},
+      {K::Seconds, kSpssEpochDay, 86399.9995, true, 15821015, 0, "1582-10-15T00:00:00"},
+      {K::Seconds, kSpssEpochDay, 43870.09, true, 15821014, 43870090, "1582-10-14T12:11:10.09"},
+      {K::TimeOfDay, kSpssEpochDay, 86399.5, true, 0, 86399500, "23:59:59.5"},
+      {K::TimeOfDay, kSpssEpochDay, 86400, false, 0, 0, "24:00:00"},
+      {K::TimeOfDay, kSpssEpochDay, -61, false, 0, 0, "-00:01:01"},
+      {K::Duration, kSpssEpochDay, 93784, false, 0, 0, "P1DT2H3M4S"},
+      {K::Duration, kSpssEpochDay, -1.5, false, 0, 0, "-P0DT0H0M1.5S"},
+      {K::DayDate, kSasEpochDay, 0, true, 19600101, 0, "1960-01-01"},
+      {K::DayDate, kSasEpochDay, -1, true, 19591231, 0, "1959-12-31"},
+      {K::DayDate, kSasEpochDay, 14669, true, 20000229, 0, "2000-02-29"},
+      {K::DayDate, kSasEpochDay, -715509, true, 10101, 0, "0001-01-01"},
+      {K::DayDate, kSasEpochDay, -715510, false, 0, 0, "-715510"},
+      {K::DayDate, kSasEpochDay, 2936549, true, 99991231, 0, "9999-12-31"},
+      {K::DayDate, kSasEpochDay, 2936550, false, 0, 0, "2936550"},
+      {K::Seconds, kSasEpochDay, -0.5, true, 19591231, 86399500, "1959-12-31T23:59:59.5"},
+      {K::Millis, kSasEpochDay, 1764549255000.0, true, 20151201, 2055000, "2015-12-01T00:34:15"},
+      {K::DayWeek, kSasEpochDay, 7, false, 0, 0, "1960-W02"},
+      {K::SecondMonth, kSpssEpochDay, 13630723200.0, false, 0, 0, "2014-09"},
+      {K::SecondQuarter, kSpssEpochDay, 13630723200.0, false, 0, 0, "2014-Q3"},
+      {K::DayYear, kSasEpochDay, 366, false, 0, 0, "1961"},
+      {K::WeekCount, kSasEpochDay, 51, false, 0, 0, "1960-W52"},
+      {K::WeekCount, kSasEpochDay, -1, false, 0, 0, "1959-W52"},
+      {K::MonthCount, kSasEpochDay, 656, false, 0, 0, "2014-09"},
+      {K::QuarterCount, kSasEpochDay, 218, false, 0, 0, "2014-Q3"},
+      {K::HalfCount, kSasEpochDay, 109, false, 0, 0, "2014-H2"},
+      {K::YearNumber, kSasEpochDay, 2014, false, 0, 0, "2014"},
+      {K::YearNumber, kSasEpochDay, 0, false, 0, 0, "0"},
+      {K::MonthCount, kSasEpochDay, 0.5, false, 0, 0, "0.5"},
+      {K::WeekdayNumber, kSpssEpochDay, 1, false, 0, 0, "Sunday"},
+      {K::WeekdayNumber, kSpssEpochDay, 8, false, 0, 0, "8"},
+      {K::MonthNumber, kSpssEpochDay, 12, false, 0, 0, "December"},
+      {K::Seconds, kSpssEpochDay, 6306150067200.0, false, 0, 0, "6306150067200"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(FormatDateValue(c.kind, c.epoch, c.value), c.text);
+    const std::int32_t display = DisplayOf(c.kind);
+    if (display != 4 && display != 8 && display != 16) continue;
+    std::int32_t part1 = 0;
+    std::int32_t part2 = 0;
+    EXPECT_EQ(CalendarParts(c.kind, c.epoch, c.value, &part1, &part2), c.inCalendar) << c.text;
+    if (!c.inCalendar) continue;
+    EXPECT_EQ(part1, c.part1) << c.text;
+    EXPECT_EQ(part2, c.part2) << c.text;
+  }
+  std::int32_t part = 0;
+  EXPECT_FALSE(CalendarParts(K::Seconds, kSpssEpochDay, kNotADate, &part, &part));
+  EXPECT_FALSE(CalendarParts(K::Seconds, kSpssEpochDay, std::nan(""), &part, &part));
+}
+
+TEST(Dates, EveryDayFollowsTheOneBefore) {
+  std::int32_t before = 0;
+  std::int32_t part1 = 0;
+  std::int32_t part2 = 0;
+  for (std::int64_t day = -715509; day <= 2936549; ++day) {
+    ASSERT_TRUE(CalendarParts(K::DayDate, kSasEpochDay, static_cast<double>(day), &part1, &part2));
+    const int step = part1 - before;
+    ASSERT_TRUE(before == 0 || step == 1 || part1 % 100 == 1) << before << " " << part1;
+    before = part1;
+  }
+  EXPECT_EQ(before, 99991231);
+}
+
+}  // namespace

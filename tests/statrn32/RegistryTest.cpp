@@ -1,0 +1,178 @@
+// Which formats there are, what they are recognised by, and what the refusals say.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "statrn32/StFiles.h"
+
+using namespace sttest;  // NOLINT: a test's own names
+using testing::AllOf;
+using testing::HasSubstr;
+
+namespace {
+
+TEST(Registry, EveryFileTypeIsKnownByName) {
+  const struct {
+    std::int32_t code;
+    const char* name;
+    bool read;
+    bool write;
+  } types[] = {
+      {23, "Access", false, false},
+      {6, "dBASE", false, false},
+      {7, "Excel", false, false},
+      {32, "Epi Info", false, false},
+      {9, "Gauss", false, false},
+      {31, "HTML Table", false, false},
+      {27, "Informix", false, false},
+      {35, "JMP", false, false},
+      {33, "LIMDEP for Windows", false, false},
+      {0, "Lotus 1-2-3", false, false},
+      {29, "Matlab Matrix", false, false},
+      {34, "Mineset", false, false},
+      {37, "Minitab", false, false},
+      {36, "OSIRIS", false, false},
+      {10, "Paradox", false, false},
+      {11, "Quattro Pro", false, false},
+      {17, "S-Plus", false, false},
+      {38, "SAS Data File - Versions 7/8/9", true, false},
+      {20, "SAS V6 Data File", false, false},
+      {12, "SAS Transport File", true, true},
+      {40, "SAS Program & Data File", false, false},
+      {22, "SPSS Data File", true, true},
+      {13, "SPSS Portable File", true, true},
+      {39, "SPSS 'Syntax' & Data File", false, false},
+      {14, "Stata", true, true},
+      {41, "Stata Program & Data File", false, false},
+      {30, "Statistica", false, false},
+      {16, "Systat", false, false},
+      {21, "SigmaPlot File", false, false},
+      {25, "SQL Server (Sybase)", false, false},
+      {28, "SQL Server (Microsoft)", false, false},
+      {42, "Oracle", false, false},
+      {44, "DB2", false, false},
+  };
+  TempFolder folder;
+  const std::string name = folder.Name("file");
+  MakeFile(name, "something");
+  Table table;
+  table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
+  for (const auto& type : types) {
+    EXPECT_EQ(ST_CanRead(type.code), type.read) << type.name;
+    EXPECT_EQ(ST_CanWrite(type.code), type.write) << type.name;
+    EXPECT_THAT(ReadFile(type.code, name).error, AllOf(HasSubstr(name), HasSubstr(type.name)));
+    if (type.write) continue;
+    EXPECT_THAT(WriteFile(table, type.code, name).error,
+                AllOf(HasSubstr(name), HasSubstr(type.name)));
+  }
+  EXPECT_EQ(BytesOf(name), "something");
+}
+
+TEST(Registry, SasDataFilesAreRefusedWithWhatToWriteInstead) {
+  Table table;
+  table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
+  EXPECT_THAT(WriteFile(table, 38, "x.sas7bdat").error,
+              AllOf(HasSubstr("SAS Transport File"), HasSubstr("SAS Program & Data File")));
+}
+
+TEST(Registry, AnUnknownCodeIsToldAsSuch) {
+  EXPECT_THAT(ReadFile(999, "x").error, HasSubstr("999"));
+  EXPECT_FALSE(ST_CanRead(-1));
+  EXPECT_FALSE(ST_CanWrite(1003));
+}
+
+TEST(Registry, WhatIsNoFileOfTheTypeIsToldSo) {
+  const std::string encrypted =
+      std::string("\x1c\0\0\0\0\0\0\0", 8) + "ENCRYPTEDSAV" + std::string(100, 'x');
+  const struct {
+    std::int32_t type;
+    std::string bytes;
+    const char* says;
+  } cases[] = {
+      {22, "", "the file is empty"},
+      {22, "hello", "not a file of the type \"SPSS Data File\""},
+      {22, "<stata_dta><header>", "those of \"Stata\""},
+      {22, encrypted, "encrypted"},
+      {14, "$FL2@(#) SPSS DATA FILE", "those of \"SPSS Data File\""},
+      {12, "**COMPRESSED** **COMPRESSED** **COMPRESSED**", "PROC CPORT"},
+      {38, std::string(2000, '\0'), "not a file of the type \"SAS Data File"},
+      {13, std::string(2000, ' '), "not a file of the type \"SPSS Portable File\""},
+      {14, std::string("\0\1\0\0Standard Jet DB\0", 20), "those of \"Access\""},
+  };
+  TempFolder folder;
+  const std::string name = folder.Name("file");
+  for (const auto& c : cases) {
+    MakeFile(name, c.bytes);
+    EXPECT_THAT(ReadFile(c.type, name).error, AllOf(HasSubstr(name), HasSubstr(c.says)));
+  }
+}
+
+TEST(Registry, WhatCannotBeOpenedIsToldWithTheReason) {
+  TempFolder folder;
+  EXPECT_THAT(ReadFile(22, folder.Name("none.sav")).error, HasSubstr("No such file"));
+  EXPECT_THAT(ReadFile(22, folder.Name("")).error, HasSubstr("Is a directory"));
+  EXPECT_THAT(ReadFile(22, "/dev/null").error, HasSubstr("seek"));
+  EXPECT_THAT(ReadFile(22, "").error, HasSubstr("No file name"));
+}
+
+TEST(Registry, FilesAreRecognisedByTheirFirstBytes) {
+  TempFolder folder;
+  Table table;
+  table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
+  table.records = {{Number(1)}};
+  const std::string name = folder.Name("file");
+  for (const std::int32_t type : {12, 13, 14, 22}) {
+    ASSERT_EQ(WriteFile(table, type, name).error, "");
+    EXPECT_EQ(ST_SniffFile(name.c_str()), type);
+  }
+  for (const char* const bytes : {"", "x", "no signature at all"}) {
+    MakeFile(name, bytes);
+    EXPECT_EQ(ST_SniffFile(name.c_str()), -1) << bytes;
+  }
+  EXPECT_EQ(ST_SniffFile(folder.Name("none").c_str()), -1);
+  EXPECT_EQ(ST_SniffFile(folder.Name("").c_str()), -1);
+}
+
+TEST(Registry, CallsInTheWrongOrderFail) {
+  ST_ENV* const env = ST_OpenEnvironment();
+  EXPECT_EQ(ST_OpenOutFile(env, 22, "x.sav"), nullptr);
+  EXPECT_THAT(ST_GetErrorMsg(env), HasSubstr("No variables"));
+  EXPECT_NE(ST_AddUserVar(env, "X", ST_TYPE_NUMERIC, 8, 2), 0);
+  ST_InitUserDict(env, 2);
+  EXPECT_EQ(ST_AddUserVar(env, "X", ST_TYPE_NUMERIC, 8, 2), 0);
+  EXPECT_NE(ST_AddUserVar(env, "Y", 77, 8, 2), 0);
+  EXPECT_EQ(ST_OpenOutFile(env, 22, "x.sav"), nullptr);
+  EXPECT_THAT(ST_GetErrorMsg(env), HasSubstr("Fewer variables"));
+  EXPECT_EQ(ST_AddUserVar(env, "Y", ST_TYPE_NUMERIC, 8, 2), 0);
+  EXPECT_EQ(ST_OpenOutFile(env, 22, "x.sav"), nullptr);
+  EXPECT_THAT(ST_GetErrorMsg(env), HasSubstr("number of records"));
+  EXPECT_EQ(ST_CloseEnvironment(env), 0);
+}
+
+TEST(Registry, NothingIsReadBeforeTheDictionary) {
+  TempFolder folder;
+  Table table;
+  table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
+  table.records = {{Number(1)}};
+  ASSERT_EQ(WriteFile(table, 22, folder.Name("x.sav")).error, "");
+  ST_ENV* const env = ST_OpenEnvironment();
+  ST_FILE* const file = ST_OpenInputFile(env, 22, folder.Name("x.sav").c_str());
+  ASSERT_NE(file, nullptr);
+  std::int32_t type = 0;
+  std::int32_t display = 0;
+  const void* value = nullptr;
+  EXPECT_EQ(ST_ReadRecord(file), -1);
+  EXPECT_EQ(ST_SelectAllVars(file), -1);
+  ASSERT_EQ(ST_ReadDict(file), 1);
+  EXPECT_EQ(ST_GetVarDataExt(file, 0, &type, &value, &display), ST_STATUS_ERROR);
+  ASSERT_EQ(ST_ReadRecord(file), 1);
+  EXPECT_EQ(ST_GetVarDataExt(file, 1, &type, &value, &display), ST_STATUS_ERROR);
+  EXPECT_EQ(ST_GetVarDataExt(file, -1, &type, &value, &display), ST_STATUS_ERROR);
+  EXPECT_EQ(ST_GetVarDataExt(file, 0, &type, &value, &display), ST_STATUS_PRESENT);
+  EXPECT_EQ(ST_ReadRecord(file), 0);
+  EXPECT_EQ(ST_ReadRecord(file), 0);
+  EXPECT_EQ(ST_GetVarDataExt(file, 0, &type, &value, &display), ST_STATUS_ERROR);
+  EXPECT_EQ(ST_GetProgress(file), 1.0);
+  ST_CloseEnvironment(env);
+}
+
+}  // namespace
