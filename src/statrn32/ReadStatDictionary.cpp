@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
 
 #include "host/statrn32.h"
@@ -128,6 +129,9 @@ void CDictionaryPass::OnError(const char* message, void* context) {
 int CDictionaryPass::TakeMetadata(readstat_metadata_t* metadata) {
   out_->cases = metadata->row_count;
   expected_ = metadata->var_count;
+  if (format_.setNameBytes != nullptr) {
+    setNameBytes_ = format_.setNameBytes(metadata->file_format_version);
+  }
   if (metadata->file_encoding != nullptr) encoding_ = metadata->file_encoding;
   if (format_.encoding == nullptr) decoder_.SetEncoding(encoding_.c_str());
   const std::int64_t room = input_->Size() / format_.bytesPerVariable;
@@ -138,9 +142,14 @@ int CDictionaryPass::TakeMetadata(readstat_metadata_t* metadata) {
   return READSTAT_HANDLER_OK;
 }
 
+std::string CDictionaryPass::SetName(const char* name) const {
+  if (name == nullptr) return {};
+  return {name, setNameBytes_ > 0 ? strnlen(name, setNameBytes_) : std::strlen(name)};
+}
+
 int CDictionaryPass::TakeVariable(const readstat_variable_t& variable, const char* labels) {
   out_->variables.push_back(MakeVariable(variable));
-  setNames_.emplace_back(labels != nullptr ? labels : "");
+  setNames_.push_back(SetName(labels));
   const auto count = static_cast<std::int64_t>(out_->variables.size());
   if (count > kMaxVariables) return Refuse("the file has too many variables");
   complete_ = !format_.labelsInFile && count == expected_;
@@ -191,7 +200,7 @@ int CDictionaryPass::TakeLabel(const char* set, const readstat_value_t& value, c
     return Refuse("the file is damaged: its value labels are longer than the file");
   }
   const auto [place, added] =
-      sets_.try_emplace(set != nullptr ? set : "", static_cast<int>(out_->labelSets.size()));
+      sets_.try_emplace(SetName(set), static_cast<int>(out_->labelSets.size()));
   if (added) out_->labelSets.emplace_back();
   out_->labelSets[static_cast<std::size_t>(place->second)].push_back(std::move(entry));
   return READSTAT_HANDLER_OK;

@@ -41,6 +41,7 @@ class CDictionaryPass {
   int TakeVariable(const readstat_variable_t& variable, const char* labels);
   int TakeLabel(const char* set, const readstat_value_t& value, const char* label);
   VARIABLE MakeVariable(const readstat_variable_t& variable);
+  std::string SetName(const char* name) const;
   int Refuse(std::string reason);
 
   const READSTAT_FORMAT& format_;
@@ -50,7 +51,8 @@ class CDictionaryPass {
   std::string encoding_;
   std::vector<std::string> setNames_;
   std::map<std::string, int> sets_;
-  std::int64_t expected_ = 0;  // variables
+  std::int64_t expected_ = 0;     // variables
+  std::size_t setNameBytes_ = 0;  // 0: no limit
   std::int64_t labelBytes_ = 0;
   bool complete_ = false;
   PARSE_RESULT result_;

@@ -22,7 +22,10 @@ struct READSTAT_FORMAT {
   bool (*check)(CInputFile* input, std::string* error);
   std::int64_t bytesPerVariable;  // what each variable takes in the file at least
   bool labelsInFile;              // value labels stand in the file and not beside it
-  const char* encoding;           // of the text handed over; null: as the file says
+  // The longest name of a set of value labels in that version of the format: such a name comes
+  // without a closing NUL when it has this length. Null: always closed.
+  std::size_t (*setNameBytes)(std::int64_t version) = nullptr;
+  const char* encoding;  // of the text handed over; null: as the file says
   std::int64_t epochDay;
   DATE_KIND (*dateKind)(std::string_view format);
   DATE_KIND dateOfDisplay;      // what a number displayed as a date counts
@@ -30,7 +33,7 @@ struct READSTAT_FORMAT {
   // Adds value labels from beside the file; null when there are none ever. `names` are the label
   // sets' names that the variables ask for, in the order of the variables.
   void (*addLabels)(const std::string& file, const std::vector<std::string>& names,
-                    DICTIONARY* dictionary);
+                    DICTIONARY* dictionary) = nullptr;
 };
 
 }  // namespace statrn32

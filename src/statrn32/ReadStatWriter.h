@@ -15,7 +15,7 @@ namespace statrn32 {
 // What a format can hold.
 struct READSTAT_TARGET {
   readstat_error_t (*begin)(readstat_writer_t* writer, void* context, long records);
-  std::uint8_t version;  // of the format; 0: as ReadStat chooses
+  std::uint8_t version = 0;  // of the format; 0: as ReadStat chooses
   readstat_compress_t (*compression)(const std::string& fileName);
   const char* numberFormat;  // printf pattern for width and decimals
   std::size_t labelBytes;

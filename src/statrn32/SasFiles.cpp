@@ -81,8 +81,16 @@ bool CheckNothing(CInputFile* /*input*/, std::string* /*error*/) {
 }
 
 constexpr READSTAT_FORMAT kCatalogue = {
-    38,          readstat_parse_sas7bcat, CheckNothing,       1,      true, nullptr, kSasEpochDay,
-    SasDateKind, DATE_KIND::DayDate,      DATE_KIND::Seconds, nullptr};
+    .code = 38,
+    .parse = readstat_parse_sas7bcat,
+    .check = CheckNothing,
+    .bytesPerVariable = 1,
+    .labelsInFile = true,
+    .epochDay = kSasEpochDay,
+    .dateKind = SasDateKind,
+    .dateOfDisplay = DATE_KIND::DayDate,
+    .dateTimeOfDisplay = DATE_KIND::Seconds,
+};
 
 // "stem.sas7bcat" or "stem_formats.sas7bcat" in the same folder, in either case; empty when there
 // is none.
@@ -126,36 +134,47 @@ void AddCatalogueLabels(const std::string& file, const std::vector<std::string>&
   }
 }
 
-constexpr READSTAT_FORMAT kSas7bdat = {38,
-                                       readstat_parse_sas7bdat,
-                                       CheckSas7bdat,
-                                       20,
-                                       false,
-                                       nullptr,
-                                       kSasEpochDay,
-                                       SasDateKind,
-                                       DATE_KIND::DayDate,
-                                       DATE_KIND::Seconds,
-                                       AddCatalogueLabels};
+constexpr READSTAT_FORMAT kSas7bdat = {
+    .code = 38,
+    .parse = readstat_parse_sas7bdat,
+    .check = CheckSas7bdat,
+    .bytesPerVariable = 20,
+    .labelsInFile = false,
+    .epochDay = kSasEpochDay,
+    .dateKind = SasDateKind,
+    .dateOfDisplay = DATE_KIND::DayDate,
+    .dateTimeOfDisplay = DATE_KIND::Seconds,
+    .addLabels = AddCatalogueLabels,
+};
 
 constexpr READSTAT_FORMAT kTransport = {
-    12,          readstat_parse_xport, CheckTransport,     136,    false, nullptr, kSasEpochDay,
-    SasDateKind, DATE_KIND::DayDate,   DATE_KIND::Seconds, nullptr};
+    .code = 12,
+    .parse = readstat_parse_xport,
+    .check = CheckTransport,
+    .bytesPerVariable = 136,
+    .labelsInFile = false,
+    .epochDay = kSasEpochDay,
+    .dateKind = SasDateKind,
+    .dateOfDisplay = DATE_KIND::DayDate,
+    .dateTimeOfDisplay = DATE_KIND::Seconds,
+};
 
 readstat_compress_t NoCompression(const std::string& /*name*/) {
   return READSTAT_COMPRESS_NONE;
 }
 
-constexpr READSTAT_TARGET kTransportTarget = {readstat_begin_writing_xport,
-                                              5,
-                                              NoCompression,
-                                              "F%d.%d",
-                                              40,
-                                              0,
-                                              200,
-                                              true,
-                                              false,
-                                              kLargestTransport};
+constexpr READSTAT_TARGET kTransportTarget = {
+    .begin = readstat_begin_writing_xport,
+    .version = 5,
+    .compression = NoCompression,
+    .numberFormat = "F%d.%d",
+    .labelBytes = 40,
+    .valueLabelBytes = 0,
+    .textBytes = 200,
+    .wholeLabels = true,
+    .asciiOnly = false,
+    .largest = kLargestTransport,
+};
 
 constexpr std::string_view kReserved[] = {
     "_N_", "_ERROR_", "_NUMERIC_", "_CHARACTER_", "_ALL_", "_INFILE_", "_MSG_", "_CMD_", "_IORC_"};

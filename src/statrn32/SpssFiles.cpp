@@ -109,13 +109,29 @@ bool CheckPor(CInputFile* /*input*/, std::string* /*error*/) {
 }
 
 constexpr READSTAT_FORMAT kSav = {
-    22,      readstat_parse_sav, CheckSav,     kVariableBytes,        true,
-    nullptr, kSpssEpochDay,      SpssDateKind, DATE_KIND::SecondDate, DATE_KIND::Seconds,
-    nullptr};
+    .code = 22,
+    .parse = readstat_parse_sav,
+    .check = CheckSav,
+    .bytesPerVariable = kVariableBytes,
+    .labelsInFile = true,
+    .epochDay = kSpssEpochDay,
+    .dateKind = SpssDateKind,
+    .dateOfDisplay = DATE_KIND::SecondDate,
+    .dateTimeOfDisplay = DATE_KIND::Seconds,
+};
 
 constexpr READSTAT_FORMAT kPor = {
-    13,           readstat_parse_por,    CheckPor,           10,     true, "UTF-8", kSpssEpochDay,
-    SpssDateKind, DATE_KIND::SecondDate, DATE_KIND::Seconds, nullptr};
+    .code = 13,
+    .parse = readstat_parse_por,
+    .check = CheckPor,
+    .bytesPerVariable = 10,
+    .labelsInFile = true,
+    .encoding = "UTF-8",
+    .epochDay = kSpssEpochDay,
+    .dateKind = SpssDateKind,
+    .dateOfDisplay = DATE_KIND::SecondDate,
+    .dateTimeOfDisplay = DATE_KIND::Seconds,
+};
 
 readstat_compress_t SavCompression(const std::string& name) {
   const bool zipped = name.size() > 5 && EqualIgnoringCase(name.substr(name.size() - 5), ".zsav");
@@ -127,11 +143,29 @@ readstat_compress_t NoCompression(const std::string& /*name*/) {
 }
 
 constexpr READSTAT_TARGET kSavTarget = {
-    readstat_begin_writing_sav, 0, SavCompression, "F%d.%d", 255, 120, 255, false, false, DBL_MAX};
+    .begin = readstat_begin_writing_sav,
+    .compression = SavCompression,
+    .numberFormat = "F%d.%d",
+    .labelBytes = 255,
+    .valueLabelBytes = 120,
+    .textBytes = 255,
+    .wholeLabels = false,
+    .asciiOnly = false,
+    .largest = DBL_MAX,
+};
 // ReadStat writes the whole part of a number in a portable file from a 64-bit integer.
 constexpr double kLargestPor = 9.2e18;
 constexpr READSTAT_TARGET kPorTarget = {
-    readstat_begin_writing_por, 0, NoCompression, "F%d.%d", 255, 60, 255, false, true, kLargestPor};
+    .begin = readstat_begin_writing_por,
+    .compression = NoCompression,
+    .numberFormat = "F%d.%d",
+    .labelBytes = 255,
+    .valueLabelBytes = 60,
+    .textBytes = 255,
+    .wholeLabels = false,
+    .asciiOnly = true,
+    .largest = kLargestPor,
+};
 
 constexpr std::string_view kReserved[] = {"ALL", "AND", "BY",  "EQ", "GE", "GT",  "LE",
                                           "LT",  "NE",  "NOT", "OR", "TO", "WITH"};

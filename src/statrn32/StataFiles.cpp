@@ -53,24 +53,40 @@ bool CheckDta(CInputFile* input, std::string* error) {
   return true;
 }
 
+std::size_t SetNameBytes(std::int64_t version) {
+  if (version >= 118) return 129;
+  return version >= 110 ? 33 : 9;
+}
+
 constexpr READSTAT_FORMAT kDta = {
-    14,           readstat_parse_dta, CheckDta,           kBytesPerVariable, true,   nullptr,
-    kSasEpochDay, StataDateKind,      DATE_KIND::DayDate, DATE_KIND::Millis, nullptr};
+    .code = 14,
+    .parse = readstat_parse_dta,
+    .check = CheckDta,
+    .bytesPerVariable = kBytesPerVariable,
+    .labelsInFile = true,
+    .setNameBytes = SetNameBytes,
+    .epochDay = kSasEpochDay,
+    .dateKind = StataDateKind,
+    .dateOfDisplay = DATE_KIND::DayDate,
+    .dateTimeOfDisplay = DATE_KIND::Millis,
+};
 
 readstat_compress_t NoCompression(const std::string& /*name*/) {
   return READSTAT_COMPRESS_NONE;
 }
 
-constexpr READSTAT_TARGET kDtaTarget = {readstat_begin_writing_dta,
-                                        118,
-                                        NoCompression,
-                                        "%%%d.%df",
-                                        320,
-                                        32000,
-                                        2045,
-                                        true,
-                                        false,
-                                        kLargestNumber};
+constexpr READSTAT_TARGET kDtaTarget = {
+    .begin = readstat_begin_writing_dta,
+    .version = 118,
+    .compression = NoCompression,
+    .numberFormat = "%%%d.%df",
+    .labelBytes = 320,
+    .valueLabelBytes = 32000,
+    .textBytes = 2045,
+    .wholeLabels = true,
+    .asciiOnly = false,
+    .largest = kLargestNumber,
+};
 
 constexpr std::string_view kReserved[] = {"_all", "_b",    "byte", "_coef", "_cons",  "_n",    "_N",
                                           "_pi",  "_pred", "_rc",  "_skip", "double", "float", "if",
