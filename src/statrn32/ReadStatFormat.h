@@ -25,7 +25,7 @@ struct READSTAT_FORMAT {
   // The longest name of a set of value labels in that version of the format: such a name comes
   // without a closing NUL when it has this length. Null: always closed.
   std::size_t (*setNameBytes)(std::int64_t version) = nullptr;
-  const char* encoding;  // of the text handed over; null: as the file says
+  const char* encoding = nullptr;  // of the text handed over; null: as the file says, empty: none
   std::int64_t epochDay;
   DATE_KIND (*dateKind)(std::string_view format);
   DATE_KIND dateOfDisplay;      // what a number displayed as a date counts

@@ -1,6 +1,5 @@
 #include "statrn32/SpssFiles.h"
 
-#include <cfloat>
 #include <readstat.h>
 #include <string>
 
@@ -142,6 +141,8 @@ readstat_compress_t NoCompression(const std::string& /*name*/) {
   return READSTAT_COMPRESS_NONE;
 }
 
+// The last numbers of the range stand for the missing value, LO and HI.
+constexpr double kLargestSav = 1.797e308;
 constexpr READSTAT_TARGET kSavTarget = {
     .begin = readstat_begin_writing_sav,
     .compression = SavCompression,
@@ -151,7 +152,7 @@ constexpr READSTAT_TARGET kSavTarget = {
     .textBytes = 255,
     .wholeLabels = false,
     .asciiOnly = false,
-    .largest = DBL_MAX,
+    .largest = kLargestSav,
 };
 // ReadStat writes the whole part of a number in a portable file from a 64-bit integer.
 constexpr double kLargestPor = 9.2e18;

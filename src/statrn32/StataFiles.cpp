@@ -17,7 +17,10 @@ constexpr int kNewestUntagged = 115;
 // label.
 constexpr std::int64_t kBytesPerVariable = 1 + 9 + 2 + 7 + 9 + 32;
 constexpr double kLargestNumber = 8.9884656743115e307;  // larger ones stand for missing values
-constexpr std::int64_t kTaggedCountsAt = 69;  // the number of variables in "<stata_dta><header>..."
+// Lengths of the marks in "<stata_dta><header><release>118</release><byteorder>LSF</byteorder><K>".
+constexpr std::int64_t kToRelease = 28;
+constexpr std::int64_t kToOrder = 21;
+constexpr std::int64_t kToVariables = 15;
 
 // The numbers of variables and records, against the size of the file.
 bool CheckDta(CInputFile* input, std::string* error) {
@@ -25,16 +28,16 @@ bool CheckDta(CInputFile* input, std::string* error) {
   char first[kTagged.size()];
   in.Bytes(first, static_cast<std::int64_t>(sizeof first));
   const bool tagged = std::string_view(first, sizeof first) == kTagged;
-  input->Seek(tagged ? 28 : 0);
+  input->Seek(tagged ? kToRelease : 0);
   char version[3] = {};
   in.Bytes(version, tagged ? 3 : 1);
   std::uint64_t variables = 0;
   if (tagged) {
-    in.Skip(21);
+    in.Skip(kToOrder);
     char order[3] = {};
     in.Bytes(order, 3);
     in.SetBigEndian(order[0] == 'M');
-    in.Skip(kTaggedCountsAt - 55 + 1);
+    in.Skip(kToVariables);
     variables = in.Unsigned(version[2] == '9' ? 4 : 2);
   } else {
     in.SetBigEndian(in.Unsigned(1) == 1);
@@ -65,6 +68,7 @@ constexpr READSTAT_FORMAT kDta = {
     .bytesPerVariable = kBytesPerVariable,
     .labelsInFile = true,
     .setNameBytes = SetNameBytes,
+    .encoding = "",  // what the older versions name is a guess: UTF-8 where it is valid
     .epochDay = kSasEpochDay,
     .dateKind = StataDateKind,
     .dateOfDisplay = DATE_KIND::DayDate,

@@ -87,7 +87,7 @@ TEST_P(Damage, ChangedBytesNeverCrash) {
 
 TEST_P(Damage, AbsurdCountsAreRefusedQuickly) {
   const auto begin = std::chrono::steady_clock::now();
-  for (std::size_t at = 4; at + 4 <= whole_.size(); ++at) {
+  for (std::size_t at = 4; at + 4 <= whole_.size(); at += 2) {
     std::string bytes = whole_;
     bytes.replace(at, 4,
                   GetParam().type == 12 || GetParam().type == 13 ? "9999" : "\xff\xff\xff\x7f");

@@ -1,6 +1,7 @@
 // Files that other programs made, against values that other programs read from them. They lie in
 // the folder named by VEX_REAL_DATA; without it these tests are skipped.
 #include <cmath>
+#include <random>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -294,6 +295,24 @@ TEST_F(RealFiles, SasLabelsComeFromTheCatalogueBesideTheFile) {
   const Table rubbish = ReadFile(38, folder.Name("alone.sas7bdat"));
   EXPECT_EQ(rubbish.error, "");
   EXPECT_EQ(rubbish.records.size(), 8U);
+}
+
+TEST_F(RealFiles, ADamagedCatalogueNeverCostsTheData) {
+  const std::string catalogue = BytesOf(RealFile("sas/hadley_formats.sas7bcat"));
+  TempFolder folder;
+  MakeFile(folder.Name("a.sas7bdat"), BytesOf(RealFile("sas/hadley.sas7bdat")));
+  std::mt19937 random(5);
+  for (int round = 0; round < 400; ++round) {
+    std::string bytes =
+        catalogue.substr(0, round % 2 == 0 ? catalogue.size() : random() % catalogue.size());
+    for (int i = 0; i < 8 && !bytes.empty(); ++i) {
+      bytes[random() % bytes.size()] = static_cast<char>(random());
+    }
+    MakeFile(folder.Name("a.sas7bcat"), bytes);
+    const Table table = ReadFile(38, folder.Name("a.sas7bdat"));
+    ASSERT_EQ(table.error, "");
+    ASSERT_EQ(table.records.size(), 8U);
+  }
 }
 
 TEST_F(RealFiles, NumbersOfSasFilesAreRight) {

@@ -1,5 +1,6 @@
 // What is written comes back: everything that each format can hold.
 #include <cmath>
+#include <limits>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,8 +28,8 @@ void PrintTo(const Format& format, std::ostream* out) {
 }
 
 constexpr Format kFormats[] = {
-    {22, "t.sav", false, true, true, false, 1e308, 0},
-    {22, "t.zsav", false, true, true, false, 1e308, 0},
+    {22, "t.sav", false, true, true, false, 1.79e308, 0},
+    {22, "t.zsav", false, true, true, false, 1.79e308, 0},
     {13, "t.por", true, true, false, false, 9.2e18, 4e-16},
     {14, "t.dta", false, true, true, false, 8e307, 0},
     {12, "t.xpt", true, false, true, false, 4.5e74, 0},
@@ -178,7 +179,7 @@ TEST_P(RoundTrip, TheNumberOfRecordsMustBeTheOneAnnounced) {
 TEST_P(RoundTrip, TooLargeANumberIsRefusedByName) {
   Table table;
   table.columns = {{"BIG", "", ST_TYPE_NUMERIC, 8, 2, {}}};
-  table.records = {{Number(1)}, {Number(HUGE_VAL)}};
+  table.records = {{Number(1)}, {Number(std::numeric_limits<double>::max())}};
   EXPECT_THAT(There(table).error, testing::AllOf(HasSubstr("BIG"), HasSubstr("record 2")));
 }
 
