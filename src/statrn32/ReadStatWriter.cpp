@@ -148,12 +148,13 @@ bool CReadStatWriter::WriteNumber(const COLUMN& column, double number) {
 }
 
 bool CReadStatWriter::WriteText(const COLUMN& column, const std::string& text) {
-  const std::string bytes = target_.asciiOnly ? ToAscii(text) : text;
+  std::string bytes = target_.asciiOnly ? ToAscii(text) : text;
   if (bytes.size() > column.textBytes) {
     return Fail(name_ + ": the text of the variable " + column.name + " in record " +
                 std::to_string(written_ + 1) + " is longer than the " +
                 std::to_string(column.textBytes) + " bytes announced");
   }
+  if (target_.padTexts) bytes.resize(column.textBytes, ' ');
   return Check(readstat_insert_string_value(writer_, column.variable, bytes.c_str()), column.name);
 }
 

@@ -23,6 +23,7 @@ struct READSTAT_TARGET {
   std::size_t textBytes;        // widest text variable
   bool wholeLabels;             // only whole numbers have labels
   bool asciiOnly;
+  bool padTexts = false;  // with blanks to the width of the variable
   double largest;  // largest size of a number
 };
 

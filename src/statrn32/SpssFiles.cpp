@@ -165,6 +165,7 @@ constexpr READSTAT_TARGET kPorTarget = {
     .textBytes = 255,
     .wholeLabels = false,
     .asciiOnly = true,
+    .padTexts = true,  // some readers show what lay in memory behind a shorter text
     .largest = kLargestPor,
 };
 
