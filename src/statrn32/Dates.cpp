@@ -247,7 +247,8 @@ bool CalendarParts(DATE_KIND kind, std::int64_t epochDay, double value, std::int
   if (display == ST_DISPLAY_TIME && moment.day != 0) return false;
   const CIVIL& date = moment.date;
   const bool hasDate = display == ST_DISPLAY_DATE || display == ST_DISPLAY_DATETIME;
-  *part1 = hasDate ? static_cast<std::int32_t>(date.year * 10000 + date.month * 100 + date.day) : 0;
+  *part1 =
+      hasDate ? static_cast<std::int32_t>(date.year * 10000 + date.month * 100L + date.day) : 0;
   *part2 = display == ST_DISPLAY_DATE ? 0 : static_cast<std::int32_t>(moment.millis);
   return true;
 }

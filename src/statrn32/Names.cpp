@@ -67,7 +67,7 @@ std::string NumberedName(const NAME_RULES& rules, const std::string& name,
   for (int number = 2;; ++number) {
     std::string suffix = std::to_string(number);
     if (rules.bytes > 8) suffix.insert(suffix.begin(), '_');
-    const std::string candidate = CutText(name, rules.bytes - suffix.size()) + suffix;
+    std::string candidate = CutText(name, rules.bytes - suffix.size()) + suffix;
     if (taken.count(Key(rules, candidate)) == 0 && !IsReserved(rules, candidate)) return candidate;
   }
 }

@@ -22,7 +22,7 @@ bool COutputFile::Create(const std::string& name) {
 
 bool COutputFile::Write(const void* data, std::size_t size) {
   const auto* from = static_cast<const char*>(data);
-  if (!reason_.empty()) return false;
+  if (file_ < 0 || !reason_.empty()) return false;
   while (size > 0) {
     const std::size_t part = std::min(size, kBlockBytes - used_);
     std::memcpy(buffer_.get() + used_, from, part);

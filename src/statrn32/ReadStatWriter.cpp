@@ -32,7 +32,15 @@ bool IsWhole(double number) {
 }  // namespace
 
 CReadStatWriter::~CReadStatWriter() {
-  if (writer_ != nullptr) readstat_writer_free(writer_);
+  if (writer_ == nullptr) return;
+  if (begun_) {
+    // Some formats free what they hold only at their end, which comes only after as many records as
+    // announced.
+    if (rowBegun_ && writer_->current_row == 0) writer_->current_row = 1;
+    writer_->row_count = writer_->current_row;
+    readstat_end_writing(writer_);
+  }
+  readstat_writer_free(writer_);
 }
 
 ssize_t CReadStatWriter::OnWrite(const void* data, std::size_t size, void* context) {
@@ -66,7 +74,8 @@ bool CReadStatWriter::Begin(const std::string& name, const DICTIONARY& dictionar
     if (!AddVariable(variable, sets)) return false;
   }
   if (!file_.Create(name)) return Fail(name + ": cannot be created: " + file_.Reason());
-  return Check(target_.begin(writer_, this, static_cast<long>(cases)), "cannot be begun");
+  begun_ = Check(target_.begin(writer_, this, static_cast<long>(cases)), "cannot be begun");
+  return begun_;
 }
 
 std::vector<readstat_label_set_t*> CReadStatWriter::AddLabelSets(const DICTIONARY& dictionary) {
@@ -123,6 +132,7 @@ bool CReadStatWriter::WriteRecord(const std::vector<OUT_CELL>& cells) {
   if (written_ >= cases_) {
     return Fail(name_ + ": more records than the " + std::to_string(cases_) + " announced");
   }
+  rowBegun_ = true;
   if (!Check(readstat_begin_row(writer_), "cannot be written")) return false;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     if (!WriteCell(columns_[i], cells[i])) return false;
@@ -163,7 +173,10 @@ bool CReadStatWriter::Finish() {
     Fail(name_ + ": " + std::to_string(written_) + " records were written where " +
          std::to_string(cases_) + " were announced");
   }
-  if (Error().empty()) Check(readstat_end_writing(writer_), "cannot be completed");
+  if (Error().empty()) {
+    begun_ = false;
+    Check(readstat_end_writing(writer_), "cannot be completed");
+  }
   if (!file_.Close()) Fail(name_ + ": " + file_.Reason());
   return Error().empty();
 }

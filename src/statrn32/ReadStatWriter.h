@@ -24,7 +24,7 @@ struct READSTAT_TARGET {
   bool wholeLabels;             // only whole numbers have labels
   bool asciiOnly;
   bool padTexts = false;  // with blanks to the width of the variable
-  double largest;  // largest size of a number
+  double largest;         // largest size of a number
 };
 
 class CReadStatWriter : public CWriter {
@@ -58,6 +58,8 @@ class CReadStatWriter : public CWriter {
   std::string name_;
   COutputFile file_;
   readstat_writer_t* writer_ = nullptr;
+  bool begun_ = false;  // and not yet ended
+  bool rowBegun_ = false;
   std::vector<COLUMN> columns_;
   std::int64_t cases_ = 0;
   std::int64_t written_ = 0;

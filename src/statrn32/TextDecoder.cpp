@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 
 #include "host/Text.h"
 
@@ -9,7 +10,6 @@ namespace statrn32 {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-const auto kNoConverter = reinterpret_cast<iconv_t>(-1);
 
 bool IsAscii(std::string_view bytes) {
   unsigned char all = 0;
@@ -27,16 +27,21 @@ std::string_view WithoutTrailingBlanks(std::string_view bytes) {
 }  // namespace
 
 CTextDecoder::~CTextDecoder() {
-  if (converter_ != kNoConverter) iconv_close(converter_);
+  Close();
+}
+
+void CTextDecoder::Close() {
+  if (converts_) iconv_close(converter_);
+  converts_ = false;
 }
 
 void CTextDecoder::SetEncoding(const char* name) {
-  if (converter_ != kNoConverter) iconv_close(converter_);
-  converter_ = kNoConverter;
+  Close();
   asciiBased_ = true;
   if (name == nullptr || *name == '\0') return;
   converter_ = iconv_open("UTF-8", name);
-  if (converter_ == kNoConverter) return;
+  converts_ = reinterpret_cast<std::intptr_t>(converter_) != -1;
+  if (!converts_) return;
   // A few encodings (EBCDIC, the shift ones) give ASCII bytes another meaning.
   std::string probe;
   Convert("Az09~+", &probe);
@@ -45,12 +50,10 @@ void CTextDecoder::SetEncoding(const char* name) {
 
 void CTextDecoder::Append(std::string_view bytes, std::string* out) {
   const std::string_view text = WithoutTrailingBlanks(bytes);
-  if (asciiBased_ && IsAscii(text)) {
+  if ((asciiBased_ && IsAscii(text)) || (!converts_ && IsUtf8(text))) {
     out->append(text);
-  } else if (converter_ != kNoConverter) {
+  } else if (converts_) {
     Convert(text, out);
-  } else if (IsUtf8(text)) {
-    out->append(text);
   } else {
     out->append(TextForDisplay(text));
   }

@@ -26,8 +26,10 @@ class CTextDecoder {
 
  private:
   void Convert(std::string_view bytes, std::string* out);
+  void Close();
 
-  iconv_t converter_ = reinterpret_cast<iconv_t>(-1);
+  iconv_t converter_ = nullptr;
+  bool converts_ = false;  // `converter_` is open
   bool asciiBased_ = true;
 };
 
