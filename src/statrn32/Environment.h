@@ -35,7 +35,7 @@ struct ST_FILE {
   std::vector<std::pair<std::string, std::string>> renamed;
 };
 
-// A session.
+// An environment: at most one input and one output file.
 struct ST_ENV {
   std::string error;
   std::unique_ptr<ST_FILE> input;
