@@ -27,6 +27,8 @@ bool CInputFile::Open(const std::string& name) {
   }
   size_ = info.st_size;
   position_ = begin_ = end_ = 0;
+  replacements_.clear();
+  replacedEnd_ = 0;
   return true;
 }
 
@@ -57,10 +59,23 @@ std::int64_t CInputFile::Read(void* data, std::int64_t size) {
     }
     const std::int64_t part = std::min(size - done, end_ - position_);
     std::memcpy(to + done, buffer_.get() + (position_ - begin_), static_cast<std::size_t>(part));
+    if (position_ < replacedEnd_) PutReplacements(to + done, position_, part);
     done += part;
     position_ += part;
   }
   return done;
+}
+
+void CInputFile::Replace(std::int64_t position, char byte) {
+  replacements_.push_back({position, byte});
+  replacedEnd_ = std::max(replacedEnd_, position + 1);
+}
+
+void CInputFile::PutReplacements(char* data, std::int64_t begin, std::int64_t size) const {
+  for (const REPLACEMENT& replacement : replacements_) {
+    const std::int64_t place = replacement.position - begin;
+    if (place >= 0 && place < size) data[place] = replacement.byte;
+  }
 }
 
 bool CInputFile::Seek(std::int64_t position) {

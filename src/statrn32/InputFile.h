@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "vexutils/BlockIo.h"
 
@@ -26,6 +27,9 @@ class CInputFile {
   // nothing there.
   bool Seek(std::int64_t position);
 
+  // Makes reads give `byte` at `position`, whatever stands there. For a few bytes of a header.
+  void Replace(std::int64_t position, char byte);
+
   // 0 to 1.
   double Progress() const;
   // Makes every later read fail.
@@ -33,6 +37,12 @@ class CInputFile {
 
  private:
   bool Fill();
+  void PutReplacements(char* data, std::int64_t begin, std::int64_t size) const;
+
+  struct REPLACEMENT {
+    std::int64_t position;
+    char byte;
+  };
 
   CDescriptor file_;
   std::int64_t size_ = 0;
@@ -40,6 +50,8 @@ class CInputFile {
   std::unique_ptr<char[]> buffer_;
   std::int64_t begin_ = 0;  // of the buffer, in the file
   std::int64_t end_ = 0;
+  std::vector<REPLACEMENT> replacements_;
+  std::int64_t replacedEnd_ = 0;  // no replacement stands here or behind
   std::atomic<std::int64_t> reached_{0};
   std::atomic<bool> stopped_{false};
 };

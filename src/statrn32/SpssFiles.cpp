@@ -1,5 +1,6 @@
 #include "statrn32/SpssFiles.h"
 
+#include <array>
 #include <readstat.h>
 #include <string>
 
@@ -103,7 +104,25 @@ bool CheckSav(CInputFile* input, std::string* error) {
   return false;
 }
 
-bool CheckPor(CInputFile* /*input*/, std::string* /*error*/) {
+// The table of characters at the start says which byte stands for which character of the format.
+// Some programs list a byte a second time, for a like-looking character (digits again as
+// superscripts); ReadStat would let the later entry win and find no digits any more. The first one
+// is meant, so later ones are read as "no such character".
+bool CheckPor(CInputFile* input, std::string* /*error*/) {
+  constexpr int kTableBegin = 200;  // line ends not counted
+  constexpr int kFirstCharacter = 64;
+  constexpr int kTableEntries = 256;
+  constexpr char kNoCharacter = '0';
+  std::array<bool, 256> seen{};
+  char byte = 0;
+  for (int place = 0; place < kTableBegin + kTableEntries && input->Read(&byte, 1) == 1;) {
+    if (byte == '\r' || byte == '\n') continue;
+    const int entry = place++ - kTableBegin;
+    if (entry < kFirstCharacter) continue;
+    bool& known = seen[static_cast<unsigned char>(byte)];
+    if (known && byte != kNoCharacter) input->Replace(input->Position() - 1, kNoCharacter);
+    known = true;
+  }
   return true;
 }
 

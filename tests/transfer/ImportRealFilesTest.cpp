@@ -2,52 +2,25 @@
 #include <cmath>
 #include <numeric>
 
-#include "datadoc/DataDoc.h"
-#include "dataview/DataView.h"
-#include "host/Recorder.h"
 #include "support/RealData.h"
-#include "support/TempFolder.h"
-#include "transfer/DataPort.h"
-#include "transfer/ProgramFileTypes.h"
+#include "transfer/ImportedColumns.h"
 
 class ImportRealFiles : public RealDataTest {
  protected:
-  ImportRealFiles() { host.extraFileTypes = ProgramFileTypes(); }
-
-  // Imports and opens; the columns, without the missing values.
   std::vector<std::vector<double>> Columns(const std::string& file) {
-    CString name = RealFile(file);
-    int type = STUtils::TypeOfFileName(name);
-    CString target = folder / "imported.VSF";
-    CDataPort port(nullptr);
-    EXPECT_EQ(port.Import(name, type, false, true, target), STUtils::eOK) << host.LastMessage();
-    CDataDoc document;
-    CDataView view(document);
-    EXPECT_EQ(document.OnOpenDbmsDocument(target), 1);
-    cases = document.GetRecnum();
-    std::vector<std::vector<double>> columns(static_cast<std::size_t>(document.GetVarnum()));
-    std::vector<double> row(columns.size());
-    for (std::int64_t r = 0; view.GetRow(r, row); ++r) {
-      for (std::size_t c = 0; c < row.size(); ++c) {
-        if (row[c] != kMissingCode) columns[c].push_back(row[c]);
-      }
-    }
-    return columns;
+    return imported.Import(RealFile(file));
   }
   static double Mean(const std::vector<double>& values) {
     return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
   }
-
-  CRecorder host;
-  TempFolder folder;
-  std::int32_t cases = 0;
+  ImportedColumns imported;
 };
 
 TEST_F(ImportRealFiles, TheSurveyIsTheSameFromEveryFormat) {
   for (const char* file : {"spss/bfi.sav", "stata/bfi.dta"}) {
     const auto columns = Columns(file);
     ASSERT_EQ(columns.size(), 28U) << file;
-    EXPECT_EQ(cases, 2800);
+    EXPECT_EQ(imported.cases, 2800);
     std::size_t present = 0;
     for (const auto& column : columns) present += column.size();
     EXPECT_EQ(2800U * 28 - present, 731U) << file;
@@ -65,16 +38,16 @@ TEST_F(ImportRealFiles, MeansAndMissingValuesAgree) {
     std::size_t missing;
     double mean;
     double tolerance;
-  } cases_[] = {
+  } cases[] = {
       {"spss/electric.sav", 2, 240, 0, 47.8, 0.05},
       {"spss/hebrews.sav", 0, 99, 0, 18.53535, 5e-6},
       {"stata/auto8.dta", 1, 74, 0, 6165.257, 5e-4},
       {"sas/airline.sas7bdat", 1, 32, 0, 10.05019, 5e-6},
       {"xport/Alfalfa.xpt", 3, 40, 0, 56.075, 5e-4},
   };
-  for (const auto& c : cases_) {
+  for (const auto& c : cases) {
     const auto columns = Columns(c.file);
-    EXPECT_EQ(cases, c.records) << c.file;
+    EXPECT_EQ(imported.cases, c.records) << c.file;
     double nearest =
         1e300;  // the column is told by its mean: files differ in the order of their columns
     for (const auto& column : columns) {
