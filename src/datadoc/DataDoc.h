@@ -74,7 +74,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   int OnOpenDbmsDocument(const CString& fileName);
   int OnSaveDocument(const CString& fileName) override;
   void OnCloseDocument() override;
-  int OnFileSaveAs() override { return CDocument::OnFileSaveAs(); }
+  int OnFileSaveAs() override;
   // Describes a new data set: variable n gets the texts of the n-th of `labels` (VARnnn and no
   // description where there are fewer). With `create` the scratch file is filled too, as by
   // OnNewExternFile.

@@ -52,8 +52,8 @@ int CDataDoc::ReadFileOfKind(const CString& fileName) {
 int CDataDoc::FinishOpening(const CString& fileName) {
   CDataView& view = *GetDataView();
   view.RebuildColumns();
+  SetPathName(fileName);  // the name goes into the scratch file's description
   view.ReopenFile();
-  SetPathName(fileName);
   SetModifiedFlag(false);
   return 1;
 }
@@ -78,6 +78,13 @@ int CDataDoc::WriteFileOfKind(const CString& fileName) {
     default:
       return 1;
   }
+}
+
+int CDataDoc::OnFileSaveAs() {
+  if (!CDocument::OnFileSaveAs()) return 0;
+  // A recovery must not come back under the old name.
+  if (CDataView* const view = GetDataView()) view->ReopenFile();
+  return 1;
 }
 
 void CDataDoc::OnCloseDocument() {
