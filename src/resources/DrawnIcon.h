@@ -1,0 +1,8 @@
+// The tool bar's pictures, drawn at whatever size and in whatever colours they are asked for.
+#pragma once
+
+#include <QIcon>
+
+enum class Picture { Program, New, Open, Save, Import, Export, GoTo, SortUp, Variables };
+
+QIcon DrawnIcon(Picture picture);
