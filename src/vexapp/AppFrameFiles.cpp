@@ -1,0 +1,174 @@
+// Files of the main window: open, import, save, drop, recovery.
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTimer>
+
+#include "dataview/ScratchFile.h"
+#include "host/Host.h"
+#include "resources/Commands.h"
+#include "transfer/DataPort.h"
+#include "transfer/FileContent.h"
+#include "transfer/FileTypes.h"
+#include "vexapp/AppFrame.h"
+#include "vexapp/DataWindow.h"
+#include "vexapp/Display.h"
+#include "vexapp/VexApp.h"
+
+namespace {
+
+bool HasExtension(const QString& path, const char* extension) {
+  return QFileInfo(path).suffix().compare(QLatin1String(extension), Qt::CaseInsensitive) == 0;
+}
+
+FileDialogRow RowOf(const STUtils::file_type_info_t& type) {
+  return {type.displayName(), type.filter(), type.defaultExtension()};
+}
+
+QStringList LocalFiles(const QMimeData& data) {
+  QStringList paths;
+  for (const QUrl& url : data.urls()) {
+    if (url.isLocalFile()) paths << url.toLocalFile();
+  }
+  return paths;
+}
+
+}  // namespace
+
+void CAppFrame::AskAndOpen() {
+  FileDialogRequest request;
+  request.title = tr("Open").toStdString();
+  request.rows = {RowOf(STUtils::SystemDataFileType()), RowOf(STUtils::AllFilesType())};
+  if (current_ != nullptr) {
+    request.folder = PathBytes(QFileInfo(PathText(current_->Document().GetPathName())).path());
+  }
+  FileDialogChoice choice;
+  if (Host().AskForFile(request, choice)) OpenPath(PathText(choice.path));
+}
+
+EXTERNDATA CAppFrame::KindOf(const QString& path) const {
+  if (const RECENTFILE* known = recent_.Find(path)) return known->kind;
+  EXTERNDATA kind;
+  if (HasExtension(path, "DSF")) kind.data_type = kDsfFile;
+  return kind;
+}
+
+bool CAppFrame::OpenPath(const QString& path) {
+  if (app_.IsBusy()) return false;
+  if (CDataWindow* const open = WindowOf(path)) {
+    ActivateWindow(open);
+    return true;
+  }
+  const bool foreign = !HasExtension(path, "VSF") &&
+                       STUtils::TypeOfFileName(PathBytes(path)) != STUtils::UNKNOWN_FILE_TYPE;
+  return foreign ? ImportPath(path) : OpenDocument(path, KindOf(path));
+}
+
+void CAppFrame::OpenPaths(const QStringList& paths) {
+  for (const QString& path : paths) OpenPath(path);
+}
+
+void CAppFrame::OpenRecent(const QString& path) {
+  if (app_.IsBusy()) return;
+  if (!QFileInfo::exists(path)) {
+    recent_.Remove(path);
+    ShowRecentFiles();
+    QMessageBox::warning(this, QCoreApplication::applicationName(),
+                         tr("%1 is no longer there. It was taken off the list.").arg(path));
+    return;
+  }
+  OpenPath(path);
+}
+
+bool CAppFrame::OpenDocument(const QString& path, const EXTERNDATA& kind) {
+  auto window = std::make_unique<CDataWindow>(app_);
+  opening_ = window.get();
+  const bool opened = window->Open(path, kind);
+  opening_ = nullptr;
+  if (opened) AddWindow(std::move(window));
+  return opened;
+}
+
+bool CAppFrame::ImportPath(const QString& path) {
+  if (app_.IsBusy()) return false;
+  CDataPort port(GetStatusBar());
+  port.SetKeepLabels(menus_->Action(commands::kFileKeepLabels)->isChecked());
+  std::string name = PathBytes(path.isEmpty() ? path : QFileInfo(path).absoluteFilePath());
+  int type = STUtils::UNKNOWN_FILE_TYPE;
+  if (!name.empty()) type = STUtils::AskAboutContent(name, STUtils::TypeOfFileName(name));
+  std::string systemFile;
+  STUtils::eRESULT result = STUtils::eFAILED;
+  {
+    const CBusy busy(app_);
+    result = port.Import(name, type, systemFile);
+  }
+  if (result != STUtils::eOK) return false;
+  if (!OpenPath(PathText(systemFile))) return false;
+  if (!port.Notes().empty()) {
+    QStringList notes;
+    for (const std::string& note : port.Notes()) notes << ShownText(note);
+    panes_->SetPaneText(CStatusBarPanes::kMessagePane, notes.join("  ").toStdString());
+  }
+  return true;
+}
+
+void CAppFrame::SaveCurrent() {
+  if (current_ != nullptr) current_->Save();
+}
+
+void CAppFrame::SaveCurrentAs() {
+  if (current_ != nullptr) current_->SaveAs();
+}
+
+void CAppFrame::OfferRecovery() {
+  for (const LeftOverScratch& left : FindLeftOverScratch()) {
+    QMessageBox box(
+        QMessageBox::Question, QCoreApplication::applicationName(),
+        tr("The program ended while %1 was open. Its cells as they were are still "
+           "there: %L2 cases, %L3 variables.")
+            .arg(left.pathName.empty() ? tr("a data set without a name") : PathText(left.pathName))
+            .arg(left.data.records)
+            .arg(left.data.variables),
+        QMessageBox::NoButton, this);
+    box.setTextFormat(Qt::PlainText);
+    const QPushButton* recover = box.addButton(tr("&Recover"), QMessageBox::AcceptRole);
+    const QPushButton* discard = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
+    box.setEscapeButton(box.addButton(tr("&Later"), QMessageBox::RejectRole));
+    box.exec();
+    if (box.clickedButton() == discard) RemoveScratch(left.name);
+    if (box.clickedButton() != recover) continue;
+    auto window = std::make_unique<CDataWindow>(app_);
+    if (!window->Recover(left)) continue;
+    AddWindow(std::move(window));
+    RemoveScratch(left.name);
+  }
+}
+
+void CAppFrame::dragEnterEvent(QDragEnterEvent* event) {
+  if (!app_.IsBusy() && !LocalFiles(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void CAppFrame::dropEvent(QDropEvent* event) {
+  const QStringList paths = LocalFiles(*event->mimeData());
+  event->acceptProposedAction();
+  // The program that the files come from waits until this event has been handled.
+  QTimer::singleShot(0, this, [this, paths] { OpenPaths(paths); });
+}
+
+void CAppFrame::closeEvent(QCloseEvent* event) {
+  if (app_.IsBusy()) {
+    event->ignore();
+    return;
+  }
+  CloseAll();
+  if (!DataWindows().empty()) {
+    event->ignore();
+    return;
+  }
+  StoreWindow();
+  event->accept();
+}

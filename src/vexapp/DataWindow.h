@@ -1,0 +1,56 @@
+// One data window: a document, its view and the grid.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+#include "datadoc/DataDoc.h"
+#include "dataview/DataView.h"
+#include "dataview/table/DataViewTbl.h"
+
+class CVexApp;
+
+class CDataWindow final : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit CDataWindow(CVexApp& app, QWidget* parent = nullptr);
+  ~CDataWindow() override;
+
+  CDataDoc& Document() { return document_; }
+  CDataView& View() { return *view_; }
+  CDataViewTbl& Table() { return *table_; }
+
+  // False when the file could not be opened; the user has then been told.
+  bool Open(const QString& path, const EXTERNDATA& kind);
+  // Takes over what a program that ended badly has left behind.
+  bool Recover(const LeftOverScratch& left);
+  // False when nothing was saved.
+  bool Save();
+  bool SaveAs();
+  bool CanBeSaved() const;
+
+  QString FileName() const;  // without its folder; a stand-in while there is none
+  QString CellDescription() const;
+  QString SizeDescription() const;
+  void AskForCase();  // Go to Case
+
+ signals:
+  void TitleChanged();
+  void CellChanged();
+  void ContextMenuAsked(int type, QPoint globalPoint);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void ShowTitle();
+  bool MayClose();
+  void AskForMenu(TableArea area, const QPoint& globalPoint);
+
+  CVexApp& app_;
+  CDataDoc document_;
+  CDataViewTbl* table_;
+  std::unique_ptr<CDataView> view_;
+  int menuType_ = -1;  // of the last right click that hit something
+};
