@@ -120,6 +120,7 @@ void CAppFrame::HandleCommands() {
   Handle(kFileSave, &CAppFrame::SaveCurrent);
   Handle(kFileSaveAs, &CAppFrame::SaveCurrentAs);
   Handle(kFileImport, &CAppFrame::AskAndImport);
+  Handle(kFileExport, &CAppFrame::ExportCurrent);
   Handle(kFileClose, &CAppFrame::CloseCurrent);
   Handle(kViewGoToCase, &CAppFrame::GoToCase);
   Handle(kWindowTile, &CAppFrame::Tile);
@@ -172,6 +173,7 @@ void CAppFrame::UpdateActions() {
   const bool saveable = open && current_->CanBeSaved();
   menus_->Action(kFileSave)->setEnabled(saveable);
   menus_->Action(kFileSaveAs)->setEnabled(saveable);
+  menus_->Action(kFileExport)->setEnabled(saveable);
   menus_->Action(kViewGoToCase)->setEnabled(saveable);
   menus_->Action(kViewDataToolBar)->setEnabled(open);
   for (const int number :

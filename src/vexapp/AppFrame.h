@@ -68,7 +68,9 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void AskAndImport() { ImportPath({}); }
   void SaveCurrent();
   void SaveCurrentAs();
+  void ExportCurrent();
   void OpenRecent(const QString& path);
+  bool OpenImported(const QString& path);
   bool OpenDocument(const QString& path, const EXTERNDATA& kind);
   EXTERNDATA KindOf(const QString& path) const;
 

@@ -107,12 +107,24 @@ bool CAppFrame::ImportPath(const QString& path) {
     result = port.Import(name, type, systemFile);
   }
   if (result != STUtils::eOK) return false;
-  if (!OpenPath(PathText(systemFile))) return false;
+  if (!OpenImported(PathText(systemFile))) return false;
   if (!port.Notes().empty()) {
     QStringList notes;
     for (const std::string& note : port.Notes()) notes << ShownText(note);
     panes_->SetPaneText(CStatusBarPanes::kMessagePane, notes.join("  ").toStdString());
   }
+  return true;
+}
+
+// The file may be open already; what its window shows is then no longer what the file holds.
+bool CAppFrame::OpenImported(const QString& path) {
+  CDataWindow* const open = WindowOf(path);
+  if (open == nullptr) return OpenPath(path);
+  ActivateWindow(open);
+  if (!open->Document().IsModified()) return open->Open(path, EXTERNDATA());
+  AfxMessageBox(PathBytes(tr("%1 was replaced by the import. Its window still shows the data "
+                             "before, with your changes; save them under another name.")
+                              .arg(path)));
   return true;
 }
 
@@ -122,6 +134,12 @@ void CAppFrame::SaveCurrent() {
 
 void CAppFrame::SaveCurrentAs() {
   if (current_ != nullptr) current_->SaveAs();
+}
+
+void CAppFrame::ExportCurrent() {
+  if (current_ == nullptr) return;
+  const CBusy busy(app_);
+  current_->Document().OnFileExportVexmorData();
 }
 
 void CAppFrame::OfferRecovery() {

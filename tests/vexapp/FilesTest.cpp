@@ -105,6 +105,27 @@ TEST_F(AppFrameTest, GivesATypedNameTheExtensionAndAsksBeforeItReplaces) {
   EXPECT_EQ(frame.CurrentWindow()->Document().GetRecnum(), 5) << "the old file stands";
 }
 
+TEST_F(AppFrameTest, ShowsWhatAnImportPutIntoAFileThatIsOpen) {
+  const QString target = QString::fromStdString(folder / "in.VSF");
+  driver.Then(SaveUnder(target));
+  ASSERT_TRUE(frame.ImportPath(TestData("survey.sav")));
+  driver.Then(SaveUnder(target));
+  driver.ThenPress(QMessageBox::Yes);
+  ASSERT_TRUE(frame.ImportPath(TestData("names.sav")));
+  EXPECT_TRUE(driver.AllAnswered());
+  ASSERT_EQ(frame.DataWindows().size(), 1U);
+  EXPECT_EQ(frame.CurrentWindow()->Document().GetRecnum(), 2);
+}
+
+TEST_F(AppFrameTest, ExportsTheCurrentDataSet) {
+  ASSERT_TRUE(frame.OpenPath(Sample("data.VSF")));
+  const QString target = QString::fromStdString(folder / "data.csv");
+  driver.Then(SaveUnder(target));
+  Trigger(commands::kFileExport);
+  EXPECT_TRUE(QFileInfo::exists(target));
+  EXPECT_FALSE(frame.CurrentWindow()->Document().IsModified());
+}
+
 TEST_F(AppFrameTest, LeavesEverythingAsItWasWhenAnImportIsCalledOff) {
   driver.Then([](QDialog& dialog) { dialog.reject(); });
   EXPECT_FALSE(frame.ImportPath(TestData("survey.sav")));
