@@ -148,5 +148,6 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   std::vector<double> exportBlock_;  // records from exportBegin_ on
   long exportBegin_ = 0;
   std::vector<CString> exportNotes_;
+  std::vector<CString> exportProblems_;  // told in one message at the end
   std::unique_ptr<CProgress> exportProgress_;
 };

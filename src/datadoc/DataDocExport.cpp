@@ -1,5 +1,6 @@
 // The document's side of export.
 #include <algorithm>
+#include <filesystem>
 
 #include <boost/algorithm/string/join.hpp>
 
@@ -45,13 +46,20 @@ bool CDataDoc::Export() {
 }
 
 bool CDataDoc::DoExportData(const CString& name, int type) {
+  std::error_code error;
+  if (std::filesystem::equivalent(name, GetPathName(), error)) {
+    AfxMessageBox("A data set cannot be exported onto its own file: " + name);
+    return false;
+  }
   exportNotes_.clear();
+  exportProblems_.clear();
   exportProgress_ = Host().StartProgress("Exporting " + name);
   WarnOfMissing(name, type);
   const bool done = basic_exportable_t::DoExportData(name, type);
   exportProgress_.reset();
   exportBlock_ = {};
   if (CDataView* const view = GetDataView()) view->ReopenFile();
+  if (!exportProblems_.empty()) AfxMessageBox(boost::algorithm::join(exportProblems_, "\n"));
   if (done && !exportNotes_.empty()) AfxMessageBox(boost::algorithm::join(exportNotes_, "\n"));
   return done;
 }
@@ -133,7 +141,7 @@ void CDataDoc::WarnOfMissing(const CString& name, int type) {
 }
 
 void CDataDoc::ReportError(const CString& text) {
-  if (!text.empty()) AfxMessageBox(text);
+  if (!text.empty()) exportProblems_.push_back(text);
 }
 
 bool CDataDoc::ReportProgress(double fraction) {

@@ -29,16 +29,18 @@ bool CDataPort::DoImportData(const string& name, int type, bool toFile,
                              const string& systemFileName) {
   std::error_code error;
   if (toFile && std::filesystem::equivalent(name, systemFileName, error)) {
-    ReportError("A file cannot be imported onto itself: " + name);
+    AfxMessageBox("A file cannot be imported onto itself: " + name);
     return false;
   }
   const CWaitCursor wait;
   notes_.clear();
+  problems_.clear();
   stopped_ = false;
   progress_ = Host().StartProgress("Importing " + name);
   const bool imported = basic_data_import_t::DoImportData(name, type, toFile, systemFileName);
   const bool finished = Finish(imported, systemFileName);
   progress_.reset();
+  if (!problems_.empty()) AfxMessageBox(boost::algorithm::join(problems_, "\n"));
   if (finished && !notes_.empty()) WriteStatusInfo(boost::algorithm::join(notes_, " "));
   return finished;
 }
@@ -199,7 +201,7 @@ bool CDataPort::SameAsMissing(int type, const variable_data_t& value) const {
 }
 
 void CDataPort::ReportError(const string& text) {
-  if (!text.empty()) AfxMessageBox(text);  // an empty one has been told before
+  if (!text.empty()) problems_.push_back(text);  // an empty one has been reported before
 }
 
 void CDataPort::ReportWriteError(const string& systemFileName, const string& reason) {

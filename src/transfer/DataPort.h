@@ -80,4 +80,5 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   std::int64_t lastUpdate_ = 0;
   std::vector<double> row_;
   std::vector<string> notes_;
+  std::vector<string> problems_;  // told in one message at the end
 };

@@ -112,6 +112,15 @@ TEST_F(Export, WhatCannotBeWrittenIsRefusedByName) {
   EXPECT_NE(host.LastMessage().find("No such file or directory"), CString::npos);
 }
 
+TEST_F(Export, TheDataSetsOwnFileIsRefused) {
+  Fill({{1}});
+  WriteBytes(folder / "own.csv", "old");
+  std::filesystem::create_symlink(folder / "own.csv", folder / "link.csv");
+  document.SetPathName(folder / "own.csv", false);
+  EXPECT_EQ(ExportTo(folder / "link.csv", 1003), eFAILED);
+  EXPECT_EQ(ReadBytes(folder / "own.csv"), "old");
+}
+
 TEST_F(Export, AStopLeavesWhatWasThere) {
   std::vector<std::vector<double>> rows(5000, {1, 2});
   Fill(rows);
