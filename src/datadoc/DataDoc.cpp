@@ -36,6 +36,7 @@ int CDataDoc::MemoryReInit(std::int32_t variables) {
   capacity_ = CapacityFor(data_.variables, capacity_);
   MemoryInit();
   for (VARSTRUCT& variable : data_.variable) variable.missing = kNoMissing;
+  SizeRecordBuffer();
   return 1;
 }
 
@@ -74,7 +75,6 @@ void CDataDoc::UpdateTorvik(const TORVIKSTRUCT& copy) {
   for (std::size_t index = 0; index < static_cast<std::size_t>(data_.variables); ++index) {
     CopyVariable(copy, data_, index);
   }
-  SizeRecordBuffer();
   if (globalValue != data_.missing[kGlobalValue]) {
     WriteStatusInfo("The global missing value is -999999 again.");
   }

@@ -1,5 +1,6 @@
 // The document's side of export.
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 
 #include <boost/algorithm/string/join.hpp>
@@ -60,7 +61,9 @@ bool CDataDoc::DoExportData(const CString& name, int type) {
   exportBlock_ = {};
   if (CDataView* const view = GetDataView()) view->ReopenFile();
   if (!exportProblems_.empty()) AfxMessageBox(boost::algorithm::join(exportProblems_, "\n"));
-  if (done && !exportNotes_.empty()) AfxMessageBox(boost::algorithm::join(exportNotes_, "\n"));
+  if (done && !exportNotes_.empty()) {
+    Host().ShowNote(boost::algorithm::join(exportNotes_, "\n"));
+  }
   return done;
 }
 
@@ -71,7 +74,10 @@ bool CDataDoc::GetTextFileDelimiter(char& delimiter) {
 
 bool CDataDoc::GetAppDataHeader(variables_t& variables) {
   CDataView* const view = GetDataView();
-  if (view == nullptr || view->OpenScratchFile("rb") == nullptr) return false;
+  if (view == nullptr || view->OpenScratchFile("rb") == nullptr) {
+    ReportError("The temporary work file is gone.");
+    return false;
+  }
   exportBlock_.clear();
   exportBegin_ = 0;
   const NumberForm form = ExportedForm();
@@ -113,6 +119,7 @@ bool CDataDoc::ReadExportBlock(long record) {
   exportBegin_ = record;
   std::FILE* const scratch = GetDataView()->GetScratchStream();
   const std::size_t bytes = exportBlock_.size() * kCellBytes;
+  errno = EIO;  // the reason where the file is only too short
   return scratch != nullptr &&
          ReadAt(fileno(scratch), CellBytes(record, data_.variables), exportBlock_.data(), bytes) ==
              static_cast<std::int64_t>(bytes);
@@ -128,13 +135,13 @@ void CDataDoc::WarnOfMissing(const CString& name, int type) {
   const auto isMissing = [](const STUtils::variable_data_t& value) { return value.missing; };
   for (long record = 0; GetAppDataRecord(record, variables, values); ++record) {
     if (record == 0 && std::all_of(values.begin(), values.end(), isMissing)) {
-      AfxMessageBox(name + ": every value of the first record is missing.");
+      Host().ShowNote(name + ": every value of the first record is missing.");
     }
     if (type != STUtils::SPACE_TEXT_FILE_TYPE) return;
     if (std::any_of(values.begin(), values.end(), isMissing)) {
-      AfxMessageBox(name +
-                    ": missing values leave no trace in free format; the file will not read back "
-                    "as it was.");
+      Host().ShowNote(name +
+                      ": missing values leave no trace in free format; the file will not read back "
+                      "as it was.");
       return;
     }
   }

@@ -76,7 +76,7 @@ int CDataDoc::WriteFileOfKind(const CString& fileName) {
     case kTextFile:
       return SaveASCIIFile(fileName);
     default:
-      return 1;
+      return 0;  // nothing was written, so the document is as modified as it was
   }
 }
 
@@ -105,7 +105,6 @@ void CDataDoc::SetExtern(const EXTERNDATA& source, const std::vector<LABSTRUCT>&
   extern_.formatStatement = formatStatement;
   MemoryReInit(variables);
   data_.records = std::max(records, 0);
-  SizeRecordBuffer();
   for (std::size_t index = 0; index < record_.size(); ++index) {
     VARSTRUCT& variable = data_.variable[index];
     const LABSTRUCT label =

@@ -48,14 +48,20 @@ bool FillWithMissing(int scratch, std::int64_t firstCell, std::int64_t cells) {
   return true;
 }
 
-bool CopyCells(int from, const VsfContents& contents, int scratch, const CString& title) {
+// 0, or why it failed (an errno value).
+int CopyCells(int from, const VsfContents& contents, int scratch, const CString& title) {
   const std::int64_t bytes = CellBytes(contents.wholeCells, 1);
   const auto progress = Host().StartProgress(title);
-  return CopyRange(from, contents.cellsOffset, scratch, 0, bytes, ReportTo(*progress, bytes)) &&
-         FillWithMissing(scratch, contents.wholeCells, contents.AbsentCells());
+  const bool copied =
+      CopyRange(from, contents.cellsOffset, scratch, 0, bytes, ReportTo(*progress, bytes)) &&
+      FillWithMissing(scratch, contents.wholeCells, contents.AbsentCells());
+  return copied ? 0 : errno;
 }
 
 CString DamageNote(const VsfContents& contents) {
+  if (contents.data.records == contents.statedRecords) {
+    return "The file is damaged: part of its description is not there.";
+  }
   return boost::str(boost::format("The file is shorter than its header says: %1% of %2% record(s) "
                                   "read.") %
                     contents.data.records % contents.statedRecords);
@@ -90,10 +96,13 @@ int CDataDoc::OpenVSFFile(const CString& fileName) {
   }
 
   std::FILE* const scratch = view->OpenScratchFile("w+b");
-  if (scratch == nullptr ||
-      !CopyCells(file.Get(), contents, fileno(scratch), "Opening " + fileName)) {
-    if (scratch == nullptr || errno != ECANCELED) {
-      AfxMessageBox(CString("Unable to create temporary work file\n") + std::strerror(errno));
+  const int error = scratch == nullptr
+                        ? errno
+                        : CopyCells(file.Get(), contents, fileno(scratch), "Opening " + fileName);
+  if (error != 0) {
+    if (error != ECANCELED) {
+      AfxMessageBox("Unable to create temporary work file\n" + fileName + ": " +
+                    std::strerror(error));
     }
     ResetDescription();
     return 0;
@@ -110,7 +119,6 @@ int CDataDoc::OpenVSFFile(const CString& fileName) {
 void CDataDoc::ResetDescription() {
   data_ = TORVIKSTRUCT();
   MemoryReInit(0);
-  SizeRecordBuffer();
 }
 
 int CDataDoc::SaveVSFFile(const CString& fileName) {

@@ -70,7 +70,7 @@ std::optional<CaseRange> ParseCaseRange(std::string_view text, std::int64_t reco
   if (hyphen != std::string_view::npos) {
     const std::string_view end = Trimmed(text.substr(hyphen + 1));
     const auto number = end.empty() ? records : WholeNumber<std::int64_t>(end);
-    if (!number) return std::nullopt;
+    if (!number || (!end.empty() && *number < *first)) return std::nullopt;
     last = *number;
   }
   const CaseRange range{std::min(*first - 1, records), std::min(last, records)};

@@ -64,16 +64,18 @@ int CDataDoc::CopyDataToAscii(const CString& fileName) {
   std::int64_t size = 0;
   const auto progress = Host().StartProgress("Writing " + fileName);
   const auto bytesToCome = static_cast<double>(data_.records) * data_.variables * 16;
+  bool stopped = false;
   const auto write = [&](std::string_view text) {
     if (!WriteAt(target.Descriptor(), size, text.data(), text.size())) return false;
     size += static_cast<std::int64_t>(text.size());
-    return progress->Advance(static_cast<double>(size) / bytesToCome);
+    stopped = !progress->Advance(static_cast<double>(size) / bytesToCome);
+    return !stopped;
   };
   const bool written =
       scratch != nullptr && target.Create(fileName) &&
       DumpCells(fileno(scratch), 0, {data_.variables, 0, data_.records, {}}, write) &&
       target.Commit();
   view->ReopenFile();
-  if (!written) AfxMessageBox("Cannot write to file!");
+  if (!written && !stopped) AfxMessageBox("Cannot write to file!");
   return written ? 1 : 0;
 }

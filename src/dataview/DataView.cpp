@@ -76,19 +76,11 @@ void CDataView::ReopenFile() {
 }
 
 bool CDataView::Recover(const LeftOverScratch& left) {
-  CDescriptor file;
-  std::FILE* const scratch = scratch_.Open("w+b");
-  const bool opened = scratch != nullptr && file.OpenForReading(left.name.c_str());
-  const std::int64_t recordBytes = CellBytes(1, left.data.variables);
-  const std::int64_t present = opened && recordBytes > 0 ? FileBytes(file.Get()) / recordBytes : 0;
-  const std::int64_t records = std::min<std::int64_t>(left.data.records, present);
-  const auto progress = Host().StartProgress("Recovering " + left.pathName);
-  if (!opened ||
-      !CopyRange(file.Get(), 0, fileno(scratch), 0, records * recordBytes, [&](std::int64_t done) {
-        return progress->Advance(static_cast<double>(done) /
-                                 static_cast<double>(records * recordBytes));
-      })) {
-    AfxMessageBox(CString("Unable to create temporary work file\n") + std::strerror(errno));
+  std::int64_t records = 0;
+  if (const int error = CopyLeftOver(left, records); error != 0) {
+    if (error != ECANCELED) {
+      AfxMessageBox(CString("Unable to create temporary work file\n") + std::strerror(error));
+    }
     return false;
   }
   TORVIKSTRUCT& data = *document_.GetTorvik();
@@ -102,6 +94,22 @@ bool CDataView::Recover(const LeftOverScratch& left) {
   RebuildColumns();
   ReopenFile();
   return true;
+}
+
+// Copies the whole records that are there. 0, or why it failed (an errno value).
+int CDataView::CopyLeftOver(const LeftOverScratch& left, std::int64_t& records) {
+  CDescriptor file;
+  std::FILE* const scratch = scratch_.Open("w+b");
+  if (scratch == nullptr || !file.OpenForReading(left.name.c_str())) return errno;
+  const std::int64_t recordBytes = CellBytes(1, left.data.variables);
+  const std::int64_t present = recordBytes > 0 ? FileBytes(file.Get()) / recordBytes : 0;
+  records = std::min<std::int64_t>(left.data.records, present);
+  const std::int64_t bytes = records * recordBytes;
+  const auto progress = Host().StartProgress("Recovering " + left.pathName);
+  const bool copied = CopyRange(file.Get(), 0, fileno(scratch), 0, bytes, [&](std::int64_t done) {
+    return progress->Advance(static_cast<double>(done) / static_cast<double>(bytes));
+  });
+  return copied ? 0 : errno;
 }
 
 bool CDataView::GetRow(std::int64_t row, std::span<double> values) {

@@ -51,6 +51,8 @@ class CDataView final : public CView, public CDataTableClient {
   const CString& GetHeadingPattern() const { return headingPattern_; }
 
  private:
+  int CopyLeftOver(const LeftOverScratch& left, std::int64_t& records);
+
   CDataDoc& document_;
   CDataTable* table_ = nullptr;
   CScratchFile scratch_;

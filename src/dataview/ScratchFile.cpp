@@ -17,9 +17,15 @@ namespace {
 
 constexpr const char* kPrefix = "VS";
 constexpr const char* kDescriptionExtension = ".vsd";
+constexpr char kKindCharacter = '1';  // of format kind 0
 
 CString DescriptionName(const CString& scratchName) {
   return scratchName + kDescriptionExtension;
+}
+
+void RemoveDescription(const CString& scratchName) {
+  std::error_code error;
+  std::filesystem::remove(DescriptionName(scratchName), error);
 }
 
 bool IsOurs(const CString& name) {
@@ -32,7 +38,8 @@ bool IsUnlocked(const CString& name) {
   return file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
 }
 
-// A description is the head of a system data file without cells, followed by the document's path.
+// A description is the head of a system data file without cells, always in the new layout so that
+// no name is cut, followed by a character for the format kind and the document's path.
 bool ReadDescription(const CString& scratchName, LeftOverScratch& found) {
   CDescriptor file;
   VsfContents contents;
@@ -50,6 +57,9 @@ bool ReadDescription(const CString& scratchName, LeftOverScratch& found) {
       pathBytes) {
     return false;
   }
+  if (found.pathName.empty()) return false;
+  contents.data.format = found.pathName.front() - kKindCharacter;
+  found.pathName.erase(0, 1);
   found.name = scratchName;
   found.data = std::move(contents.data);
   found.data.records = contents.statedRecords;
@@ -72,6 +82,8 @@ CScratchFile::~CScratchFile() {
 
 std::FILE* CScratchFile::Open(const char* mode) {
   if (stream_ != nullptr) std::fclose(stream_);
+  // Cells that are written anew are not those that the description speaks of.
+  if (*mode == 'w') RemoveDescription(name_);
   stream_ = name_.empty() ? nullptr : std::fopen(name_.c_str(), mode);
   return stream_;
 }
@@ -79,7 +91,8 @@ std::FILE* CScratchFile::Open(const char* mode) {
 void CScratchFile::Describe(const TORVIKSTRUCT& data, const CString& pathName) const {
   if (name_.empty()) return;
   const CString side = DescriptionName(name_) + "~";
-  const CString text = EncodeVsfDescription(data, kNewFormat, VsfFiller::Spaces) + pathName;
+  const auto kind = static_cast<char>(kKindCharacter + data.format);
+  const CString text = EncodeVsfDescription(data, kNewFormat, VsfFiller::Spaces) + kind + pathName;
   std::error_code error;
   std::filesystem::remove(side, error);
   const CDescriptor file(
@@ -109,5 +122,5 @@ std::vector<LeftOverScratch> FindLeftOverScratch() {
 void RemoveScratch(const CString& name) {
   std::error_code error;
   std::filesystem::remove(name, error);
-  std::filesystem::remove(DescriptionName(name), error);
+  RemoveDescription(name);
 }

@@ -63,6 +63,8 @@ class CHost {
 
   virtual MessageAnswer ShowMessage(const CString& text, const CString& title,
                                     MessageButtons buttons) = 0;
+  // Something worth knowing about work that succeeds.
+  virtual void ShowNote(const CString& text) { ShowMessage(text, {}, MessageButtons::Ok); }
   virtual void BeginWaitCursor() = 0;
   virtual void EndWaitCursor() = 0;
   // False when the user closed the dialog without choosing.

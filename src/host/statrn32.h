@@ -1,11 +1,11 @@
 // The operations of the file transfer library: foreign statistical, spreadsheet and database files,
 // read and written record by record.
 //
-// A session is an environment; it holds at most one input and one output file at a time. Every call
-// is made on the thread that opened the environment. Unless said otherwise a call returns 0 for
-// success and a negative number for failure, whose text ST_GetErrorMsg gives. All text is UTF-8; a
-// pointer to text or to a value stays valid until the next call that moves on (the next record, or
-// closing the file). Variables are counted from 0.
+// An environment holds at most one input and one output file at a time. Every call is made on the
+// thread that opened it. Unless said otherwise a call returns 0 for success and a negative number
+// for failure, whose text ST_GetErrorMsg gives. All text is UTF-8; a pointer to text or to a value
+// stays valid until the next call that moves on (the next record, or closing the file). Variables
+// are counted from 0.
 //
 // Order of calls, reading:  ST_OpenInputFile, ST_ReadDict, ST_SelectAllVars, ST_InitReadOnly, then
 // ST_ReadRecord until it returns 0 and ST_GetVarDataExt for each value, at last ST_CloseFiles.
@@ -16,8 +16,8 @@
 
 #include <cstdint>
 
-struct ST_ENV;   // a session
-struct ST_FILE;  // an open input or output file; owned by its session
+struct ST_ENV;   // an environment
+struct ST_FILE;  // an open input or output file; owned by its environment
 
 // Types of a variable.
 inline constexpr std::int32_t ST_TYPE_UNKNOWN = -1;
@@ -49,7 +49,7 @@ struct ST_LABEL {
   char tag;  // 'a' to 'z' for the label of a tagged missing value, else 0
 };
 
-// Sessions. ST_OpenEnvironment returns null when there is no memory for one. Closing closes the
+// Environments. ST_OpenEnvironment returns null when there is no memory for one. Closing closes the
 // files too.
 ST_ENV* ST_OpenEnvironment();
 int ST_CloseEnvironment(ST_ENV* env);
@@ -60,12 +60,11 @@ bool ST_CanWrite(std::int32_t type);
 // The format whose signature the first bytes of a file carry; -1 when none is recognised.
 std::int32_t ST_SniffFile(const char* name);
 
-// The text of the last error of the session, for a person to read: file, place and what was
+// The text of the last error of the environment, for a person to read: file, place and what was
 // expected. Empty text when there was none; never null.
 const char* ST_GetErrorMsg(ST_ENV* env);
 
-// --- Reading
-// -----------------------------------------------------------------------------------------------------
+// --- Reading ---
 
 // Options of spreadsheet input, kept for the next ST_OpenInputFile: the row that holds the names
 // (counted from 0) and how types are told (2: from all rows).
@@ -112,8 +111,7 @@ int ST_FormatDate(ST_FILE* file, int var, double value, char* buffer, int size);
 // How far reading has come, 0 to 1 by bytes; negative when unknown.
 double ST_GetProgress(ST_FILE* file);
 
-// --- Writing
-// -----------------------------------------------------------------------------------------------------
+// --- Writing ---
 
 // Starts a dictionary of `variables` variables; ST_AddUserVar then describes each in order.
 int ST_InitUserDict(ST_ENV* env, int variables);

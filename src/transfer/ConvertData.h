@@ -7,8 +7,7 @@
 #include "host/Numbers.h"
 
 // The number at the start of `text` as a stream extraction reads it, where the exponent may also be
-// marked by "D"
-// ("1.5D+03"). Empty when there is none.
+// marked by "D" ("1.5D+03"). Empty when there is none.
 std::optional<ParsedNumber> ParseDataNumber(const std::string& text);
 
 // The same, or `defaultValue` when there is none.

@@ -16,9 +16,6 @@ constexpr bool IsSpreadsheet(int type) {
   return type == 0 || type == 1 || type == 7 || type == 11 || type == 15;
 }
 
-// Records between two looks at progress.
-constexpr int kRecordsPerStep = 1024;
-
 }  // namespace
 
 template <typename CharT, typename CountT>
@@ -206,7 +203,8 @@ bool basic_data_import_t<CharT, CountT>::OpenInFile(const string& name, int type
   const std::int64_t cases = ST_GetNCases(transfer.file);
   transfer.cases =
       cases <= std::numeric_limits<std::int32_t>::max() ? static_cast<std::int32_t>(cases) : -1;
-  if (IsSpreadsheet(type) && ST_GetWksNameStat(transfer.file) == 0) --transfer.cases;
+  const bool namesRow = IsSpreadsheet(type) && ST_GetWksNameStat(transfer.file) == 0;
+  if (namesRow && transfer.cases > 0) --transfer.cases;
   if (ST_SelectAllVars(transfer.file) != 0) return false;
   ST_InitReadOnly(transfer.file);
   ReadVariables(transfer, variables);

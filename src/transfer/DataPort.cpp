@@ -21,8 +21,11 @@ using STUtils::variable_info_t;
 
 STUtils::eRESULT CDataPort::GetImportFileNameAndType(string& name, int& type) {
   const STUtils::eRESULT result = basic_data_import_t::GetImportFileNameAndType(name, type);
-  if (result == STUtils::eOK) type = STUtils::AskAboutContent(name, type);
-  return result;
+  if (result != STUtils::eOK) return result;
+  type = STUtils::AskAboutContent(name, type);
+  if (STUtils::CanImport(type)) return STUtils::eOK;
+  AfxMessageBox(name + ": " + STUtils::NameOfType(type) + " cannot be imported by this version.");
+  return STUtils::eFAILED;
 }
 
 bool CDataPort::DoImportData(const string& name, int type, bool toFile,
@@ -166,6 +169,7 @@ bool CDataPort::WriteAppDataRecord(int type, ofstream& stream, long record,
         row_[column++] = kMissingCode;
         break;
       default:
+        ReportError("A variable of an unknown type cannot be imported: " + variables[index].name);
         return false;
     }
   }

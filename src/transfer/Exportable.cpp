@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <memory>
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include "host/statrn32.h"
 #include "transfer/FileTypes.h"
 #include "vexutils/BlockIo.h"
@@ -20,9 +22,6 @@ constexpr int kAccess = 23;
 constexpr int kInformix = 27;
 constexpr int kTableNameParameter = 2;
 constexpr int kTableNameOption = 5;
-
-// Records between two looks at progress.
-constexpr int kRecordsPerStep = 1024;
 
 }  // namespace
 
@@ -88,6 +87,7 @@ bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int t
                                                        CharT delimiter) {
   variables_t variables;
   if (!GetAppDataHeader(variables)) return false;
+  if (name == kStandardOutput) return WriteToStandardOutput(type, delimiter, variables);
   CSideFile side;
   if (!side.Create(name)) {
     ReportError(name + ": " + side.ErrorText());
@@ -104,6 +104,18 @@ bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int t
     written = false;
   }
   return CommitOrReport(side, written);
+}
+
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::WriteToStandardOutput(int type, CharT delimiter,
+                                                              const variables_t& variables) {
+  basic_text_export_t<CharT> target;
+  const bool written =
+      OpenExportFile("/dev/stdout", type, delimiter, target) && WriteTextRecords(target, variables);
+  target.stream.close();
+  if (!target.stream.fail()) return written;
+  ReportError(string("Standard output: ") + std::strerror(errno));
+  return false;
 }
 
 template <typename CharT, typename CountT>
@@ -128,11 +140,12 @@ bool basic_exportable_t<CharT, CountT>::WriteTextRecords(basic_text_export_t<Cha
     if (!WriteTextFileDataRecord(target, -1, names)) return false;
   }
   values_t values(variables.size());
-  for (CountT record = 0; GetAppDataRecord(record, variables, values); ++record) {
+  CountT record = 0;
+  for (; GetAppDataRecord(record, variables, values); ++record) {
     if (!StepProgress(record)) return false;
     if (!WriteTextFileDataRecord(target, record, values)) return false;
   }
-  return true;
+  return CheckComplete(record);
 }
 
 template <typename CharT, typename CountT>
@@ -168,10 +181,10 @@ bool basic_exportable_t<CharT, CountT>::ExportStatData(const string& name, int t
     return false;
   }
   bool written = OpenExportFile(side.Path(), type, transfer) && WriteStatRecords(transfer);
-  if (!written && !stopped_) ReportError(transfer.ErrorText());
-  if (written && ST_CloseFiles(transfer.Environment()) != 0) {
-    ReportError(transfer.ErrorText());
-    written = false;
+  written = written && ST_CloseFiles(transfer.Environment()) == 0;
+  if (!written && !stopped_) {
+    // The user knows the file by the name that was asked for.
+    ReportError(boost::algorithm::replace_all_copy(transfer.ErrorText(), side.Path(), name));
   }
   transfer.variables.clear();
   transfer.Close();
@@ -208,11 +221,12 @@ bool basic_exportable_t<CharT, CountT>::WriteStatRecords(CStatTransfer<CharT>& t
     ReportNote(string(oldName) + " becomes " + newName);
   }
   values_t values(transfer.variables.size());
-  for (CountT record = 0; GetAppDataRecord(record, transfer.variables, values); ++record) {
+  CountT record = 0;
+  for (; GetAppDataRecord(record, transfer.variables, values); ++record) {
     if (!StepProgress(record)) return false;
     if (!WriteStatFileDataRecord(transfer, record, values)) return false;
   }
-  return true;
+  return CheckComplete(record);
 }
 
 template <typename CharT, typename CountT>
@@ -230,6 +244,15 @@ bool basic_exportable_t<CharT, CountT>::WriteStatFileDataRecord(CStatTransfer<Ch
     }
   }
   return ST_WriteRecord(transfer.file) == 0;
+}
+
+// A record that could not be read is not the end of the data.
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::CheckComplete(CountT records) {
+  if (records == GetAppRecordCount()) return true;
+  ReportError("Record " + std::to_string(records + 1) +
+              " could not be read: " + std::strerror(errno));
+  return false;
 }
 
 template <typename CharT, typename CountT>

@@ -13,6 +13,9 @@ class CSideFile;
 
 namespace STUtils {
 
+// The name that means standard output, for text.
+inline constexpr const char* kStandardOutput = "-";
+
 // Mixed into a document, which supplies the data through GetAppDataHeader and GetAppDataRecord.
 // Files are written beside their target and take its place when they are complete.
 template <typename CharT, typename CountT>
@@ -68,8 +71,10 @@ class basic_exportable_t {
   virtual bool ReportProgress(double fraction) = 0;
 
  private:
+  bool WriteToStandardOutput(int type, CharT delimiter, const variables_t& variables);
   bool WriteTextRecords(basic_text_export_t<CharT>& target, const variables_t& variables);
   bool WriteStatRecords(CStatTransfer<CharT>& transfer);
+  bool CheckComplete(CountT records);
   bool StepProgress(CountT record);
   bool CommitOrReport(CSideFile& side, bool written);
 

@@ -30,6 +30,9 @@ struct basic_value_label_t {
   }
 };
 
+// Records between two looks at progress.
+inline constexpr int kRecordsPerStep = 1024;
+
 // One variable of a dictionary. Text is as the source gives it.
 template <typename CharT>
 struct basic_variable_info_t {

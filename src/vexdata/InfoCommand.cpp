@@ -1,4 +1,5 @@
 #include <array>
+#include <cmath>
 #include <iostream>
 
 #include <nlohmann/json.hpp>
@@ -20,7 +21,11 @@ template <std::size_t N>
 ordered_json MissingAsJson(const std::array<double, N>& missing) {
   auto list = ordered_json::array();
   for (const double value : missing) {
-    list.push_back(value == kNotSet ? ordered_json() : ordered_json(value));
+    if (std::isnan(value)) {
+      list.push_back("nan");  // is set, and JSON has no such number
+    } else {
+      list.push_back(value == kNotSet ? ordered_json() : ordered_json(value));
+    }
   }
   return list;
 }

@@ -129,15 +129,13 @@ bool CopyRange(int from, std::int64_t fromOffset, int to, std::int64_t toOffset,
 
 bool CDescriptor::OpenForReading(const char* name) {
   Close();
-  descriptor_ = open(name, O_RDONLY | O_CLOEXEC);
+  descriptor_ = open(name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe would wait for a writer
   if (descriptor_ < 0) return false;
   struct stat info {};
-  if (fstat(descriptor_, &info) == 0 && S_ISDIR(info.st_mode)) {
-    Close();
-    errno = EISDIR;
-    return false;
-  }
-  return true;
+  if (fstat(descriptor_, &info) == 0 && S_ISREG(info.st_mode)) return true;
+  Close();
+  errno = S_ISDIR(info.st_mode) ? EISDIR : ESPIPE;
+  return false;
 }
 
 void CDescriptor::Close() {

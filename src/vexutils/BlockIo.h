@@ -35,7 +35,8 @@ class CDescriptor {
   ~CDescriptor() { Close(); }
   CDescriptor(const CDescriptor&) = delete;
   CDescriptor& operator=(const CDescriptor&) = delete;
-  // Opens for reading; false on failure. A folder fails with EISDIR.
+  // Opens a file for reading; false on failure. A folder fails with EISDIR, a pipe or device with
+  // ESPIPE: files are read back and forth.
   bool OpenForReading(const char* name);
   void Close();
   // Closes what it holds and owns `descriptor` (-1 for none) from now on.

@@ -43,8 +43,8 @@ TEST_F(DataDocFiles, AnUnknownKindReadsNothingAndShowsWhatWasThere) {
   EXPECT_EQ(document.GetVarnum(), 2);
   EXPECT_EQ(Rows(), (std::vector<std::vector<double>>{{1, 2}}));
   document.SetModifiedFlag();
-  EXPECT_EQ(document.OnSaveDocument(folder / "absent"), 1);
-  EXPECT_FALSE(document.IsModified());
+  EXPECT_EQ(document.OnSaveDocument(folder / "absent"), 0);
+  EXPECT_TRUE(document.IsModified());
   EXPECT_EQ(folder.FileCount(), 0U);
 }
 

@@ -30,6 +30,7 @@ TEST_F(TextDump, AFailureLeavesTheOldFile) {
   WriteBytes(folder / "dump.txt", "old");
   host.cancelAtStep = host.progressSteps;
   EXPECT_EQ(document.CopyDataToAscii(folder / "dump.txt"), 0);
+  EXPECT_TRUE(host.messages.empty());  // stopped by the user
   EXPECT_EQ(document.CopyDataToAscii(folder / "absent/dump.txt"), 0);
   EXPECT_EQ(host.LastMessage(), "Cannot write to file!");
   EXPECT_EQ(ReadBytes(folder / "dump.txt"), "old");

@@ -23,6 +23,7 @@ class ScratchFile : public testing::Test {
       CDataDoc document;
       CDataView view(document);
       document.SetExtern(EXTERNDATA(), {{"age", "in years"}}, 3, 1, true);
+      document.GetTorvik()->format = kOldFormat;
       document.SetPathName("/data/lost.VSF", false);
       const double cells[] = {1, 2, 3};
       std::fwrite(cells, sizeof(double), 3, view.OpenScratchFile("w+b"));
@@ -56,6 +57,7 @@ TEST_F(ScratchFile, ACrashLeavesWhatCanBeRecovered) {
   ASSERT_EQ(left.size(), 1U);
   EXPECT_EQ(left[0].pathName, "/data/lost.VSF");
   EXPECT_EQ(left[0].data.records, 3);
+  EXPECT_EQ(left[0].data.format, kOldFormat);
 
   CDataDoc document;
   CDataView view(document);
@@ -68,6 +70,16 @@ TEST_F(ScratchFile, ACrashLeavesWhatCanBeRecovered) {
   EXPECT_EQ(value, 3);
   RemoveScratch(left[0].name);
   EXPECT_TRUE(FindLeftOverScratch().empty());
+}
+
+TEST_F(ScratchFile, CellsThatAreWrittenAnewHaveNoDescriptionYet) {
+  CScratchFile scratch;
+  scratch.Describe(TORVIKSTRUCT(), "/some/path");
+  ASSERT_TRUE(std::filesystem::exists(scratch.Name() + ".vsd"));
+  ASSERT_NE(scratch.Open("r+b"), nullptr);
+  EXPECT_TRUE(std::filesystem::exists(scratch.Name() + ".vsd"));
+  ASSERT_NE(scratch.Open("w+b"), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(scratch.Name() + ".vsd"));
 }
 
 TEST_F(ScratchFile, ADescriptionThatPromisesTooMuchIsCutToTheCells) {
