@@ -11,6 +11,7 @@
 #include "datadoc/ExternData.h"
 #include "host/Framework.h"
 #include "host/Host.h"
+#include "syntax/OutputOptions.h"
 #include "transfer/Exportable.h"
 
 class CDataView;
@@ -117,6 +118,17 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   // Applies the variable deletions ("SD" lines) of a data-screening syntax to the description and
   // returns the number of variables deleted. Category slots are not moved: callers rewrite them.
   int CheckDeletion(const CStringList& lines);
+  // The document's own output options, as the user last left them.
+  TRVOUSTRUCT* GetOutputOptions() { return &outputOptions_; }
+  // Replaces `line` with the output line of `options` (see OutputLine).
+  void GetOUString(TRVOUSTRUCT* options, CString& line, int withData);
+  // Writes (or appends to) a syntax file: `lines` behind the line that names the system data file,
+  // which has the syntax file's name with .VSF. `repetitions` above 1 are asked for in front of
+  // that line; kContentsListing (syntax/SyntaxText.h) lists the data set's definitions there, with
+  // `withMissing` the missing values too. The third argument is not used. Returns 1 always: a file
+  // that cannot be written is not there, and errno says why.
+  int BuildTORVIKSyntax(CStringList* lines, const char* syntaxPath, const char* dataTextPath,
+                        int withMissing, long repetitions, int rewind, int append);
 
  protected:
   std::vector<FileDialogRow> SaveAsRows() const override;
@@ -142,6 +154,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   std::vector<double> firstVector_;  // the vectors of a matrix text file
   std::vector<double> secondVector_;
   EXTERNDATA extern_;
+  TRVOUSTRUCT outputOptions_;
 
   bool exportNames_ = false;
   char exportDelimiter_ = 0;

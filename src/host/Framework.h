@@ -98,8 +98,14 @@ class CVexAppUtil {
   virtual ~CVexAppUtil() = default;
   virtual DisplaySettings GetDisplaySettings() const = 0;
   virtual void SetDisplaySettings(const DisplaySettings& settings) = 0;
-  // Runs the data-screening engine on a syntax file. Negative: there is no output file.
-  virtual int RunServer(const CString& syntaxFile, const CString& outputFile) = 0;
+  // Runs an engine on a syntax file and comes back when it has ended. Negative: there is no output
+  // file (the reason goes to the status bar); else what the engine ended with. Data screening
+  // passes 1, 0, 0, 0 behind the names.
+  virtual int RunServer(const char* syntaxPath, const char* outputPath, unsigned int server,
+                        int option1, int option2, int option3) = 0;
+  // Opens a data, syntax or output file in a window of its kind. False when it could not be opened,
+  // which the user has then been told.
+  virtual bool OpenDocumentFile(const CString& pathName) = 0;
 };
 
 // The application object and the main frame of the installed host; null where there is none.

@@ -1,5 +1,7 @@
 #include "host/Recorder.h"
 
+#include <fstream>
+
 namespace {
 
 class RecordedProgress final : public CProgress {
@@ -53,7 +55,12 @@ void CRecorder::SetPaneText(int pane, const CString& text) {
   if (pane == 0) statusTexts.push_back(text);
 }
 
-int CRecorder::RunServer(const CString& syntaxFile, const CString& outputFile) {
-  engineRuns.emplace_back(syntaxFile, outputFile);
+int CRecorder::RunServer(const char* syntaxPath, const char* outputPath, unsigned int server,
+                         int option1, int option2, int option3) {
+  engineRuns.push_back({syntaxPath, outputPath, {server, option1, option2, option3}});
+  if (onEngineRun) onEngineRun();
+  if (engineResult >= 0 && engineOutput) {
+    std::ofstream(outputPath, std::ios::binary) << *engineOutput;
+  }
   return engineResult;
 }

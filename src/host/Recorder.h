@@ -1,7 +1,9 @@
 // A host for tests: it answers from a script and remembers what it was asked.
 #pragma once
 
+#include <array>
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 
@@ -40,8 +42,18 @@ class CRecorder final : public CHost, public CMainFrame, public CStatusBar, publ
   std::vector<HostFileType> extraFileTypes;
 
   DisplaySettings display;
+  // The engine: what it was asked, and what it does. A run that is not negative leaves an output
+  // file with `engineOutput`.
+  struct EngineRun {
+    CString syntaxFile;
+    CString outputFile;
+    std::array<long, 4> arguments;
+  };
+  std::vector<EngineRun> engineRuns;
   int engineResult = 0;
-  std::vector<std::pair<CString, CString>> engineRuns;
+  std::optional<CString> engineOutput = CString();  // nullopt: it writes none
+  std::function<void()> onEngineRun;                // called while it "runs"
+  std::vector<CString> openedDocuments;
 
   MessageAnswer ShowMessage(const CString& text, const CString& title,
                             MessageButtons buttons) override;
@@ -61,7 +73,12 @@ class CRecorder final : public CHost, public CMainFrame, public CStatusBar, publ
 
   DisplaySettings GetDisplaySettings() const override { return display; }
   void SetDisplaySettings(const DisplaySettings& settings) override { display = settings; }
-  int RunServer(const CString& syntaxFile, const CString& outputFile) override;
+  int RunServer(const char* syntaxPath, const char* outputPath, unsigned int server, int option1,
+                int option2, int option3) override;
+  bool OpenDocumentFile(const CString& pathName) override {
+    openedDocuments.push_back(pathName);
+    return true;
+  }
 
  private:
   CHost* previous_;

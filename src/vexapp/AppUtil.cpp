@@ -30,6 +30,10 @@ void CAppUtil::SetDisplaySettings(const DisplaySettings& display) {
   settings.setValue(kAlignment, display.alignment);
 }
 
-int CAppUtil::RunServer(const CString&, const CString&) {
+int CAppUtil::RunServer(const char*, const char*, unsigned int, int, int, int) {
   return -1;
+}
+
+bool CAppUtil::OpenDocumentFile(const CString&) {
+  return false;
 }

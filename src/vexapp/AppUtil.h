@@ -7,6 +7,9 @@ class CAppUtil final : public CVexAppUtil {
  public:
   DisplaySettings GetDisplaySettings() const override;
   void SetDisplaySettings(const DisplaySettings& settings) override;
-  // There is no engine to run yet: always -1.
-  int RunServer(const CString& syntaxFile, const CString& outputFile) override;
+  // The window runs no engine yet: always -1.
+  int RunServer(const char* syntaxPath, const char* outputPath, unsigned int server, int option1,
+                int option2, int option3) override;
+  // There is no window for syntax and output files yet: always false.
+  bool OpenDocumentFile(const CString& pathName) override;
 };

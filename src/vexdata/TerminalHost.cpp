@@ -1,13 +1,19 @@
 #include "vexdata/TerminalHost.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 #include "host/Text.h"
+#include "syntax/EngineRun.h"
 #include "transfer/ProgramFileTypes.h"
+#include "vexutils/BlockIo.h"
 #include "vexutils/TickCount.h"
 
 namespace {
@@ -71,8 +77,9 @@ CTerminalHost::~CTerminalHost() {
 MessageAnswer CTerminalHost::ShowMessage(const CString& text, const CString&,
                                          MessageButtons buttons) {
   spoken_ = true;
-  CString line;
-  for (const char c : text) line += c == '\n' ? ' ' : c;
+  CString line = text;
+  if (!status_.empty()) line += " (" + std::exchange(status_, {}) + ')';
+  std::replace(line.begin(), line.end(), '\n', ' ');
   std::cerr << "vexdata: " << line << '\n';
   return buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Ok;
 }
@@ -83,4 +90,28 @@ std::unique_ptr<CProgress> CTerminalHost::StartProgress(const CString& title) {
 
 std::vector<HostFileType> CTerminalHost::ExtraFileTypes() const {
   return ProgramFileTypes();
+}
+
+int CTerminalHost::RunServer(const char* syntaxPath, const char* outputPath, unsigned int, int, int,
+                             int) {
+  const CString engine = FindEngine({}, status_);
+  if (engine.empty()) return -1;
+  const auto progress = StartProgress(CString("Running ") + syntaxPath);
+  return RunEngine(engine, syntaxPath, outputPath, *progress, status_);
+}
+
+bool CTerminalHost::OpenDocumentFile(const CString& pathName) {
+  CDescriptor file;
+  std::vector<char> block(kBlockBytes);
+  std::int64_t offset = 0;
+  std::int64_t got = file.OpenForReading(pathName.c_str()) ? 1 : -1;
+  while (got > 0) {
+    got = ReadAt(file.Get(), offset, block.data(), block.size());
+    const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(got, 0));
+    if (std::fwrite(block.data(), 1, bytes, stdout) != bytes) got = -1;
+    offset += got;
+  }
+  if (got == 0 && std::fflush(stdout) == 0) return true;
+  if (errno != EPIPE) AfxMessageBox(pathName + ": " + std::strerror(errno));
+  return false;
 }
