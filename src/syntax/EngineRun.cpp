@@ -26,7 +26,7 @@ CString NamedEngine(const CString& setting) {
 }  // namespace
 
 CString FindEngine(const CString& setting, CString& reason) {
-  const CString engine = NamedEngine(setting);
+  CString engine = NamedEngine(setting);
   std::error_code error;
   if (std::filesystem::is_directory(engine, error)) {
     errno = EISDIR;

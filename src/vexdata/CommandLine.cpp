@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "vexdata/Commands.h"
+#include "vexdata/OutputArguments.h"
 #include "vexdata/TerminalHost.h"
 
 namespace {
@@ -25,6 +26,7 @@ class Parser {
     AddInfo();
     AddShow();
     AddConvert();
+    AddRun();
   }
 
   int Run(int argc, const char* const* argv) {
@@ -101,6 +103,32 @@ class Parser {
     command->callback([this] { command_ = [this] { return ConvertFile(convert_); }; });
   }
 
+  void AddRun() {
+    CLI::App* const command = app_.add_subcommand(
+        "run",
+        "Write DATA.TRK, run the engine on it and print DATA.OUT; plain screening when "
+        "nothing else is asked for");
+    command->add_option("DATA", run_.file, "The system data file")->required();
+    CLI::Option* const procedure =
+        command->add_option("PROCEDURE", run_.procedure, "contents: what the data set describes")
+            ->check(CLI::IsMember({"contents"}));
+    command->add_option("--line", run_.lines, "A line of the syntax as it stands; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false)
+        ->excludes(procedure);
+    command->add_flag("--syntax", run_.syntaxOnly, "Write and print DATA.TRK without running it")
+        ->excludes(procedure);
+    AddOutputArguments(*command, run_.output);
+    command->callback([this, command] {
+      if ((HasOutputLine(run_) || !run_.procedure.empty()) && HasOutputArguments(*command)) {
+        throw CLI::ValidationError("run",
+                                   "the output line is given already: the output options "
+                                   "would have no effect");
+      }
+      command_ = [this] { return RunData(run_); };
+    });
+  }
+
   CTerminalHost& host_;
   CLI::App app_{"Data sets of the Vex package from the command line", "vexdata"};
   std::function<int()> command_;
@@ -111,6 +139,7 @@ class Parser {
   ImportOptions import_;
   ShowOptions show_;
   ConvertOptions convert_;
+  RunOptions run_;
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/Types.h"
+#include "syntax/OutputOptions.h"
 
 struct ImportOptions {
   CString source;
@@ -40,9 +41,20 @@ struct ExportOptions {
   bool overwrite = false;
 };
 
+struct RunOptions {
+  CString file;
+  CString procedure;           // empty: the lines below; "contents"
+  std::vector<CString> lines;  // as typed
+  TRVOUSTRUCT output;          // for the output line, where none was typed
+  bool syntaxOnly = false;
+};
+
 int ListFormats(bool json);
 int ImportFile(const ImportOptions& options);
 int ShowInfo(const CString& fileName, bool json);
 int ShowCells(const ShowOptions& options);
 int ConvertFile(const ConvertOptions& options);
 int ExportFile(const ExportOptions& options);
+// Is there an output line among those typed?
+bool HasOutputLine(const RunOptions& options);
+int RunData(const RunOptions& options);

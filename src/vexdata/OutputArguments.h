@@ -1,0 +1,14 @@
+// The output options as options of the command line.
+#pragma once
+
+#include "syntax/OutputOptions.h"
+
+namespace CLI {
+class App;
+}
+
+// Adds them to a command; they are written into `options`, which must live as long.
+void AddOutputArguments(CLI::App& command, TRVOUSTRUCT& options);
+
+// Was one of them given?
+bool HasOutputArguments(const CLI::App& command);

@@ -1,0 +1,74 @@
+#include <algorithm>
+#include <filesystem>
+
+#include "datadoc/DataDoc.h"
+#include "dataview/DataView.h"
+#include "host/Host.h"
+#include "host/Text.h"
+#include "syntax/ProcedureRun.h"
+#include "vexdata/CommandLine.h"
+#include "vexdata/Commands.h"
+#include "vexdata/SystemFile.h"
+
+namespace {
+
+// As a window names its document: wherever the syntax file is run from, it finds the data.
+CString FullName(const CString& fileName) {
+  std::error_code error;
+  const auto path = std::filesystem::absolute(fileName, error);
+  return error ? fileName : path.lexically_normal().string();
+}
+
+bool IsOutputLine(std::string_view line) {
+  line = Trimmed(line);
+  return EqualIgnoringCase(line.substr(0, line.find_first_of(" \t")), "OU");
+}
+
+ProcedureJob JobOf(CDataDoc& document, const RunOptions& options) {
+  ProcedureJob job;
+  job.lines.assign(options.lines.begin(), options.lines.end());
+  if (HasOutputLine(options)) return job;
+  CString outputLine;
+  document.GetOUString(document.GetOutputOptions(), outputLine, 1);
+  job.lines.push_back(outputLine);
+  return job;
+}
+
+// The syntax names the data file: the description is all that is needed of it, not the cells.
+ProcedureResult RunLines(CDataDoc& document, const CString& fileName, const RunOptions& options) {
+  CDescriptor file;
+  VsfContents contents;
+  if (!OpenSystemFile(fileName, file, contents)) return {};
+  *document.GetTorvik() = std::move(contents.data);
+  document.SetPathName(fileName, false);
+  *document.GetOutputOptions() = options.output;
+  const int endCode = options.syntaxOnly ? kEndSyntax : kEndRun;
+  return RunProcedure(
+      document, [&] { return endCode; }, [&] { return JobOf(document, options); });
+}
+
+ProcedureResult RunContents(CDataDoc& document, const CString& fileName) {
+  const CDataView view(document);
+  if (!document.OnOpenDbmsDocument(fileName)) return {};
+  return RunContentsListing(document);
+}
+
+}  // namespace
+
+bool HasOutputLine(const RunOptions& options) {
+  return std::any_of(options.lines.begin(), options.lines.end(), IsOutputLine);
+}
+
+int RunData(const RunOptions& options) {
+  const CString fileName = FullName(options.file);
+  CDataDoc document;
+  const ProcedureResult result = options.procedure == "contents"
+                                     ? RunContents(document, fileName)
+                                     : RunLines(document, fileName, options);
+  if (result.state == ProcedureState::SyntaxShown) return kExitDone;
+  if (result.state != ProcedureState::Done) return kExitFailed;
+  if (result.engine == 0) return kExitDone;
+  AfxMessageBox("the engine ended with code " + std::to_string(result.engine) +
+                "; its output says why");
+  return kExitFailed;
+}
