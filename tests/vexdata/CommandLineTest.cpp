@@ -3,26 +3,9 @@
 
 #include "support/TempFolder.h"
 #include "support/VsfBytes.h"
-#include "vexdata/CommandLine.h"
+#include "vexdata/RunVexData.h"
 
 namespace {
-
-struct Outcome {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-Outcome RunVexData(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), "vexdata");
-  std::vector<const char*> argv;
-  for (const auto& argument : arguments) argv.push_back(argument.c_str());
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  const int code = RunCommandLine(static_cast<int>(argv.size()), argv.data());
-  std::fflush(stdout);
-  return {code, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
-}
 
 const std::string kSurvey = VEX_TEST_DATA "/survey.sav";
 

@@ -1,0 +1,144 @@
+#include <csignal>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "support/TempFolder.h"
+#include "support/VsfBytes.h"
+#include "vexdata/RunVexData.h"
+
+class RunCommand : public testing::Test {
+ protected:
+  void SetUp() override {
+    WriteBytes(data, Bytes()
+                         .Add(VsfHead("VEXC16 DATA SYSTEM FILE", ' ', 2, 2))
+                         .Add(VsfVariable("alpha", 16))
+                         .Add(VsfVariable("beta", 16))
+                         .Reals({1, 2, 3, 4})
+                         .Get());
+    UseEngine("cp \"$1\" \"$2\"");
+  }
+  void TearDown() override { unsetenv("VEX_ENGINE"); }
+
+  void UseEngine(const std::string& script) {
+    const std::string name = folder / "engine";
+    WriteBytes(name, "#!/bin/sh\n" + script + "\n");
+    chmod(name.c_str(), 0700);
+    setenv("VEX_ENGINE", name.c_str(), 1);
+  }
+  // The syntax that a run of these lines writes.
+  std::string Syntax(const std::string& lines) const {
+    return "!TORVIK SYNTAX: Can be edited \nSY='" + data + "'\n" + lines;
+  }
+  TempFolder folder;
+  const std::string data = folder / "small.VSF";
+};
+
+TEST_F(RunCommand, WritesTheSyntaxRunsAndPrintsTheOutput) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* lines;
+  } cases[] = {
+      {{}, "OU XT XM \n"},
+      {{"--line", "FA NF=2 MR", "--line", "OU XM"}, "FA NF=2 MR\nOU XM\n"},
+      {{"--line", "RG 1 ON 2", "--wide"}, "RG 1 ON 2\nOU WP XT XM \n"},
+      {{"--line", " ou"}, " ou\n"},
+      {{"--matrix", "km", "--save-matrix", "m.km", "--seed", "7", "--bivariate-tests"},
+       "OU MA=KM SM=m.km IX=7 XM \n"},
+      {{"--save-data", "d", "--width", "10", "--decimals", "3", "--save-means", "me",
+        "--save-deviations", "sd", "--repetitions", "5"},
+       "OU RA=d WI=10 ND=3 ME=me SD=sd RP=5 XT XM \n"},
+      {{"--save-ac", "a", "--print-ac", "--save-av", "b", "--print-av", "--bivariate-tables",
+        "--multivariate-tests"},
+       "OU AC=a PA AV=b PV BT XT \n"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = {"run", data};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const Outcome run = RunVexData(arguments);
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(run.out, Syntax(c.lines));
+    EXPECT_EQ(ReadBytes(folder / "small.TRK"), Syntax(c.lines));
+    EXPECT_EQ(ReadBytes(folder / "small.OUT"), Syntax(c.lines));
+
+    std::filesystem::remove(folder / "small.OUT");
+    arguments.insert(arguments.begin() + 2, "--syntax");
+    EXPECT_EQ(RunVexData(arguments).out, Syntax(c.lines));
+    EXPECT_FALSE(std::filesystem::exists(folder / "small.OUT"));
+  }
+}
+
+TEST_F(RunCommand, ListsTheContents) {
+  const Outcome run = RunVexData({"run", data, "contents"});
+  EXPECT_EQ(run.code, 0) << run.err;
+  EXPECT_NE(run.out.find("!DA NI=2 NO=2 MI= -999999 TR=LI \n!LA\n!alpha beta \n"),
+            std::string::npos)
+      << run.out;
+  EXPECT_EQ(folder.FileCount(), 4U);  // data, engine, syntax, output
+}
+
+TEST_F(RunCommand, FindsTheDataFromAnotherFolder) {
+  const auto here = std::filesystem::current_path();
+  std::filesystem::current_path(folder.Path());
+  EXPECT_EQ(RunVexData({"run", "./small.VSF"}).out, Syntax("OU XT XM \n"));
+  std::filesystem::current_path(here);
+}
+
+TEST_F(RunCommand, FailuresSayWhyOnOneLine) {
+  const std::string text = folder / "small.dat";
+  WriteBytes(text, ReadBytes(data));
+  const std::string none = "Serious errors occured, no output file available!";
+  const struct {
+    const char* engine;
+    std::vector<std::string> arguments;
+    int code;
+    std::vector<std::string> messages;  // found on standard error
+    const char* out;
+  } cases[] = {
+      {"exit 0", {data}, 1, {none, "wrote no output"}, ""},
+      {"echo cannot read >&2; exit 1", {data}, 1, {none, "cannot read"}, ""},
+      {"echo 'line 3: error' >\"$2\"; exit 1", {data}, 1, {"code 1"}, "line 3: error\n"},
+      {"", {folder / "absent.VSF"}, 1, {"The file does not exist!"}, ""},
+      {"", {folder / "engine"}, 1, {"not a correct VEXMOR data system file"}, ""},
+      {"", {text}, 1, {"Please save data before performing this operation", "*.VSF"}, ""},
+      {"", {data, "screen"}, 2, {}, ""},
+      {"", {data, "--line", "OU", "--wide"}, 2, {}, ""},
+      {"", {data, "contents", "--seed", "1"}, 2, {}, ""},
+      {"", {data, "contents", "--line", "OU"}, 2, {}, ""},
+      {"", {data, "--width", "10", "--save-data", "d"}, 2, {}, ""},
+      {"", {data, "--width", "33", "--decimals", "3", "--save-data", "d"}, 2, {}, ""},
+      {"", {data, "--save-matrix", "m"}, 2, {}, ""},
+      {"", {data, "--repetitions", "0"}, 2, {}, ""},
+  };
+  for (const auto& c : cases) {
+    UseEngine(c.engine);
+    std::vector<std::string> arguments = c.arguments;
+    arguments.insert(arguments.begin(), "run");
+    const Outcome run = RunVexData(arguments);
+    EXPECT_EQ(run.code, c.code) << run.err;
+    EXPECT_EQ(run.out, c.out);
+    for (const auto& message : c.messages) {
+      EXPECT_NE(run.err.find(message), std::string::npos) << message << " in " << run.err;
+    }
+    if (c.code != 1) continue;
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+  }
+  setenv("VEX_ENGINE", (folder / "no engine").c_str(), 1);
+  EXPECT_NE(RunVexData({"run", data}).err.find("no engine cannot be run"), std::string::npos);
+}
+
+TEST_F(RunCommand, AnInterruptCancelsTheEngine) {
+  UseEngine(
+      "trap 'echo interrupted >\"$2\"; exit 1' INT; echo >\"$1.ready\"; "
+      "while :; do sleep 0.05; done");
+  const std::string ready = folder / "small.TRK.ready";
+  std::thread interrupter([&] {
+    for (int i = 0; i < 400 && !std::filesystem::exists(ready); ++i) usleep(50000);
+    kill(getpid(), SIGINT);
+  });
+  const Outcome run = RunVexData({"run", data});
+  interrupter.join();
+  EXPECT_EQ(run.code, 1);
+  EXPECT_EQ(run.out, "interrupted\n");
+}
