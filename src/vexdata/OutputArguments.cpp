@@ -1,7 +1,5 @@
 #include "vexdata/OutputArguments.h"
 
-#include <CLI/CLI.hpp>
-
 namespace {
 
 constexpr const char* kGroup = "Output options";

@@ -1,11 +1,9 @@
 // The output options as options of the command line.
 #pragma once
 
-#include "syntax/OutputOptions.h"
+#include <CLI/CLI.hpp>
 
-namespace CLI {
-class App;
-}
+#include "syntax/OutputOptions.h"
 
 // Adds them to a command; they are written into `options`, which must live as long.
 void AddOutputArguments(CLI::App& command, TRVOUSTRUCT& options);

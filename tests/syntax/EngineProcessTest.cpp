@@ -15,7 +15,7 @@ class EngineProcess : public testing::Test {
  protected:
   // A shell script in the engine's place: $1 is the syntax file, $2 the output file.
   std::string Engine(const std::string& script) {
-    const std::string name = folder / "engine";
+    std::string name = folder / "engine";
     WriteBytes(name, "#!/bin/sh\n" + script + "\n");
     chmod(name.c_str(), 0700);
     return name;

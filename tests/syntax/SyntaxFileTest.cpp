@@ -7,7 +7,14 @@ const std::string kTop = "!TORVIK SYNTAX: Can be edited \n";
 const std::string kListingTop = "\n!Contents of VSFFILE: \n!-------------------- \n";
 const std::string kListingEnd = "!End of Contents \n!--------------- \n\n";
 
-// `count` continuous variables named V1, V2, ...
+// A whole listing with these lines.
+std::string Listing(std::initializer_list<std::string> lines) {
+  std::string text = kListingTop;
+  for (const std::string& line : lines) text += line;
+  return text += kListingEnd;
+}
+
+// `count` variables of no known type, named V1, V2, ...
 TORVIKSTRUCT DataOf(int count) {
   TORVIKSTRUCT data;
   data.records = 120;
@@ -102,8 +109,7 @@ TEST(ContentsListing, NamesStandEightToALine) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(ContentsListing(DataOf(c.variables), false),
-              kListingTop + "!DA NI=" + std::to_string(c.variables) + " NO=120 \n!LA\n" + c.names +
-                  kListingEnd);
+              Listing({"!DA NI=", std::to_string(c.variables), " NO=120 \n!LA\n", c.names}));
   }
 }
 
@@ -137,7 +143,7 @@ TEST(ContentsListing, DataLine) {
     data.weightVariable = c.weight;
     data.deletion = c.deletion;
     data.missing = c.missing;
-    EXPECT_EQ(ContentsListing(data, true), kListingTop + c.lines + kListingEnd);
+    EXPECT_EQ(ContentsListing(data, true), Listing({c.lines}));
   }
 }
 
@@ -195,10 +201,9 @@ TEST(ContentsListing, MissingValuesOfAVariable) {
     TORVIKSTRUCT data = DataOf(1);
     data.variable[0].missing = c.missing;
     const std::string beforeIt = "!LA\n!V1 \n";
-    EXPECT_EQ(ContentsListing(data, true), kListingTop + "!DA NI=1 NO=120 MI= -999999 TR=LI \n" +
-                                               beforeIt + c.line + kListingEnd);
-    EXPECT_EQ(ContentsListing(data, false),
-              kListingTop + "!DA NI=1 NO=120 \n" + beforeIt + kListingEnd);
+    EXPECT_EQ(ContentsListing(data, true),
+              Listing({"!DA NI=1 NO=120 MI= -999999 TR=LI \n", beforeIt, c.line}));
+    EXPECT_EQ(ContentsListing(data, false), Listing({"!DA NI=1 NO=120 \n", beforeIt}));
   }
 }
 
