@@ -1,5 +1,8 @@
 #include "vexdata/CommandLine.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -36,9 +39,12 @@ class Parser {
       return app_.exit(error) == 0 ? kExitDone : kExitUsage;
     }
     host_.SetQuiet(quiet_);
-    import_.quiet = quiet_;
-    convert_.quiet = quiet_;
-    const int code = command_();
+    int code = command_();
+    std::cout.flush();
+    if (code == kExitDone && (!std::cout || std::fflush(stdout) != 0)) {
+      AfxMessageBox(CString("Standard output: ") + std::strerror(errno));
+      code = kExitFailed;
+    }
     if (code == kExitFailed && !host_.HasSpoken()) AfxMessageBox("stopped");
     return code;
   }
@@ -55,7 +61,8 @@ class Parser {
         app_.add_subcommand("import", "Make a system data file of a foreign file");
     command->add_option("SOURCE", import_.source, "The foreign file")->required();
     command->add_option("TARGET", import_.target, "The system data file; SOURCE's name with .VSF");
-    command->add_option("--type", import_.type, "Code of the file type (see 'formats')");
+    command->add_option("--type", import_.type, "Code of the file type (see 'formats')")
+        ->check(CLI::NonNegativeNumber);
     command->add_option("--select", import_.select, "Names of the variables wanted")
         ->delimiter(',');
     command->add_flag("--keep-labels", import_.keepLabels,
@@ -68,8 +75,10 @@ class Parser {
     CLI::App* const command =
         app_.add_subcommand("export", "Write the cases to a foreign or text file");
     command->add_option("DATA", export_.source, "The system data file")->required();
-    command->add_option("TARGET", export_.target, "The new file")->required();
-    command->add_option("--type", export_.type, "Code of the file type (see 'formats')");
+    command->add_option("TARGET", export_.target, "The new file; - for standard output")
+        ->required();
+    command->add_option("--type", export_.type, "Code of the file type (see 'formats')")
+        ->check(CLI::NonNegativeNumber);
     command->add_flag("--names", export_.names, "Text files: names on the first line");
     command->add_option("--delimiter", export_.delimiter, "Between values, for type 1004");
     command->add_flag("--overwrite", export_.overwrite, "Replace an existing file");

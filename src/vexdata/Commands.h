@@ -15,7 +15,6 @@ struct ImportOptions {
   std::vector<CString> select;
   bool keepLabels = false;
   bool overwrite = false;
-  bool quiet = false;
 };
 
 struct ShowOptions {
@@ -29,7 +28,6 @@ struct ConvertOptions {
   CString target;
   CString layout;  // "old" or "new"
   bool overwrite = false;
-  bool quiet = false;
 };
 
 struct ExportOptions {

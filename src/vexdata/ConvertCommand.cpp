@@ -1,7 +1,6 @@
-#include <iostream>
-
 #include "datadoc/DataDoc.h"
 #include "dataview/DataView.h"
+#include "host/Host.h"
 #include "host/Text.h"
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
@@ -16,8 +15,7 @@ void TellOfCutNames(const TORVIKSTRUCT& data, int kind) {
   for (std::size_t i = 0; i < static_cast<std::size_t>(data.variables); ++i) {
     const CString& name = data.variable[i].name;
     if (name.size() <= width) continue;
-    std::cerr << "note: " << TextForDisplay(name) << " becomes "
-              << TextForDisplay(CutText(name, width)) << '\n';
+    Host().ShowNote(TextForDisplay(name) + " becomes " + TextForDisplay(CutText(name, width)));
   }
 }
 
@@ -34,6 +32,6 @@ int ConvertFile(const ConvertOptions& options) {
   CDataDoc document;
   CDataView view(document);
   if (!document.OnOpenDbmsDocument(options.source)) return kExitFailed;
-  if (!options.quiet) TellOfCutNames(*document.GetTorvik(), kind);
+  TellOfCutNames(*document.GetTorvik(), kind);
   return document.SaveVSFFile(options.target, kind) ? kExitDone : kExitFailed;
 }

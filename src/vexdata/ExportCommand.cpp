@@ -6,16 +6,23 @@
 #include "vexdata/SystemFile.h"
 
 int ExportFile(const ExportOptions& options) {
-  int type = options.type >= 0 ? options.type : STUtils::TypeOfFileName(options.target);
+  const bool toStandardOutput = options.target == STUtils::kStandardOutput;
+  int type = options.type >= 0  ? options.type
+             : toStandardOutput ? STUtils::COMMA_TEXT_FILE_TYPE
+                                : STUtils::TypeOfFileName(options.target);
   if (type == STUtils::UNKNOWN_FILE_TYPE) {
     AfxMessageBox(options.target + ": no file type has this extension; --type chooses one");
     return kExitFailed;
   }
   if (type == STUtils::DELIMITED_TEXT_FILE_TYPE && options.delimiter.size() != 1) {
     AfxMessageBox("This file type needs --delimiter with one character");
-    return kExitFailed;
+    return kExitUsage;
   }
-  if (!MayWrite(options.target, options.overwrite)) return kExitFailed;
+  if (toStandardOutput && !STUtils::IsTextFileType(type)) {
+    AfxMessageBox(STUtils::NameOfType(type) + " cannot be written to standard output");
+    return kExitUsage;
+  }
+  if (!toStandardOutput && !MayWrite(options.target, options.overwrite)) return kExitFailed;
   {
     CDescriptor file;
     VsfContents contents;

@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <iostream>
 
 #include <boost/format.hpp>
 
@@ -54,8 +53,6 @@ int ImportFile(const ImportOptions& options) {
   port.SetSelection(options.select);
   CString source = options.source;
   if (port.Import(source, type, false, true, target) != STUtils::eOK) return kExitFailed;
-  if (!options.quiet) {
-    for (const CString& note : port.Notes()) std::cerr << "note: " << note << '\n';
-  }
+  for (const CString& note : port.Notes()) Host().ShowNote(note);
   return kExitDone;
 }

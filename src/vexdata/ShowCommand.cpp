@@ -11,14 +11,15 @@
 
 namespace {
 
-bool ParseRange(const ShowOptions& options, const TORVIKSTRUCT& data, DumpRange& range) {
+// The exit code.
+int ParseRange(const ShowOptions& options, const TORVIKSTRUCT& data, DumpRange& range) {
   range.variables = data.variables;
   range.recordEnd = data.records;
   if (!options.cases.empty()) {
     const auto cases = ParseCaseRange(options.cases, data.records);
     if (!cases) {
       AfxMessageBox("--cases: expected a number or a range such as 1-20, not " + options.cases);
-      return false;
+      return kExitUsage;
     }
     range.recordBegin = cases->begin;
     range.recordEnd = cases->end;
@@ -27,10 +28,10 @@ bool ParseRange(const ShowOptions& options, const TORVIKSTRUCT& data, DumpRange&
   const auto columns = ParseVariableList(data, options.variables, problem);
   if (!columns) {
     AfxMessageBox("--variables: there is no variable " + problem);
-    return false;
+    return kExitFailed;
   }
   range.columns = *columns;
-  return true;
+  return kExitDone;
 }
 
 }  // namespace
@@ -40,7 +41,7 @@ int ShowCells(const ShowOptions& options) {
   VsfContents contents;
   DumpRange range;
   if (!OpenSystemFile(options.file, file, contents)) return kExitFailed;
-  if (!ParseRange(options, contents.data, range)) return kExitFailed;
+  if (const int code = ParseRange(options, contents.data, range); code != kExitDone) return code;
   const auto print = [](std::string_view text) {
     return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   };

@@ -1,6 +1,7 @@
 #include "vexdata/TerminalHost.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -18,6 +19,9 @@
 
 namespace {
 
+// Each of these ends long work in order, so that no half-written file is left.
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+
 volatile std::sig_atomic_t interrupted = 0;
 
 void OnInterrupt(int) {
@@ -28,10 +32,14 @@ class TerminalProgress final : public CProgress {
  public:
   TerminalProgress(CString title, bool visible) : title_(std::move(title)), visible_(visible) {
     interrupted = 0;
-    previousHandler_ = std::signal(SIGINT, OnInterrupt);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+      previousHandlers_[i] = std::signal(kSignals[i], OnInterrupt);
+    }
   }
   ~TerminalProgress() override {
-    std::signal(SIGINT, previousHandler_);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+      std::signal(kSignals[i], previousHandlers_[i]);
+    }
     if (drawn_) std::fputs("\r\033[K", stderr);
   }
   TerminalProgress(const TerminalProgress&) = delete;
@@ -63,8 +71,13 @@ class TerminalProgress final : public CProgress {
   bool visible_;
   bool drawn_ = false;
   std::int64_t last_ = GetTickCount();  // quick work shows no bar
-  void (*previousHandler_)(int) = SIG_DFL;
+  std::array<void (*)(int), kSignals.size()> previousHandlers_{};
 };
+
+CString OneLine(CString text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
 
 }  // namespace
 
@@ -77,11 +90,13 @@ CTerminalHost::~CTerminalHost() {
 MessageAnswer CTerminalHost::ShowMessage(const CString& text, const CString&,
                                          MessageButtons buttons) {
   spoken_ = true;
-  CString line = text;
-  if (!status_.empty()) line += " (" + std::exchange(status_, {}) + ')';
-  std::replace(line.begin(), line.end(), '\n', ' ');
-  std::cerr << "vexdata: " << line << '\n';
+  const CString reason = status_.empty() ? CString() : " (" + std::exchange(status_, {}) + ')';
+  std::cerr << "vexdata: " << OneLine(text + reason) << '\n';
   return buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Ok;
+}
+
+void CTerminalHost::ShowNote(const CString& text) {
+  if (!quiet_) std::cerr << "note: " << OneLine(text) << '\n';
 }
 
 std::unique_ptr<CProgress> CTerminalHost::StartProgress(const CString& title) {

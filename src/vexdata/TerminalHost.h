@@ -12,6 +12,8 @@ class CTerminalHost final : public CHost, public CMainFrame, public CStatusBar, 
   // Has a message been shown since the program started?
   bool HasSpoken() const { return spoken_; }
 
+  // A line that begins with "note: ", unless the program is to be quiet.
+  void ShowNote(const CString& text) override;
   // One line on standard error, with the reason that the status bar was told last; questions are
   // answered No.
   MessageAnswer ShowMessage(const CString& text, const CString& title,

@@ -48,8 +48,13 @@ TEST_F(CommandLine, ExitCodesAndMessages) {
       {{"import", folder / "text.sav"}, 1, "text.sav"},
       {{"import", folder / "text.sav", folder / "x.VSF", "--type", "33"}, 1, "LIMDEP"},
       {{"import", kSurvey, small}, 1, "--overwrite"},
-      {{"show", small, "--cases", "x"}, 1, "--cases"},
+      {{"show", small, "--cases", "x"}, 2, "--cases"},
       {{"show", small, "--variables", "beta"}, 1, "beta"},
+      {{"show", small, "--cases", "3-2"}, 2, "--cases"},
+      {{"import", kSurvey, target, "--type", "-7"}, 2, nullptr},
+      {{"export", small, "-", "--type", "22"}, 2, "standard output"},
+      {{"export", small, folder / "x.txt", "--type", "1004"}, 2, "--delimiter"},
+      {{"export", small, folder / "x.what"}, 1, "--type"},
       {{"convert", folder / "absent.VSF", target, "--layout", "new"},
        1,
        "The file does not exist!"},
@@ -91,6 +96,17 @@ TEST_F(CommandLine, ShowsCellsAndReadsDamagedFilesAsFarAsTheyGo) {
   EXPECT_EQ(RunVexData({"show", small, "--cases", "2-", "--variables", "2,alpha"}).out,
             "        -999999               3  \n"
             "        -999999               5  \n");
+}
+
+TEST_F(CommandLine, ExportsToAFile) {
+  WriteSmallFile();
+  const std::string target = folder / "out.csv";
+  ASSERT_EQ(RunVexData({"export", small, target, "--names"}).code, 0);
+  EXPECT_EQ(ReadBytes(target), "\"alpha\",\"\xC3\xA4\"\n1,2.5\n3,\n5,\n");
+  const Outcome warned = RunVexData({"export", small, folder / "out.raw"});
+  EXPECT_EQ(warned.code, 0);
+  EXPECT_TRUE(warned.err.starts_with("note: ")) << warned.err;
+  EXPECT_EQ(RunVexData({"export", small, folder / "quiet.raw", "--quiet"}).err, "");
 }
 
 TEST_F(CommandLine, InfoAsJsonSaysEverything) {
