@@ -22,7 +22,7 @@ void NameProgram() {
 QStringList FilesToOpen(const QCoreApplication& application) {
   QCommandLineParser parser;
   parser.setApplicationDescription(
-      QCoreApplication::translate("main", "Looks at data sets and imports them."));
+      QCoreApplication::translate("main", "Looks at data sets, imports and exports them."));
   parser.addHelpOption();
   parser.addVersionOption();
   parser.addPositionalArgument(
