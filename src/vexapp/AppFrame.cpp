@@ -52,6 +52,7 @@ CAppFrame::CAppFrame(CVexApp& app)
   HandleCommands();
   BuildAppearanceMenu();
   app_.SetMainFrame(this, this);
+  app_.SetTargetCheck([this](const QString& path) { return WhyNotWriteTo(path); });
   RestoreWindow();
   ShowRecentFiles();
   UpdateTitle();
@@ -65,6 +66,7 @@ CAppFrame::~CAppFrame() {
     window->disconnect(this);
     delete window;
   }
+  app_.SetTargetCheck({});
   app_.SetMainFrame(nullptr, nullptr);
 }
 

@@ -73,6 +73,7 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   bool OpenImported(const QString& path);
   bool OpenDocument(const QString& path, const EXTERNDATA& kind);
   EXTERNDATA KindOf(const QString& path) const;
+  QString WhyNotWriteTo(const QString& path) const;  // empty: it may be written
 
   // AppFrameWindows.cpp: data windows
   void AddWindow(std::unique_ptr<CDataWindow> window);

@@ -128,6 +128,23 @@ bool CAppFrame::OpenImported(const QString& path) {
   return true;
 }
 
+// The file of one window is not to be written from another one. An import may put new data into the
+// file of a window that has nothing to lose and is then read again.
+QString CAppFrame::WhyNotWriteTo(const QString& path) const {
+  const CDataWindow* const writer = app_.Writer();
+  for (CDataWindow* window : DataWindows()) {
+    if (window == writer || !window->Holds(path)) continue;
+    if (writer != nullptr) {
+      return tr("%1 is open in another window. Close it there first.").arg(window->FileName());
+    }
+    if (window->Document().IsModified()) {
+      return tr("%1 is open in a window and has unsaved changes. Close it there first.")
+          .arg(window->FileName());
+    }
+  }
+  return {};
+}
+
 void CAppFrame::SaveCurrent() {
   if (current_ != nullptr) current_->Save();
 }
@@ -138,7 +155,7 @@ void CAppFrame::SaveCurrentAs() {
 
 void CAppFrame::ExportCurrent() {
   if (current_ == nullptr) return;
-  const CBusy busy(app_);
+  const CBusy busy(app_, current_);
   current_->Document().OnFileExportVexmorData();
 }
 

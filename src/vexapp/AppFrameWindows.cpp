@@ -1,5 +1,4 @@
 // The data windows of the main window.
-#include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QStackedWidget>
@@ -8,7 +7,6 @@
 #include "resources/Commands.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/DataWindow.h"
-#include "vexapp/Display.h"
 #include "vexapp/StartPage.h"
 
 using namespace commands;
@@ -30,10 +28,8 @@ std::vector<CDataWindow*> CAppFrame::DataWindows() const {
 }
 
 CDataWindow* CAppFrame::WindowOf(const QString& path) const {
-  const QFileInfo wanted(path);
   for (CDataWindow* window : DataWindows()) {
-    const CString& own = window->Document().GetPathName();
-    if (!own.empty() && QFileInfo(PathText(own)) == wanted) return window;
+    if (window->Holds(path)) return window;
   }
   return nullptr;
 }

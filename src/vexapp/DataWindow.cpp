@@ -5,11 +5,27 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QVBoxLayout>
+#include <filesystem>
 
 #include "dataview/table/GoToCaseDlg.h"
 #include "resources/DrawnIcon.h"
 #include "vexapp/Display.h"
 #include "vexapp/VexApp.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Without links, as far as the path exists. Empty where that cannot be told.
+fs::path RealPath(const CString& path) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(path, error);
+  if (error) return {};
+  const fs::path real = fs::weakly_canonical(absolute, error);
+  return error ? fs::path() : real;
+}
+
+}  // namespace
 
 CDataWindow::CDataWindow(CVexApp& app, QWidget* parent)
     : QWidget(parent), app_(app), table_(new CDataViewTbl(this)) {
@@ -48,17 +64,26 @@ bool CDataWindow::Recover(const LeftOverScratch& left) {
 }
 
 bool CDataWindow::Save() {
-  const CBusy busy(app_);
+  const CBusy busy(app_, this);
   return document_.OnFileSave() != 0;
 }
 
 bool CDataWindow::SaveAs() {
-  const CBusy busy(app_);
+  const CBusy busy(app_, this);
   return document_.OnFileSaveAs() != 0;
 }
 
 bool CDataWindow::CanBeSaved() const {
   return document_.GetVarnum() > 0 && document_.GetRecnum() > 0;
+}
+
+bool CDataWindow::Holds(const QString& path) const {
+  const CString& own = document_.GetPathName();
+  if (own.empty()) return false;
+  std::error_code error;
+  if (fs::equivalent(own, PathBytes(path), error)) return true;
+  const fs::path real = RealPath(own);
+  return !real.empty() && real == RealPath(PathBytes(path));
 }
 
 QString CDataWindow::FileName() const {

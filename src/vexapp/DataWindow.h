@@ -30,6 +30,8 @@ class CDataWindow final : public QWidget {
   bool SaveAs();
   bool CanBeSaved() const;
 
+  // Is it the file of this window, under whatever name?
+  bool Holds(const QString& path) const;
   QString FileName() const;  // without its folder; a stand-in while there is none
   QString CellDescription() const;
   QString SizeDescription() const;

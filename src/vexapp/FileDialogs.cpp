@@ -1,15 +1,20 @@
 #include "vexapp/FileDialogs.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QSettings>
+#include <algorithm>
+#include <filesystem>
 
-#include "host/Text.h"
 #include "vexapp/Display.h"
 
 namespace {
 
 constexpr std::uint32_t kAskBeforeOverwriting = 0x2;
 constexpr std::uint32_t kFileMustExist = 0x1000;
+constexpr int kShortList = 2;  // one type and "All Files"
 
 QString Tr(const char* text) {
   return QFileDialog::tr(text);
@@ -28,19 +33,98 @@ QStringList PatternsInBothCases(const CString& patterns) {
   return result;
 }
 
-// The name that the component gives a file without an extension.
-QString WithExtension(const QString& path, const FileDialogRow& row) {
-  const std::string_view extension = Trimmed(row.defaultExtension);
-  if (extension.empty() || !QFileInfo(path).suffix().isEmpty()) return path;
-  const QString text = QString::fromUtf8(extension.data(), static_cast<int>(extension.size()));
-  return path + (text.startsWith('.') ? text : '.' + text);
+// The extension of a row's files, without its dot; empty where any will do.
+QString RowExtension(const FileDialogRow& row) {
+  QString extension = QString::fromStdString(row.defaultExtension).trimmed();
+  if (extension.isEmpty()) {
+    extension = QString::fromStdString(row.patterns).section(';', 0, 0).section('.', 1).trimmed();
+    extension.remove('*').remove('?');
+  }
+  return extension.startsWith('.') ? extension.mid(1) : extension;
 }
 
-bool MayBeReplaced(const QString& path, QWidget* parent) {
+bool FitsSomeRow(const QString& name, const std::vector<FileDialogRow>& rows) {
+  return std::any_of(rows.begin(), rows.end(), [&](const FileDialogRow& row) {
+    const QStringList patterns = PatternsInBothCases(row.patterns);
+    return !patterns.contains("*") && QDir::match(patterns, name);
+  });
+}
+
+// A name with an extension gets that of the row instead.
+QString WithExtensionOf(const FileDialogRow& row, const QString& name) {
+  const QString extension = RowExtension(row);
+  std::filesystem::path path(PathBytes(name));
+  if (extension.isEmpty() || !path.has_extension()) return name;
+  return PathText(path.replace_extension(PathBytes(extension)).string());
+}
+
+QString ProposedName(const FileDialogRequest& request, int row) {
+  QString name = PathText(request.fileName);
+  const bool offersTypes = request.save && request.rows.size() > 1;
+  if (!offersTypes || FitsSomeRow(name, request.rows)) return name;
+  return WithExtensionOf(request.rows.at(static_cast<std::size_t>(row)), name);
+}
+
+void FollowRow(QFileDialog& dialog, const std::vector<FileDialogRow>& rows, const QString& filter) {
+  const FileDialogRow& row = rows.at(static_cast<std::size_t>(RowOfFilter(rows, filter)));
+  // A platform's own dialog has no such line, and Qt's does not take a name while it is typed in.
+  if (auto* edit = dialog.findChild<QLineEdit*>("fileNameEdit")) {
+    edit->setText(WithExtensionOf(row, edit->text()));
+  } else {
+    dialog.selectFile(WithExtensionOf(row, dialog.selectedFiles().value(0)));
+  }
+}
+
+QString RowSetting(const FileDialogRequest& request) {
+  return "fileDialogs/" + ShownText(request.title) + "/row";
+}
+
+int FirstRow(const FileDialogRequest& request) {
+  const int count = static_cast<int>(request.rows.size());
+  const QString last = QSettings().value(RowSetting(request)).toString();
+  for (int row = 0; row < count && !request.title.empty(); ++row) {
+    if (ShownText(request.rows[static_cast<std::size_t>(row)].displayName) == last) return row;
+  }
+  // Among dozens of types few files are of the first one.
+  const bool longList = !request.save && count > kShortList && request.selectedRow == 0;
+  return longList ? count - 1 : std::clamp(request.selectedRow, 0, std::max(0, count - 1));
+}
+
+void RememberRow(const FileDialogRequest& request, int index) {
+  if (request.title.empty() || request.rows.size() < 2) return;
+  const FileDialogRow& row = request.rows.at(static_cast<std::size_t>(index));
+  // The next name to save under would start without a type.
+  if (request.save && RowExtension(row).isEmpty()) return;
+  QSettings().setValue(RowSetting(request), ShownText(row.displayName));
+}
+
+// The file that the component writes: it gives a name without an extension that of the row.
+QString TargetOf(const FileDialogChoice& choice, const std::vector<FileDialogRow>& rows) {
+  std::filesystem::path path(choice.path);
+  if (!rows.empty() && !path.has_extension()) {
+    path.replace_extension(rows.at(static_cast<std::size_t>(choice.row)).defaultExtension);
+  }
+  return PathText(path.string());
+}
+
+QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons,
+                                QWidget* parent) {
+  QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), text, buttons, parent);
+  box.setTextFormat(Qt::PlainText);
+  if (buttons & QMessageBox::No) box.setDefaultButton(QMessageBox::No);
+  return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+bool MayBeWritten(const FileDialogRequest& request, const QString& target, QWidget* parent,
+                  const TargetCheck& check) {
+  if (const QString reason = check ? check(target) : QString(); !reason.isEmpty()) {
+    Ask(reason, QMessageBox::Ok, parent);
+    return false;
+  }
+  if (!(request.flags & kAskBeforeOverwriting) || !QFileInfo::exists(target)) return true;
   const QString question =
-      Tr("%1 already exists.\nDo you want to replace it?").arg(QFileInfo(path).fileName());
-  return QMessageBox::warning(parent, Tr("Save As"), question, QMessageBox::Yes | QMessageBox::No,
-                              QMessageBox::No) == QMessageBox::Yes;
+      Tr("%1 already exists.\nDo you want to replace it?").arg(QFileInfo(target).fileName());
+  return Ask(question, QMessageBox::Yes | QMessageBox::No, parent) == QMessageBox::Yes;
 }
 
 }  // namespace
@@ -70,31 +154,36 @@ std::unique_ptr<QFileDialog> MakeFileDialog(const FileDialogRequest& request, QW
   dialog->setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog->setFileMode(request.flags & kFileMustExist ? QFileDialog::ExistingFile
                                                      : QFileDialog::AnyFile);
-  dialog->setOption(QFileDialog::DontConfirmOverwrite, !(request.flags & kAskBeforeOverwriting));
+  // Asked once the name has its extension.
+  dialog->setOption(QFileDialog::DontConfirmOverwrite);
   // The rows' names carry their patterns already.
   dialog->setOption(QFileDialog::HideNameFilterDetails);
   if (!request.title.empty()) dialog->setWindowTitle(ShownText(request.title));
   if (!request.folder.empty()) dialog->setDirectory(PathText(request.folder));
   const QStringList filters = NameFilters(request.rows);
+  const int row = FirstRow(request);
   dialog->setNameFilters(filters);
-  if (request.selectedRow >= 0 && request.selectedRow < filters.size()) {
-    dialog->selectNameFilter(filters[request.selectedRow]);
+  if (!filters.isEmpty()) dialog->selectNameFilter(filters[row]);
+  if (!request.fileName.empty()) dialog->selectFile(ProposedName(request, row));
+  if (request.save && filters.size() > 1) {
+    QObject::connect(dialog.get(), &QFileDialog::filterSelected, dialog.get(),
+                     [&box = *dialog, rows = request.rows](const QString& filter) {
+                       FollowRow(box, rows, filter);
+                     });
   }
-  if (!request.fileName.empty()) dialog->selectFile(PathText(request.fileName));
   return dialog;
 }
 
-bool RunFileDialog(const FileDialogRequest& request, FileDialogChoice& choice, QWidget* parent) {
+bool RunFileDialog(const FileDialogRequest& request, FileDialogChoice& choice, QWidget* parent,
+                   const TargetCheck& check) {
   const auto dialog = MakeFileDialog(request, parent);
   while (dialog->exec() == QDialog::Accepted) {
-    const QString path = dialog->selectedFiles().value(0);
     choice.row = RowOfFilter(request.rows, dialog->selectedNameFilter());
-    choice.path = PathBytes(path);
-    if (!request.save || request.rows.empty()) return true;
-    const QString target = WithExtension(path, request.rows[static_cast<std::size_t>(choice.row)]);
-    if (target == path || !QFileInfo::exists(target) || MayBeReplaced(target, dialog.get())) {
-      return true;
-    }
+    choice.path = PathBytes(dialog->selectedFiles().value(0));
+    const QString target = TargetOf(choice, request.rows);
+    if (request.save && !MayBeWritten(request, target, parent, check)) continue;
+    RememberRow(request, choice.row);
+    return true;
   }
   return false;
 }

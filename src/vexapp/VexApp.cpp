@@ -1,11 +1,12 @@
 #include "vexapp/VexApp.h"
 
 #include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMessageBox>
 
 #include "transfer/ProgramFileTypes.h"
 #include "vexapp/Display.h"
-#include "vexapp/FileDialogs.h"
 #include "vexapp/ProgressDlg.h"
 
 namespace {
@@ -28,6 +29,24 @@ class WaitCursorPause {
  private:
   int count_ = 0;
 };
+
+// A question that only its buttons answer: Qt takes Escape and the close button for No, which may
+// well be the answer that loses something.
+class QuestionBox final : public QMessageBox {
+ public:
+  using QMessageBox::QMessageBox;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override { event->ignore(); }
+  void keyPressEvent(QKeyEvent* event) override {
+    if (!event->matches(QKeySequence::Cancel)) QMessageBox::keyPressEvent(event);
+  }
+};
+
+int RunBox(QMessageBox& box) {
+  box.setTextFormat(Qt::PlainText);
+  return box.exec();
+}
 
 // Progress that keeps the program busy while it lives.
 class BusyProgress final : public CProgress {
@@ -62,15 +81,15 @@ QWidget* CVexApp::DialogParent() const {
 MessageAnswer CVexApp::ShowMessage(const CString& text, const CString& title,
                                    MessageButtons buttons) {
   const WaitCursorPause pause;
-  const bool question = buttons == MessageButtons::YesNo;
-  QMessageBox box(question ? QMessageBox::Question : QMessageBox::Warning,
-                  title.empty() ? QCoreApplication::applicationName() : ShownText(title),
-                  ShownText(text), question ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok,
-                  DialogParent());
-  box.setTextFormat(Qt::PlainText);
-  const int answer = box.exec();
-  if (!question) return MessageAnswer::Ok;
-  return answer == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
+  const QString heading = title.empty() ? QCoreApplication::applicationName() : ShownText(title);
+  if (buttons == MessageButtons::YesNo) {
+    QuestionBox box(QMessageBox::Question, heading, ShownText(text),
+                    QMessageBox::Yes | QMessageBox::No, DialogParent());
+    return RunBox(box) == QMessageBox::Yes ? MessageAnswer::Yes : MessageAnswer::No;
+  }
+  QMessageBox box(QMessageBox::Warning, heading, ShownText(text), QMessageBox::Ok, DialogParent());
+  RunBox(box);
+  return MessageAnswer::Ok;
 }
 
 void CVexApp::BeginWaitCursor() {
@@ -86,7 +105,7 @@ void CVexApp::EndWaitCursor() {
 
 bool CVexApp::AskForFile(const FileDialogRequest& request, FileDialogChoice& choice) {
   const WaitCursorPause pause;
-  return RunFileDialog(request, choice, DialogParent());
+  return RunFileDialog(request, choice, DialogParent(), targetCheck_);
 }
 
 std::unique_ptr<CProgress> CVexApp::StartProgress(const CString& title) {

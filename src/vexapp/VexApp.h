@@ -6,6 +6,9 @@
 
 #include "host/Host.h"
 #include "vexapp/AppUtil.h"
+#include "vexapp/FileDialogs.h"
+
+class CDataWindow;
 
 // Installs itself as the component's host while it lives.
 class CVexApp final : public CHost {
@@ -16,9 +19,13 @@ class CVexApp final : public CHost {
   // The window that dialogs belong to, and its look as the component's main frame. Null when it
   // goes.
   void SetMainFrame(QWidget* window, CMainFrame* frame);
+  // What dialogs ask before a file is chosen to be written.
+  void SetTargetCheck(TargetCheck check) { targetCheck_ = std::move(check); }
 
   // Is long work running? Documents are then locked and windows stay open.
   bool IsBusy() const { return running_ > 0; }
+  // The window whose data are being written. Null while none are, as in an import.
+  const CDataWindow* Writer() const { return writer_; }
 
   MessageAnswer ShowMessage(const CString& text, const CString& title,
                             MessageButtons buttons) override;
@@ -38,19 +45,29 @@ class CVexApp final : public CHost {
   CHost* previous_;
   QPointer<QWidget> window_;
   CMainFrame* frame_ = nullptr;
+  TargetCheck targetCheck_;
+  const CDataWindow* writer_ = nullptr;
   CAppUtil util_;
   int waitCursors_ = 0;
   int running_ = 0;
 };
 
-// Marks the program as busy while it lives.
+// Marks the program as busy while it lives, with `writer` as the window whose data are written.
 class CBusy {
  public:
-  explicit CBusy(CVexApp& app) : app_(app) { ++app_.running_; }
-  ~CBusy() { --app_.running_; }
+  explicit CBusy(CVexApp& app, const CDataWindow* writer = nullptr)
+      : app_(app), writerBefore_(app.writer_) {
+    ++app_.running_;
+    if (writer != nullptr) app_.writer_ = writer;
+  }
+  ~CBusy() {
+    --app_.running_;
+    app_.writer_ = writerBefore_;
+  }
   CBusy(const CBusy&) = delete;
   CBusy& operator=(const CBusy&) = delete;
 
  private:
   CVexApp& app_;
+  const CDataWindow* writerBefore_;
 };

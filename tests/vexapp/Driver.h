@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEvent>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QSettings>
 #include <QTimer>
@@ -32,6 +33,16 @@ class CDialogDriver {
   void Then(Answer answer) { answers_.push_back(std::move(answer)); }
   void ThenPress(QMessageBox::StandardButton button) {
     Then([button](QDialog& dialog) { dynamic_cast<QMessageBox&>(dialog).button(button)->click(); });
+  }
+  // Types a name into a file dialog and accepts it.
+  void ThenSaveUnder(const QString& path) {
+    Then([path](QDialog& dialog) {
+      dialog.findChild<QLineEdit*>("fileNameEdit")->setText(path);
+      dialog.accept();
+    });
+  }
+  void ThenReject() {
+    Then([](QDialog& dialog) { dialog.reject(); });
   }
   bool AllAnswered() const { return answers_.empty(); }
   const QStringList& Texts() const { return texts_; }  // of the message boxes that came up

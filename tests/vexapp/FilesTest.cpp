@@ -1,7 +1,5 @@
 // Files that come in: recent ones, dropped ones, imported ones, and those left behind by a crash.
 #include <QDropEvent>
-#include <QFileDialog>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
 #include <filesystem>
@@ -28,14 +26,6 @@ void Drop(CAppFrame& frame, const QString& path) {
   QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&frame, &drop);
   Settle();
-}
-
-// Types a name into a file dialog and accepts it.
-CDialogDriver::Answer SaveUnder(const QString& path) {
-  return [path](QDialog& dialog) {
-    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(path);
-    dialog.accept();
-  };
 }
 
 QStringList RecentTexts(const CAppFrame& frame) {
@@ -73,7 +63,7 @@ TEST_F(AppFrameTest, OpensADroppedDataSet) {
 
 TEST_F(AppFrameTest, ImportsADroppedForeignFile) {
   const QString target = QString::fromStdString(folder / "in.VSF");
-  driver.Then(SaveUnder(target));
+  driver.ThenSaveUnder(target);
   Drop(frame, TestData("survey.sav"));
   EXPECT_TRUE(driver.AllAnswered());
   ASSERT_EQ(frame.DataWindows().size(), 1U);
@@ -85,7 +75,7 @@ TEST_F(AppFrameTest, ImportsADroppedForeignFile) {
 TEST_F(AppFrameTest, KeepsValueLabelsOnlyWhenAskedTo) {
   for (const bool keep : {false, true}) {
     if (keep) Trigger(commands::kFileKeepLabels);
-    driver.Then(SaveUnder(QString::fromStdString(folder / (keep ? "with.VSF" : "without.VSF"))));
+    driver.ThenSaveUnder(QString::fromStdString(folder / (keep ? "with.VSF" : "without.VSF")));
     ASSERT_TRUE(frame.ImportPath(TestData("survey.sav")));
     const TORVIKSTRUCT& data = *frame.CurrentWindow()->Document().GetTorvik();
     std::int32_t categories = 0;
@@ -96,9 +86,9 @@ TEST_F(AppFrameTest, KeepsValueLabelsOnlyWhenAskedTo) {
 
 TEST_F(AppFrameTest, GivesATypedNameTheExtensionAndAsksBeforeItReplaces) {
   const QString target = Sample("in.VSF", 5, 1);
-  driver.Then(SaveUnder(QString(target).remove(".VSF")));
+  driver.ThenSaveUnder(QString(target).remove(".VSF"));
   driver.ThenPress(QMessageBox::No);
-  driver.Then([](QDialog& dialog) { dialog.reject(); });
+  driver.ThenReject();
   EXPECT_FALSE(frame.ImportPath(TestData("survey.sav")));
   EXPECT_TRUE(driver.AllAnswered());
   ASSERT_TRUE(frame.OpenPath(target));
@@ -107,9 +97,9 @@ TEST_F(AppFrameTest, GivesATypedNameTheExtensionAndAsksBeforeItReplaces) {
 
 TEST_F(AppFrameTest, ShowsWhatAnImportPutIntoAFileThatIsOpen) {
   const QString target = QString::fromStdString(folder / "in.VSF");
-  driver.Then(SaveUnder(target));
+  driver.ThenSaveUnder(target);
   ASSERT_TRUE(frame.ImportPath(TestData("survey.sav")));
-  driver.Then(SaveUnder(target));
+  driver.ThenSaveUnder(target);
   driver.ThenPress(QMessageBox::Yes);
   ASSERT_TRUE(frame.ImportPath(TestData("names.sav")));
   EXPECT_TRUE(driver.AllAnswered());
@@ -120,14 +110,14 @@ TEST_F(AppFrameTest, ShowsWhatAnImportPutIntoAFileThatIsOpen) {
 TEST_F(AppFrameTest, ExportsTheCurrentDataSet) {
   ASSERT_TRUE(frame.OpenPath(Sample("data.VSF")));
   const QString target = QString::fromStdString(folder / "data.csv");
-  driver.Then(SaveUnder(target));
+  driver.ThenSaveUnder(target);
   Trigger(commands::kFileExport);
   EXPECT_TRUE(QFileInfo::exists(target));
   EXPECT_FALSE(frame.CurrentWindow()->Document().IsModified());
 }
 
 TEST_F(AppFrameTest, LeavesEverythingAsItWasWhenAnImportIsCalledOff) {
-  driver.Then([](QDialog& dialog) { dialog.reject(); });
+  driver.ThenReject();
   EXPECT_FALSE(frame.ImportPath(TestData("survey.sav")));
   EXPECT_TRUE(frame.DataWindows().empty());
   EXPECT_EQ(folder.FileCount(), 0U);
@@ -201,7 +191,7 @@ TEST_F(RecoveryTest, KnowsTheNameOfASaveAs) {
   AnswerWith("&Discard");
   ASSERT_TRUE(frame.OpenPath(Sample("old.VSF")));
   const QString target = QString::fromStdString(folder / "new.VSF");
-  driver.Then(SaveUnder(target));
+  driver.ThenSaveUnder(target);
   Trigger(commands::kFileSaveAs);
   EXPECT_EQ(frame.windowTitle(), "new.VSF[*] - Vex Data");
   EXPECT_EQ(RecentTexts(frame).value(0), "new.VSF");
