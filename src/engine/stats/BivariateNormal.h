@@ -41,7 +41,7 @@ class CCorrelationQuadrature {
   struct Node {
     double sine, scale, weight;  // scale = 1 / (2 cos^2)
   };
-  void AddPiece(double begin, double end, bool few);
+  void AddPiece(double begin, double end);
   std::vector<Node> nodes_;
 };
 

@@ -8,6 +8,7 @@
 namespace stats {
 
 // Case after case. A missing cell is NaN; an infinite cell is an error (EStatus::NotFinite).
+// A case whose weight is zero, negative or not finite is left out everywhere.
 struct CaseBlock {
   const double* cells = nullptr;
   std::int64_t cases = 0;

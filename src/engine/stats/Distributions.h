@@ -19,4 +19,8 @@ double NormalTwoSided(double z);
 // P(chi-square with df degrees of freedom > x); 1 for x at or below 0 and for df at or below 0.
 double ChiSquareUpper(double x, double df);
 
+// log NormalCdf(x), finite for every finite x, and its derivative density(x) / NormalCdf(x).
+double LogNormalCdf(double x);
+double InverseMills(double x);
+
 }  // namespace stats

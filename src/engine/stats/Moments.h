@@ -30,14 +30,16 @@ class CMoments {
 
   int Variables() const;
   EDeletion Deletion() const;
-  std::int64_t Cases() const;    // cases used (pairwise: with at least one value)
-  std::int64_t LeftOut() const;  // incomplete (listwise), empty (pairwise) or without a weight
-  bool Finite() const;           // false once an infinite cell or a bad weight was seen
+  std::int64_t Cases() const;    // cases used (pairwise: every case with a weight)
+  std::int64_t LeftOut() const;  // incomplete (listwise) or without a weight
+  bool WithoutWeights() const;   // cases were there, none of them with a weight
+  bool Finite() const;           // false once an infinite cell was seen
 
-  const Eigen::MatrixXd& N() const;         // (i, j): sum of weights; all equal under listwise
-  const Eigen::MatrixXd& Means() const;     // (i, j): mean of i over the cases that have i and j
-  const Eigen::MatrixXd& Products() const;  // (i, j): sum of products about those means
-  const Eigen::MatrixXd& Squares() const;   // (i, j): sum of squares of i about Means()(i, j)
+  // Of the cases that have both variables; counted from 0, i and j may be equal.
+  double N(int i, int j) const;        // sum of weights
+  double Mean(int i, int j) const;     // of i
+  double Product(int i, int j) const;  // sum of products about those means
+  double Square(int i, int j) const;   // sum of squares of i about Mean(i, j)
 
  private:
   struct State;

@@ -20,7 +20,9 @@ namespace stats {
 //   kurtosis  b2 = mean of d(i, i)^2; z = (b2 - p (p + 2)) / sqrt(8 p (p + 2) / n)
 //   relative kurtosis = b2 / (p (p + 2))
 //   joint     zSkewness^2 + zKurtosis^2 with 2 degrees of freedom, zSkewness the normal deviate
-//             with the upper tail probability of the skewness's chi-square
+//             of the skewness's chi-square by the cube-root transformation (E. B. Wilson and M. M.
+//             Hilferty, Proc. Nat. Acad. Sci. 17, 1931, 684-688; K. V. Mardia and K. Foster,
+//             Communications in Statistics A 12, 1983, 207-221)
 // Status: NoCases, ZeroWeights, NotFinite; TooFewCases (n not above p); NotPositiveDefinite.
 struct MardiaResult {
   EStatus status = EStatus::NoCases;

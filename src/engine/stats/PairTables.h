@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/stats/Blocks.h"
+#include "engine/stats/CodeChunk.h"
 
 namespace stats {
 
@@ -49,19 +50,15 @@ class CPairTables {
   std::int64_t LeftOut() const { return leftOut_; }  // without a weight or (listwise) incomplete
 
  private:
-  void AddMargins(const CodeBlock& block, int variable);
-  void AddPair(const CodeBlock& block, int i, int j);
-  CodeBlock Usable(const CodeBlock& block);
+  void AddPair(const CCodeChunk& chunk, int i, int j);
 
   std::vector<int> categories_;
-  EDeletion deletion_;
   int threads_;
   std::int64_t cases_ = 0;
   std::int64_t leftOut_ = 0;
   std::vector<std::vector<double>> margins_;
-  std::vector<std::vector<double>> pairs_;  // by PairIndex, rows: the later variable
-  std::vector<std::uint8_t> kept_;          // codes of a block without the cases left out
-  std::vector<double> keptWeights_;
+  std::vector<std::vector<double>> pairs_;  // by PairIndex; rows: the later variable
+  CCodeChunk chunk_;
 };
 
 }  // namespace stats

@@ -23,7 +23,7 @@ namespace stats {
 //   NoCases, ZeroWeights   everything is 0
 //   TooFewCases            n not above 1: there is no standard deviation (and nothing below it)
 //   Constant               standard deviation 0: no skewness and kurtosis
-//   NotFinite              an infinite cell, or a weight that is negative or no number
+//   NotFinite              an infinite cell
 // G1 needs n above 2, G2 n above 3; they are 0 below.
 struct UnivariateResult {
   EStatus status = EStatus::NoCases;

@@ -1,0 +1,120 @@
+// The source of the kernels, included by KernelsGeneric.cpp and KernelsAvx2.cpp, each with a
+// namespace and compiler flags of its own. It uses no library: an inline function of a library that
+// is compiled with the wide instructions could be the one that the linker keeps for everybody.
+#ifndef VEX_KERNEL_NAMESPACE
+#error "included by the kernels' sources only"
+#endif
+
+#include "engine/stats/Kernels.h"
+
+namespace stats::VEX_KERNEL_NAMESPACE {
+
+namespace {
+
+// The compiler splits a vector that the processor has not.
+typedef double Vector __attribute__((vector_size(32), may_alias));
+typedef long long Mask __attribute__((vector_size(32)));
+constexpr int kVectorLanes = 4;
+
+inline const Vector* At(const double* from) {
+  return reinterpret_cast<const Vector*>(from);
+}
+
+inline Vector* At(double* to) {
+  return reinterpret_cast<Vector*>(to);
+}
+
+#define VEX_SPREAD(x) (Vector{(x), (x), (x), (x)})
+
+// 4 rows by kVectors vectors of columns; as many accumulators as the registers hold.
+template <int kVectors>
+inline void MultiplyTile(const double* rows, const double* columns, std::int64_t cases,
+                         double* result, std::int64_t stride) {
+  Vector sum[4][kVectors] = {};
+  for (std::int64_t k = 0; k < cases; ++k, rows += kLanes, columns += kLanes) {
+    for (int v = 0; v < kVectors; ++v) {
+      const Vector b = *At(columns + v * kVectorLanes);
+      for (int r = 0; r < 4; ++r) sum[r][v] += VEX_SPREAD(rows[r]) * b;
+    }
+  }
+  for (int r = 0; r < 4; ++r) {
+    for (int v = 0; v < kVectors; ++v) *At(result + r * stride + v * kVectorLanes) += sum[r][v];
+  }
+}
+
+void Multiply(const double* rows, const double* columns, std::int64_t cases, double* result,
+              std::int64_t stride) {
+#ifdef __AVX2__
+  MultiplyTile<2>(rows, columns, cases, result, stride);
+#else
+  MultiplyTile<1>(rows, columns, cases, result, stride);
+  MultiplyTile<1>(rows, columns + kVectorLanes, cases, result + kVectorLanes, stride);
+#endif
+}
+
+void Sum(const double* panel, const double* weights, std::int64_t cases, const double* shift,
+         PanelSums& sums) {
+  const Vector zero = {};
+  const Vector one = VEX_SPREAD(1.0);
+  for (int at = 0; at < kLanes; at += kVectorLanes) {
+    const Vector origin = *At(shift + at);
+    Vector count = {}, weight = {}, sum = {};
+    Vector low = VEX_SPREAD(__builtin_inf());
+    Vector high = VEX_SPREAD(-__builtin_inf());
+    for (std::int64_t k = 0; k < cases; ++k) {
+      const Vector x = *At(panel + k * kLanes + at);
+      const Mask there = x == x;
+      const Vector w = there ? VEX_SPREAD(weights[k]) : zero;
+      count += there ? one : zero;
+      weight += w;
+      sum += w * (there ? x - origin : zero);
+      low = x < low ? x : low;
+      high = x > high ? x : high;
+    }
+    *At(sums.cases + at) = count;
+    *At(sums.weight + at) = weight;
+    *At(sums.sum + at) = sum;
+    *At(sums.minimum + at) = low;
+    *At(sums.maximum + at) = high;
+  }
+}
+
+void Powers(const double* panel, const double* weights, std::int64_t cases, const double* shift,
+            const double* center, const PanelSums& range, PanelPowers& powers) {
+  const Vector zero = {};
+  for (int at = 0; at < kLanes; at += kVectorLanes) {
+    Vector s1 = {}, s2 = {}, s3 = {}, s4 = {}, atLow = {}, atHigh = {};
+    const Vector origin = *At(shift + at);
+    const Vector c = *At(center + at);
+    const Vector low = *At(range.minimum + at);
+    const Vector high = *At(range.maximum + at);
+    for (std::int64_t k = 0; k < cases; ++k) {
+      const Vector x = *At(panel + k * kLanes + at);
+      const Vector all = VEX_SPREAD(weights[k]);
+      const Vector d = x == x ? (x - origin) - c : zero;
+      const Vector wd = all * d;
+      const Vector wd2 = wd * d;
+      s1 += wd;
+      s2 += wd2;
+      s3 += wd2 * d;
+      s4 += wd2 * (d * d);
+      atLow += x == low ? all : zero;
+      atHigh += x == high ? all : zero;
+    }
+    *At(powers.power[0] + at) = s1;
+    *At(powers.power[1] + at) = s2;
+    *At(powers.power[2] + at) = s3;
+    *At(powers.power[3] + at) = s4;
+    *At(powers.atMinimum + at) = atLow;
+    *At(powers.atMaximum + at) = atHigh;
+  }
+}
+
+#undef VEX_SPREAD
+
+}  // namespace
+
+extern const Kernels kKernels;
+const Kernels kKernels = {Multiply, Sum, Powers};
+
+}  // namespace stats::VEX_KERNEL_NAMESPACE

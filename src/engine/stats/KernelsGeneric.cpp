@@ -1,0 +1,2 @@
+#define VEX_KERNEL_NAMESPACE generic
+#include "engine/stats/KernelCode.h"
