@@ -107,12 +107,23 @@ double CCellModel::Integrate(int row, int column) const {
   return std::max(0.0, integrator.integrate(integrand, low, high, 1e-10));
 }
 
+// A cell without cases still counts in the expectation, unless its probability is lost in rounding.
+void CCellModel::AddInformation(int row, int column, CorrelationLikelihood& sums) const {
+  const double product =
+      rowShare_[static_cast<std::size_t>(row)] * columnShare_[static_cast<std::size_t>(column)];
+  const double p = product + At(excess_, row, column);
+  if (p > kCancelled * product) sums.information += Slope(row, column) * Slope(row, column) / p;
+}
+
 CorrelationLikelihood CCellModel::Likelihood(const FrequencyTable& table, double n) const {
   CorrelationLikelihood sums;
   for (int a = 0; a < rows_; ++a) {
     for (int b = 0; b < columns_; ++b) {
       const double share = table.At(a, b) / n;
-      if (share == 0) continue;
+      if (share == 0) {
+        AddInformation(a, b, sums);
+        continue;
+      }
       const double p = Probability(a, b);
       if (!(p > std::numeric_limits<double>::min())) {
         sums.valid = false;
@@ -121,6 +132,7 @@ CorrelationLikelihood CCellModel::Likelihood(const FrequencyTable& table, double
       const double slope = Slope(a, b) / p;
       sums.value += share * std::log(p);
       sums.slope += share * slope;
+      sums.information += slope * slope * p;
       sums.curve += share * (Curve(a, b) / p - slope * slope);
     }
   }

@@ -43,6 +43,7 @@ class CCellModel {
   double At(const Grid& grid, int row, int column) const {
     return grid[static_cast<std::size_t>(row * columns_ + column)];
   }
+  void AddInformation(int row, int column, CorrelationLikelihood& sums) const;
   void SetCorners();
   void Difference(const Grid& corners, Grid& cells) const;
   double Integrate(int row, int column) const;

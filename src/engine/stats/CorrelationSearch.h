@@ -15,6 +15,7 @@ inline constexpr double kLargestCorrelation = 0.9999999;
 struct CorrelationLikelihood {
   bool valid = true;
   double value = 0, slope = 0, curve = 0;
+  double information = 0;  // expected under the model: minus the mean of the curve
 };
 
 struct CorrelationMaximum {

@@ -118,8 +118,10 @@ PolychoricResult EstimatePolychoric(const FrequencyTable& table,
   result.r = maximum.r;
   result.gradient = maximum.at.slope;
   result.logLikelihood = result.n * maximum.at.value;
-  if (result.status == EStatus::Ok)
+  if (result.status == EStatus::Ok) {
     result.standardError = 1 / std::sqrt(-maximum.at.curve * result.n);
+    result.expectedStandardError = 1 / std::sqrt(maximum.at.information * result.n);
+  }
   return result;
 }
 

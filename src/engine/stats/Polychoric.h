@@ -22,7 +22,10 @@ struct PolychoricResult {
   EStatus status = EStatus::ZeroWeights;
   double n = 0;
   double r = 0;
-  double standardError = 0;  // thresholds taken as known; observed information
+  // Both take the thresholds as known: from the observed information (second derivative at the
+  // data) and from its expectation under the model. They agree where the model holds.
+  double standardError = 0;
+  double expectedStandardError = 0;
   double logLikelihood = 0;  // sum of frequency times log probability
   double gradient = 0;       // of the mean log-likelihood, at r
   int iterations = 0;
