@@ -42,6 +42,20 @@ inline void MultiplyTile(const double* rows, const double* columns, std::int64_t
   }
 }
 
+// 0 for every finite number, NaN for the others.
+bool AllFinite(const double* cells, std::int64_t count) {
+  constexpr int kChains = 4;
+  double sum[kChains * kVectorLanes] = {};
+  std::int64_t at = 0;
+  for (; at + kChains * kVectorLanes <= count; at += kChains * kVectorLanes) {
+    for (int c = 0; c < kChains * kVectorLanes; ++c) sum[c] += cells[at + c] * 0;
+  }
+  double all = 0;
+  for (; at < count; ++at) all += cells[at] * 0;
+  for (const double part : sum) all += part;
+  return all == 0;
+}
+
 void Multiply(const double* rows, const double* columns, std::int64_t cases, double* result,
               std::int64_t stride) {
 #ifdef __AVX2__
@@ -115,6 +129,6 @@ void Powers(const double* panel, const double* weights, std::int64_t cases, cons
 }  // namespace
 
 extern const Kernels kKernels;
-const Kernels kKernels = {Multiply, Sum, Powers};
+const Kernels kKernels = {AllFinite, Multiply, Sum, Powers};
 
 }  // namespace stats::VEX_KERNEL_NAMESPACE

@@ -24,6 +24,8 @@ struct alignas(kAlignment) PanelPowers {
 };
 
 struct Kernels {
+  // Whether no cell is NaN or infinite; any alignment.
+  bool (*allFinite)(const double* cells, std::int64_t count);
   // result[r * stride + l] += sum over k of rows[k * kLanes + r] * columns[k * kLanes + l], for 4
   // rows and kLanes columns; `rows` points at lane 0 or 4 of a panel.
   void (*multiply)(const double* rows, const double* columns, std::int64_t cases, double* result,

@@ -1,5 +1,6 @@
 #include "engine/stats/Multivariate.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -15,27 +16,21 @@ namespace {
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-// All pairs a <= b of the variables, by b: eight of them make a panel of products, which needs
-// only the columns c >= b of its first pair for the third moments of a <= b <= c.
-struct PairOfVariables {
-  int a, b;
-};
-
-std::vector<PairOfVariables> AllPairs(int p) {
-  std::vector<PairOfVariables> pairs;
-  for (int b = 0; b < p; ++b) {
-    for (int a = 0; a <= b; ++a) pairs.push_back({a, b});
-  }
-  return pairs;
+// Third moments are sums of (z_a z_b) z_c with a <= b <= c. For each b they take the panels of a up
+// to that of b, as rows, by the panels of c from that of b on, as columns.
+std::int64_t RowPanelsBefore(int b) {
+  std::int64_t panels = 0;
+  for (int earlier = 0; earlier < b; ++earlier) panels += earlier / kLanes + 1;
+  return panels;
 }
 
 std::int64_t ThirdMoments(int p) {
-  return static_cast<std::int64_t>(PaddedLanes(p * (p + 1) / 2)) * PaddedLanes(p);
+  return RowPanelsBefore(p) * kLanes * PaddedLanes(p);
 }
 
 // What the second pass collects.
 struct Sums {
-  CAlignedBuffer third;   // sum of w z_a z_b z_c, rows: pairs, columns: c
+  CAlignedBuffer third;   // sum of w z_a z_b z_c, rows: b and panels of a, columns: c
   double distances4 = 0;  // sum of w |z|^4
   double n = 0;
   std::int64_t cases = 0;
@@ -44,22 +39,21 @@ struct Sums {
 // Whitens segments and adds them up; holds the buffers that this takes.
 class CGroup {
  public:
-  CGroup(const VectorXd& mean, const RowMatrix& whitening,
-         const std::vector<PairOfVariables>& pairs)
+  CGroup(const VectorXd& mean, const RowMatrix& whitening)
       : mean_(mean),
         whitening_(whitening),
-        pairs_(pairs),
         p_(static_cast<int>(mean.size())),
-        stride_(PaddedLanes(p_)),
-        columns_(stride_ * kSegmentCases),
-        products_(kLanes * kSegmentCases) {
+        panels_(PaddedLanes(p_) / kLanes),
+        centered_(kSegmentCases, panels_ * kLanes),
+        columns_(panels_ * kSegmentCases * kLanes),
+        products_(kSegmentCases * kLanes) {
     sums_.third = CAlignedBuffer(ThirdMoments(p_));
   }
 
-  void Add(CSegment& segment) {
+  void Add(const CSegment& segment) {
     Whiten(segment);
     AddDistances(segment);
-    for (std::size_t first = 0; first < pairs_.size(); first += kLanes) AddThird(segment, first);
+    for (int b = 0; b < p_; ++b) AddThird(segment, b);
     sums_.cases += segment.Cases();
   }
 
@@ -68,33 +62,33 @@ class CGroup {
  private:
   void Whiten(const CSegment& segment);
   void AddDistances(const CSegment& segment);
-  void AddThird(const CSegment& segment, std::size_t first);
-  void FillProducts(const CSegment& segment, std::size_t first);
-  double* Column(int j) {
-    return columns_.Data() + j / kLanes * kSegmentCases * kLanes + j % kLanes;
-  }
+  void AddThird(const CSegment& segment, int b);
+  double* Panel(int panel) { return columns_.Data() + panel * kSegmentCases * kLanes; }
 
   const VectorXd& mean_;
   const RowMatrix& whitening_;
-  const std::vector<PairOfVariables>& pairs_;
-  int p_, stride_;
-  RowMatrix centered_, white_;
-  CAlignedBuffer columns_;   // panels of whitened cases
-  CAlignedBuffer products_;  // one panel of pairs
+  int p_, panels_;
+  RowMatrix centered_, white_;  // padded to whole panels, as the whitening matrix
+  CAlignedBuffer columns_;      // panels of whitened cases
+  CAlignedBuffer products_;     // one panel times one variable
   Sums sums_;
 };
 
 void CGroup::Whiten(const CSegment& segment) {
-  const std::int64_t cases = segment.Cases();
-  centered_.resize(cases, p_);
-  for (int j = 0; j < p_; ++j) {
-    const double* from = segment.Panel(j / kLanes) + j % kLanes;
-    for (std::int64_t k = 0; k < cases; ++k) centered_(k, j) = from[k * kLanes] - mean_[j];
+  for (int panel = 0; panel < panels_; ++panel) {
+    double mean[kLanes] = {};
+    for (int l = 0; l < std::min(kLanes, p_ - panel * kLanes); ++l)
+      mean[l] = mean_[panel * kLanes + l];
+    const double* from = segment.Panel(panel);
+    for (std::int64_t k = 0; k < segment.Cases(); ++k) {
+      double* to = &centered_(k, panel * kLanes);
+      for (int l = 0; l < kLanes; ++l) to[l] = from[k * kLanes + l] - mean[l];
+    }
   }
-  white_.noalias() = centered_ * whitening_.transpose().triangularView<Eigen::Upper>();
-  for (int j = 0; j < p_; ++j) {
-    double* to = Column(j);
-    for (std::int64_t k = 0; k < cases; ++k) to[k * kLanes] = white_(k, j);
+  white_.noalias() = centered_.topRows(segment.Cases()) * whitening_.transpose();
+  for (int panel = 0; panel < panels_; ++panel) {
+    for (std::int64_t k = 0; k < segment.Cases(); ++k)
+      std::copy_n(&white_(k, panel * kLanes), kLanes, Panel(panel) + k * kLanes);
   }
 }
 
@@ -106,41 +100,39 @@ void CGroup::AddDistances(const CSegment& segment) {
   }
 }
 
-void CGroup::FillProducts(const CSegment& segment, std::size_t first) {
-  for (std::size_t l = 0; l < kLanes; ++l) {
-    double* to = products_.Data() + l;
-    if (first + l >= pairs_.size()) {
-      for (std::int64_t k = 0; k < segment.Cases(); ++k) to[k * kLanes] = 0;
-      continue;
+void CGroup::AddThird(const CSegment& segment, int b) {
+  const Kernels& kernels = ActiveKernels();
+  const int own = b / kLanes;
+  const std::int64_t stride = static_cast<std::int64_t>(panels_) * kLanes;
+  double* result = sums_.third.Data() + RowPanelsBefore(b) * kLanes * stride;
+  for (int rows = 0; rows <= own; ++rows) {
+    const double* a = Panel(rows);
+    const double* factor = Panel(own) + b % kLanes;
+    for (std::int64_t k = 0; k < segment.Cases(); ++k) {
+      const double scale = segment.Weights()[k] * factor[k * kLanes];
+      for (int l = 0; l < kLanes; ++l) products_.Data()[k * kLanes + l] = scale * a[k * kLanes + l];
     }
-    const double* a = Column(pairs_[first + l].a);
-    const double* b = Column(pairs_[first + l].b);
-    for (std::int64_t k = 0; k < segment.Cases(); ++k)
-      to[k * kLanes] = segment.Weights()[k] * a[k * kLanes] * b[k * kLanes];
-  }
-}
-
-void CGroup::AddThird(const CSegment& segment, std::size_t first) {
-  FillProducts(segment, first);
-  for (int column = pairs_[first].b / kLanes * kLanes; column < stride_; column += kLanes) {
-    double* to = sums_.third.Data() + static_cast<std::int64_t>(first) * stride_ + column;
-    for (int half = 0; half < kLanes; half += 4)
-      ActiveKernels().multiply(products_.Data() + half, Column(column), segment.Cases(),
-                               to + half * stride_, stride_);
+    for (int half = 0; half < kLanes && rows * kLanes + half <= b; half += 4) {
+      double* to = result + (rows * kLanes + half) * stride;
+      for (int columns = own; columns < panels_; ++columns)
+        kernels.multiply(products_.Data() + half, Panel(columns), segment.Cases(),
+                         to + columns * kLanes, stride);
+    }
   }
 }
 
 // The sum over all a, b, c of the squared third moments, from those with a <= b <= c.
-double SumOfSquares(const Sums& sums, const std::vector<PairOfVariables>& pairs, int p) {
+double SumOfSquares(const Sums& sums, int p) {
   double total = 0;
-  const int stride = PaddedLanes(p);
-  for (std::size_t row = 0; row < pairs.size(); ++row) {
-    for (int c = pairs[row].b; c < p; ++c) {
-      const bool same = pairs[row].a == pairs[row].b;
-      const bool last = pairs[row].b == c;
-      const double orders = same && last ? 1 : (same || last ? 3 : 6);
-      const double moment = sums.third.Data()[static_cast<std::int64_t>(row) * stride + c] / sums.n;
-      total += orders * moment * moment;
+  const std::int64_t stride = PaddedLanes(p);
+  for (int b = 0; b < p; ++b) {
+    const double* moments = sums.third.Data() + RowPanelsBefore(b) * kLanes * stride;
+    for (int a = 0; a <= b; ++a) {
+      for (int c = b; c < p; ++c) {
+        const double orders = a == b && b == c ? 1 : (a == b || b == c ? 3 : 6);
+        const double moment = moments[a * stride + c] / sums.n;
+        total += orders * moment * moment;
+      }
     }
   }
   return total;
@@ -158,8 +150,7 @@ struct CMardia::State {
   int threads;
   EStatus status = EStatus::Ok;
   VectorXd mean;
-  RowMatrix whitening;  // lower triangle; whitening * covariance * whitening' = identity
-  std::vector<PairOfVariables> pairs;
+  RowMatrix whitening;  // whitening * covariance * whitening' = identity; padded with zeros
   Sums sums;
 };
 
@@ -189,11 +180,11 @@ CMardia::CMardia(const CMoments& moments, int threads) : state_(std::make_unique
   if (state.status != EStatus::Ok) return;
   // whitening = inverse of the Cholesky factor of the correlations, times 1 / sd (divisor n).
   const Eigen::LLT<MatrixXd> factor(correlation.matrix);
-  state.whitening = factor.matrixL().solve(MatrixXd::Identity(p, p));
   const VectorXd sd = covariance.sd * std::sqrt((n - 1) / n);
-  state.whitening = state.whitening * sd.cwiseInverse().asDiagonal();
+  const MatrixXd inverse = factor.matrixL().solve(MatrixXd::Identity(p, p));
+  state.whitening.setZero(PaddedLanes(p), PaddedLanes(p));
+  state.whitening.topLeftCorner(p, p) = inverse * sd.cwiseInverse().asDiagonal();
   state.mean = covariance.mean;
-  state.pairs = AllPairs(p);
   state.sums.third = CAlignedBuffer(ThirdMoments(p));
 }
 CMardia::~CMardia() = default;
@@ -206,7 +197,7 @@ void CMardia::Add(const CaseBlock& block) {
   if (state.status != EStatus::Ok) return;
   SumInGroups<CGroup>(
       block, EDeletion::Listwise, state.threads,
-      [&] { return CGroup(state.mean, state.whitening, state.pairs); },
+      [&] { return CGroup(state.mean, state.whitening); },
       [](CGroup& group, CSegment& segment) { group.Add(segment); },
       [&](const CGroup& group) {
         state.sums.third.Add(group.Result().third);
@@ -226,7 +217,7 @@ MardiaResult CMardia::Result() const {
   const double n = sums.n, p = result.p;
   result.cases = sums.cases;
   result.n = n;
-  result.skewness = SumOfSquares(sums, state_->pairs, result.p);
+  result.skewness = SumOfSquares(sums, result.p);
   result.chiSquareSkewness = n * result.skewness / 6;
   result.dfSkewness = p * (p + 1) * (p + 2) / 6;
   result.pSkewness = ChiSquareUpper(result.chiSquareSkewness, result.dfSkewness);

@@ -28,11 +28,8 @@ bool CSegment::TakeWeight(double weight) {
   return true;
 }
 
-// Whether the case is taken. A sum of x * 0 is NaN exactly when a cell is NaN or infinite.
+// Whether the case is taken.
 bool CSegment::CheckCells(const double* cells, EDeletion deletion) {
-  double odd = 0;
-  for (int j = 0; j < variables_; ++j) odd += cells[j] * 0;
-  if (odd == 0) return true;
   bool missing = false;
   for (int j = 0; j < variables_; ++j) {
     if (std::isnan(cells[j])) missing = true;
@@ -51,10 +48,13 @@ void CSegment::Pack(const CaseBlock& block, std::int64_t first, std::int64_t end
   cases_ = withoutWeight_ = incomplete_ = 0;
   hasMissing_ = weighted_ = false;
   finite_ = true;
+  const bool plain =
+      block.stride == variables_ &&
+      ActiveKernels().allFinite(block.cells + first * block.stride, (end - first) * variables_);
   for (std::int64_t at = first; at < end; ++at) {
     const double* cells = block.cells + at * block.stride;
     if (!TakeWeight(block.weights ? block.weights[at] : 1.0)) continue;
-    if (!CheckCells(cells, deletion)) continue;
+    if (!plain && !CheckCells(cells, deletion)) continue;
     for (int panel = 0; panel < panels_; ++panel) {
       double* to = Panel(panel) + cases_ * kLanes;
       const int lanes = std::min(kLanes, variables_ - panel * kLanes);
