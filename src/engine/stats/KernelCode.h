@@ -30,7 +30,10 @@ inline Vector* At(double* to) {
 template <int kVectors>
 inline void MultiplyTile(const double* rows, const double* columns, std::int64_t cases,
                          double* result, std::int64_t stride) {
-  Vector sum[4][kVectors] = {};
+  Vector sum[4][kVectors];  // set by a loop: an initialiser would go through memory
+  for (auto& row : sum) {
+    for (Vector& part : row) part = Vector{};
+  }
   for (std::int64_t k = 0; k < cases; ++k, rows += kLanes, columns += kLanes) {
     for (int v = 0; v < kVectors; ++v) {
       const Vector b = *At(columns + v * kVectorLanes);
