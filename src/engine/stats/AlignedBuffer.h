@@ -43,7 +43,7 @@ class CAlignedBuffer {
 
 // `count` rounded up to whole panels.
 inline int PaddedLanes(int count) {
-  return (count + kLanes - 1) / kLanes * kLanes;
+  return static_cast<int>((count + kLanes - 1) / kLanes * kLanes);
 }
 
 }  // namespace stats

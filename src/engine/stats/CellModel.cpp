@@ -45,9 +45,9 @@ CCellModel::CCellModel(const std::vector<double>& rowThresholds,
       rowShare_(Shares(rowEdges_)),
       columnShare_(Shares(columnEdges_)) {
   // The corners at infinity have no excess and no density: they stay 0.
-  const auto corners = static_cast<std::size_t>((rows_ + 1) * (columns_ + 1));
+  const auto corners = CellIndex(rows_ + 1, columns_ + 1, 0);
   for (Grid* grid : {&cornerExcess_, &cornerSlope_, &cornerCurve_}) grid->assign(corners, 0.0);
-  const auto cells = static_cast<std::size_t>(rows_ * columns_);
+  const auto cells = CellIndex(rows_, columns_, 0);
   for (Grid* grid : {&excess_, &slope_, &curve_}) grid->assign(cells, 0.0);
 }
 
@@ -56,7 +56,7 @@ void CCellModel::SetCorners() {
     for (int b = 1; b < columns_; ++b) {
       const double x = rowEdges_[static_cast<std::size_t>(a)];
       const double y = columnEdges_[static_cast<std::size_t>(b)];
-      const auto at = static_cast<std::size_t>(a * (columns_ + 1) + b);
+      const auto at = CellIndex(a, columns_ + 1, b);
       const DensityAndSlope density = BivariateNormalDensitySlope(x, y, r_);
       cornerExcess_[at] = quadrature_.Excess(x, y);
       cornerSlope_[at] = density.density;
@@ -68,11 +68,10 @@ void CCellModel::SetCorners() {
 void CCellModel::Difference(const Grid& corners, Grid& cells) const {
   const int width = columns_ + 1;
   for (int a = 0; a < rows_; ++a) {
-    const double* low = corners.data() + a * width;
+    const double* low = corners.data() + CellIndex(a, width, 0);
     const double* high = low + width;
     for (int b = 0; b < columns_; ++b)
-      cells[static_cast<std::size_t>(a * columns_ + b)] =
-          (high[b + 1] - high[b]) - (low[b + 1] - low[b]);
+      cells[CellIndex(a, columns_, b)] = (high[b + 1] - high[b]) - (low[b + 1] - low[b]);
   }
 }
 

@@ -41,7 +41,7 @@ class CCellModel {
  private:
   using Grid = std::vector<double>;  // (rows_ + 1) by (columns_ + 1) corners, or rows_ by columns_
   double At(const Grid& grid, int row, int column) const {
-    return grid[static_cast<std::size_t>(row * columns_ + column)];
+    return grid[CellIndex(row, columns_, column)];
   }
   void AddInformation(int row, int column, CorrelationLikelihood& sums) const;
   void SetCorners();

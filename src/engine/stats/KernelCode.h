@@ -14,7 +14,7 @@ namespace {
 // The compiler splits a vector that the processor has not.
 typedef double Vector __attribute__((vector_size(32), may_alias));
 typedef long long Mask __attribute__((vector_size(32)));
-constexpr int kVectorLanes = 4;
+constexpr std::int64_t kVectorLanes = 4;
 
 inline const Vector* At(const double* from) {
   return reinterpret_cast<const Vector*>(from);

@@ -7,7 +7,7 @@ namespace stats {
 
 // Data for the kernels lies in panels: kLanes variables side by side, case after case, the cell of
 // case k and lane l at panel[k * kLanes + l]. Panels and results are aligned to kAlignment bytes.
-inline constexpr int kLanes = 8;
+inline constexpr std::int64_t kLanes = 8;
 inline constexpr int kAlignment = 64;
 
 // By lane, over the cells that are not NaN: their number, sum of weights, weighted sum of x -

@@ -10,8 +10,8 @@ namespace stats {
 
 namespace {
 
-std::size_t Area(int a, int b) {
-  return static_cast<std::size_t>(a) * static_cast<std::size_t>(b);
+std::size_t Area(int rows, int columns) {
+  return CellIndex(rows, columns, 0);
 }
 
 // Counts rows and columns with a place for missing codes behind the categories; consecutive cases
@@ -37,15 +37,16 @@ class CCounter {
   void AddTo(double* table) const {
     for (int a = 0; a < rows_; ++a) {
       for (int b = 0; b < columns_; ++b) {
-        const std::size_t at = Area(a, columns_ + 1) + static_cast<std::size_t>(b);
-        table[a * columns_ + b] +=
+        const std::size_t at = CellIndex(a, columns_ + 1, b);
+        table[CellIndex(a, columns_, b)] +=
             tables_[0][at] + tables_[1][at] + tables_[2][at] + tables_[3][at];
       }
     }
   }
 
  private:
-  static constexpr std::size_t kLargest = (kMaxCategories + 1) * (kMaxCategories + 1);
+  static constexpr std::size_t kPlaces = kMaxCategories + 1;
+  static constexpr std::size_t kLargest = kPlaces * kPlaces;
   int rows_, columns_;
   std::array<std::array<std::uint32_t, kLargest>, 4> tables_;
 };
@@ -118,8 +119,7 @@ FrequencyTable CPairTables::Table(int i, int j) const {
   if (i > j) return table;
   for (int a = 0; a < table.rows; ++a) {
     for (int b = 0; b < table.columns; ++b)
-      table.count[static_cast<std::size_t>(a * table.columns + b)] =
-          from[static_cast<std::size_t>(b * table.rows + a)];
+      table.count[CellIndex(a, table.columns, b)] = from[CellIndex(b, table.rows, a)];
   }
   return table;
 }

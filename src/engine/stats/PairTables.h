@@ -9,15 +9,18 @@
 
 namespace stats {
 
-// A two-way table of frequencies (sums of weights), row after row.
+// Two-way tables lie row after row.
+inline std::size_t CellIndex(int row, int columns, int column) {
+  return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) +
+         static_cast<std::size_t>(column);
+}
+
+// Frequencies (sums of weights).
 struct FrequencyTable {
   int rows = 0, columns = 0;
   std::vector<double> count;
 
-  double At(int row, int column) const {
-    return count[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) +
-                 static_cast<std::size_t>(column)];
-  }
+  double At(int row, int column) const { return count[CellIndex(row, columns, column)]; }
 };
 
 // The index of the pair (i, j), j < i, among the elements below the diagonal, by rows.

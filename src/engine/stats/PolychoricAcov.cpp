@@ -124,6 +124,7 @@ struct PairLookup {
 
 std::vector<int> CategoriesOf(const CPairTables& tables) {
   std::vector<int> categories;
+  categories.reserve(static_cast<std::size_t>(tables.Variables()));
   for (int j = 0; j < tables.Variables(); ++j) categories.push_back(tables.Categories(j));
   return categories;
 }

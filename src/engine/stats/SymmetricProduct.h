@@ -13,7 +13,7 @@ namespace stats {
 
 class CSymmetricProduct {
  public:
-  static constexpr std::int64_t kChunkCases = 512;
+  static constexpr std::int64_t kChunkCases = 1024;
 
   CSymmetricProduct(int size, int threads);
 
