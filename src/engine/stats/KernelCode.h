@@ -1,6 +1,8 @@
 // The source of the kernels, included by KernelsGeneric.cpp and KernelsAvx2.cpp, each with a
 // namespace and compiler flags of its own. It uses no library: an inline function of a library that
 // is compiled with the wide instructions could be the one that the linker keeps for everybody.
+#pragma once
+
 #ifndef VEX_KERNEL_NAMESPACE
 #error "included by the kernels' sources only"
 #endif
