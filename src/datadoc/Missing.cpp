@@ -1,5 +1,7 @@
 #include "datadoc/Missing.h"
 
+#include <algorithm>
+
 namespace {
 
 bool IsSet(double definition) {
@@ -36,4 +38,24 @@ bool IsMissingValue(const TORVIKSTRUCT& data, double value, std::size_t variable
   if (Matches(data.missing[kGlobalValue], value)) return true;
   if (MatchesSingleValue(own, value)) return true;
   return HasRange(own) && LiesInRange(own, value);
+}
+
+CMissingTest::CMissingTest(const TORVIKSTRUCT& data, std::size_t variable) {
+  const MissingDefinition& own = data.variable[variable].missing;
+  for (std::size_t i = 0; i < kMissingValues; ++i) {
+    Add(data.missing[i]);
+    Add(own[i]);
+  }
+  Add(data.missing[kGlobalValue]);
+  if (HasRange(data.missing) || HasRange(own)) {
+    low_ = own[kRangeLow];
+    high_ = own[kRangeHigh];
+  }
+}
+
+void CMissingTest::Add(double definition) {
+  double* const end = values_.data() + valueCount_;
+  if (IsSet(definition) && std::find(values_.data(), end, definition) == end) {
+    values_[valueCount_++] = definition;
+  }
 }

@@ -1,7 +1,9 @@
 // Which cell values are missing: the one place where that is decided.
 #pragma once
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 #include "datadoc/DataSet.h"
 
@@ -19,3 +21,26 @@ bool IsMissingValue(const TORVIKSTRUCT& data, double value, std::size_t variable
 inline bool IsMissingCell(const TORVIKSTRUCT& data, double value, std::size_t variable) {
   return value == kNotSet || std::isnan(value) || IsMissingValue(data, value, variable);
 }
+
+// The same as IsMissingCell for one variable, prepared for many cells: the definition is looked
+// through once, and what is left are a few comparisons. `variable` counts from 0.
+class CMissingTest {
+ public:
+  CMissingTest() = default;
+  CMissingTest(const TORVIKSTRUCT& data, std::size_t variable);
+
+  bool operator()(double value) const {
+    bool missing = std::isnan(value) || (low_ <= value && value <= high_);
+    for (std::size_t i = 0; i < valueCount_; ++i) missing |= value == values_[i];
+    return missing;
+  }
+
+ private:
+  void Add(double definition);
+
+  // The not-set value, four global ones and three of the variable.
+  std::array<double, 8> values_ = {kNotSet};
+  std::size_t valueCount_ = 1;
+  double low_ = 1;  // an empty range
+  double high_ = 0;
+};

@@ -1,0 +1,54 @@
+// What a syntax file asks for.
+#pragma once
+
+#include <cstdint>
+#include <variant>
+#include <vector>
+
+#include "datadoc/CaseSelection.h"
+#include "datadoc/DataSet.h"
+#include "engine/syntax/Expression.h"
+#include "engine/syntax/OutputLine.h"
+#include "engine/syntax/Procedures.h"
+#include "engine/syntax/Recode.h"
+#include "engine/syntax/SyntaxLine.h"
+
+// A covariate. The other variable types are those of the data set.
+inline constexpr std::int32_t kFixed = 5;
+
+// What stands before the commands.
+struct JOBHEADER {
+  std::int64_t repetitions = 1;
+  bool rewind = false;  // each repetition starts again from the data of the file
+  CString dataFile;
+  SyntaxLine line;  // where the data file is named
+};
+
+// "NE name = expression"
+struct COMPUTE {
+  SyntaxLine line;
+  std::int32_t target = 0;
+  CExpression expression;
+};
+
+using TRANSFORMATION = std::variant<COMPUTE, RECODE>;
+
+struct JOB {
+  JOBHEADER header;
+  // The data file's description. Variables that NE lines make stand behind its own; the types are
+  // those of this run.
+  TORVIKSTRUCT data;
+  std::int32_t fileVariables = 0;      // variables of the file
+  std::vector<bool> typeSet;           // by variable: its type was given in the syntax
+  std::vector<std::int32_t> selected;  // "SE", counted from 0, in that order; empty: all
+  SyntaxLine selectedLine;             // the first of them
+  CCaseSelection selection;
+  std::vector<SyntaxLine> selectionLines;
+  std::vector<TRANSFORMATION> transformations;  // in the order of their lines
+  std::vector<PROCEDURE> procedures;            // none: screening
+  OUTPUTLINE output;
+
+  std::int64_t Repetitions() const {
+    return output.repetitions > 0 ? output.repetitions : header.repetitions;
+  }
+};

@@ -1,0 +1,236 @@
+#include <algorithm>
+#include <limits>
+
+#include "engine/syntax/Commands.h"
+#include "host/Text.h"
+
+namespace {
+
+constexpr std::int64_t kMostFactors = 32767;
+
+template <typename Procedure>
+void Add(COMMANDCONTEXT& context, Procedure procedure) {
+  if (context.words.Ok()) context.job.procedures.push_back({context.line, std::move(procedure)});
+}
+
+void ReadFA(COMMANDCONTEXT& context) {
+  CWords& words = context.words;
+  FACTORANALYSIS fa;
+  while (!words.AtEnd()) {
+    if (!(words.TakeWhole("NF=", 1, kMostFactors, fa.factors) || words.TakeFlag("MR", fa.minres) ||
+          words.TakeFlag("FS", fa.scores))) {
+      words.Expected("NF=k, MR or FS");
+    }
+  }
+  Add(context, fa);
+}
+
+void ReadOFA(COMMANDCONTEXT& context) {
+  CWords& words = context.words;
+  ORDINALFACTORANALYSIS ofa;
+  bool response = false;
+  while (!words.AtEnd()) {
+    const bool odds = words.TakeFlag("POM", ofa.proportionalOdds);
+    if (odds || words.TakeKeyword("NOR")) {
+      if (response) words.Fail("NOR and POM are given together, or one of them twice");
+      response = true;
+    } else if (!words.TakeWhole("NF=", 1, kMostFactors, ofa.factors)) {
+      words.Expected("NOR, POM or NF=k");
+    }
+  }
+  if (!response) words.Expected("NOR or POM");
+  Add(context, ofa);
+}
+
+void ReadPC(COMMANDCONTEXT& context) {
+  CWords& words = context.words;
+  PRINCIPALCOMPONENTS pc;
+  while (!words.AtEnd()) {
+    if (!(words.TakeWhole("NC=", 1, kMostFactors, pc.components) ||
+          words.TakeFlag("KM", pc.ofCorrelations) || words.TakeFlag("PS", pc.scores))) {
+      words.Expected("NC=k, KM or PS");
+    }
+  }
+  Add(context, pc);
+}
+
+void ReadHT(COMMANDCONTEXT& context) {
+  CWords& words = context.words;
+  HOMOGENEITY ht;
+  ht.first = words.TakeVariable("the first of two variables");
+  ht.second = words.TakeVariable("the second of two variables");
+  words.TakeEnd("the end of the line behind two variables");
+  if (words.Ok() && ht.first == ht.second) words.Fail("the two variables are the same");
+  Add(context, ht);
+}
+
+void ReadET(COMMANDCONTEXT& context) {
+  Add(context, EQUALTHRESHOLDS{context.words.TakeVariables("variables", {}, 2)});
+}
+
+void ReadFT(COMMANDCONTEXT& context) {
+  const FIXTHRESHOLDS ft{context.words.TakeVariable("a variable")};
+  context.words.TakeEnd("the end of the line behind one variable");
+  Add(context, ft);
+}
+
+void ReadMT(COMMANDCONTEXT& context) {
+  Add(context, MARGINALTHRESHOLDS{context.words.TakeVariables("variables")});
+}
+
+void ReadNS(COMMANDCONTEXT& context) {
+  Add(context, NORMALSCORES{context.words.TakeVariables("variables")});
+}
+
+VARIABLELIST TakeBracketed(CWords& words, std::string_view what) {
+  if (!words.TakeKeyword("(")) words.Expected("( before the " + CString(what));
+  VARIABLELIST list = words.TakeVariables(what, {")"});
+  if (!words.TakeKeyword(")")) words.Expected(") behind the " + CString(what));
+  return list;
+}
+
+void ReadIMPUTE(COMMANDCONTEXT& context) {
+  CWords& words = context.words;
+  IMPUTATION imputation;
+  imputation.imputed = TakeBracketed(words, "variables to impute");
+  imputation.matching = TakeBracketed(words, "matching variables");
+  constexpr double kMostRatio = std::numeric_limits<double>::max();
+  while (!words.AtEnd()) {
+    if (words.TakeReal("VR=", 0, kMostRatio, imputation.varianceRatio)) continue;
+    if (words.TakeKeyword("XL")) {
+      imputation.listing = IMPUTATION::Listing::None;
+    } else if (words.TakeKeyword("XN")) {
+      imputation.listing = IMPUTATION::Listing::Successful;
+    } else {
+      words.Expected("VR=v, XL or XN");
+    }
+  }
+  Add(context, imputation);
+}
+
+void ReadMultipleImputation(COMMANDCONTEXT& context, bool mcmc) {
+  constexpr std::int64_t kMostIterations = 10000;
+  constexpr std::int64_t kMostDataSets = 1000;
+  constexpr double kSmallestCriterion = 0.0000001;
+  constexpr double kLargestCriterion = 0.01;
+  CWords& words = context.words;
+  MULTIPLEIMPUTATION imputation;
+  imputation.mcmc = mcmc;
+  imputation.variables = words.TakeVariables("variables", {"IT=", "CC=", "TC=", "RP="});
+  std::int64_t allMissing = 0;
+  while (!words.AtEnd()) {
+    if (words.TakeWhole("IT=", 1, kMostIterations, imputation.iterations) ||
+        words.TakeReal("CC=", kSmallestCriterion, kLargestCriterion, imputation.convergence) ||
+        words.TakeWhole("TC=", 0, 2, allMissing) ||
+        (mcmc && words.TakeWhole("RP=", 1, kMostDataSets, imputation.dataSets))) {
+      continue;
+    }
+    words.Expected(mcmc ? "IT=n, CC=c, TC=t or RP=m" : "IT=n, CC=c or TC=t");
+  }
+  imputation.allMissing = static_cast<MULTIPLEIMPUTATION::AllMissing>(allMissing);
+  Add(context, imputation);
+}
+
+void ReadEM(COMMANDCONTEXT& context) {
+  ReadMultipleImputation(context, false);
+}
+
+void ReadMC(COMMANDCONTEXT& context) {
+  ReadMultipleImputation(context, true);
+}
+
+void RefuseSharedVariables(CWords& words, const VARIABLELIST& y, const VARIABLELIST& x) {
+  for (const std::int32_t variable : y) {
+    if (std::find(x.begin(), x.end(), variable) == x.end()) continue;
+    words.Fail("variable " + std::to_string(variable + 1) + " stands on both sides of ON");
+  }
+}
+
+void ReadRegression(COMMANDCONTEXT& context, REGRESSION::Method method, bool mayBeAlternative) {
+  CWords& words = context.words;
+  const bool twoStage = method == REGRESSION::Method::TwoStage;
+  REGRESSION regression;
+  regression.method = method;
+  regression.y = words.TakeVariables("y variables before ON", {"ON", "WITH"});
+  if (!words.TakeKeyword("ON")) words.Expected("ON behind the y variables");
+  regression.x = twoStage           ? words.TakeVariables("x variables", {"WITH"})
+                 : mayBeAlternative ? words.TakeVariables("x variables", {"AP"})
+                                    : words.TakeVariables("x variables");
+  if (twoStage) {
+    if (!words.TakeKeyword("WITH")) words.Expected("WITH behind the x variables");
+    regression.instruments = words.TakeVariables("instrumental variables");
+  } else {
+    RefuseSharedVariables(words, regression.y, regression.x);
+  }
+  if (mayBeAlternative) words.TakeFlag("AP", regression.alternativeParameters);
+  words.TakeEnd("the end of the line");
+  Add(context, regression);
+}
+
+void ReadRG(COMMANDCONTEXT& context) {
+  ReadRegression(context, REGRESSION::Method::LeastSquares, false);
+}
+void ReadTS(COMMANDCONTEXT& context) {
+  ReadRegression(context, REGRESSION::Method::TwoStage, false);
+}
+void ReadPR(COMMANDCONTEXT& context) {
+  ReadRegression(context, REGRESSION::Method::Probit, true);
+}
+void ReadLO(COMMANDCONTEXT& context) {
+  ReadRegression(context, REGRESSION::Method::Logistic, true);
+}
+void ReadCR(COMMANDCONTEXT& context) {
+  ReadRegression(context, REGRESSION::Method::Censored, false);
+}
+
+constexpr COMMAND kProcedures[] = {
+    {"FA", ReadFA, {}}, {"OFA", ReadOFA, {}}, {"PC", ReadPC, {}}, {"HT", ReadHT, {}},
+    {"ET", ReadET, {}}, {"FT", ReadFT, {}},   {"MT", ReadMT, {}}, {"NS", ReadNS, {}},
+    {"EM", ReadEM, {}}, {"MC", ReadMC, {}},   {"RG", ReadRG, {}}, {"TS", ReadTS, {}},
+    {"PR", ReadPR, {}}, {"LO", ReadLO, {}},   {"CR", ReadCR, {}}, {"IMPUTE", ReadIMPUTE, "()"}};
+
+struct NameOf {
+  const char* operator()(const FACTORANALYSIS&) const { return "Exploratory factor analysis (FA)"; }
+  const char* operator()(const ORDINALFACTORANALYSIS&) const {
+    return "Factor analysis of ordinal variables (OFA)";
+  }
+  const char* operator()(const PRINCIPALCOMPONENTS&) const {
+    return "Principal component analysis (PC)";
+  }
+  const char* operator()(const HOMOGENEITY&) const { return "Homogeneity test (HT)"; }
+  const char* operator()(const EQUALTHRESHOLDS&) const { return "Equal thresholds test (ET)"; }
+  const char* operator()(const FIXTHRESHOLDS&) const { return "Fixing of thresholds (FT)"; }
+  const char* operator()(const MARGINALTHRESHOLDS&) const { return "Marginal thresholds (MT)"; }
+  const char* operator()(const NORMALSCORES&) const { return "Normal scores (NS)"; }
+  const char* operator()(const IMPUTATION&) const { return "Imputation by matching (IMPUTE)"; }
+  const char* operator()(const MULTIPLEIMPUTATION& procedure) const {
+    return procedure.mcmc ? "Multiple imputation by MCMC (MC)" : "Multiple imputation by EM (EM)";
+  }
+  const char* operator()(const REGRESSION& procedure) const {
+    switch (procedure.method) {
+      case REGRESSION::Method::TwoStage:
+        return "Two-stage least squares (TS)";
+      case REGRESSION::Method::Probit:
+        return "Probit regression (PR)";
+      case REGRESSION::Method::Logistic:
+        return "Logistic regression (LO)";
+      case REGRESSION::Method::Censored:
+        return "Censored regression (CR)";
+      default:
+        return "Regression (RG)";
+    }
+  }
+};
+
+}  // namespace
+
+const COMMAND* FindProcedureCommand(std::string_view word) {
+  const auto* const found = std::find_if(
+      std::begin(kProcedures), std::end(kProcedures),
+      [word](const COMMAND& command) { return EqualIgnoringCase(word, command.word); });
+  return found == std::end(kProcedures) ? nullptr : found;
+}
+
+CString ProcedureName(const PROCEDURE& procedure) {
+  return std::visit(NameOf(), procedure.what);
+}
