@@ -60,6 +60,12 @@ void Join(double* left, const double* right, std::size_t cases, Function functio
 
 }  // namespace
 
+bool CExpression::IsRandom() const {
+  return std::any_of(steps_.begin(), steps_.end(), [](const Step& step) {
+    return step.operation == Operation::Normal || step.operation == Operation::Uniform;
+  });
+}
+
 void CExpression::EvaluateChunk(const EVALUATIONBLOCK& block, const RANDOMSTREAM& stream,
                                 double* stack) const {
   double* top = stack;  // behind the last column

@@ -38,6 +38,9 @@ class CExpression {
   // The variables that it uses, counted from 0, each once.
   const std::vector<std::int32_t>& Variables() const { return variables_; }
 
+  // Does it draw random numbers?
+  bool IsRandom() const;
+
   // Writes one value a case to `out`: NaN where a variable is missing or where the result is no
   // finite number. Returns how many of the second kind there are. May be called from several
   // threads.

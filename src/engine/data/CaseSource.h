@@ -1,0 +1,101 @@
+// The cases of a run on their way from the file to the procedures: selected, transformed, with
+// missing cells as NaN, and weighted.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "engine/data/DataFile.h"
+#include "engine/stats/Blocks.h"
+#include "engine/syntax/Job.h"
+
+// One of the variables that are asked for.
+struct CASECOLUMN {
+  std::int32_t variable = 0;  // of the job's data, counted from 0
+  // When not empty: the values that the variable may have, ascending. Any other one counts as
+  // missing.
+  std::vector<double> values;
+};
+
+// What became of the cases and cells in one pass. Cases that a rule leaves out are not asked for
+// the next one.
+struct CASECOUNTS {
+  std::int64_t read = 0;
+  std::int64_t notSelected = 0;
+  std::int64_t withoutWeight = 0;  // missing, negative, zero or infinite
+  std::int64_t incomplete = 0;     // left out because listwise deletion was asked for
+  std::int64_t used = 0;
+  std::int64_t infinite = 0;  // cells that hold no finite number, and so count as missing
+  std::vector<std::int64_t> otherValues;  // by column: cells with a value not among `values`
+  std::vector<std::int64_t> undefined;    // by transformation: results that are no finite number
+
+  void Add(const CASECOUNTS& other);
+};
+
+// Cells: case after case, in the order of the columns. Codes: for the columns with `values`, in
+// their order, the value's index. Nothing of it outlives the call.
+struct CASEBLOCK {
+  stats::CaseBlock cells;
+  stats::CodeBlock codes;
+  const std::int64_t* numbers = nullptr;  // the cases' numbers in the file, counted from 1
+};
+
+class CCaseSource {
+ public:
+  // File and job must outlive the source. `repetition` counts from 0. Threads: 0 for all
+  // processors.
+  CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t seed, std::int64_t repetition,
+              int threads);
+
+  // What the blocks hold from now on.
+  void SetColumns(std::vector<CASECOLUMN> columns) { columns_ = std::move(columns); }
+  // Leave out the cases that have a missing value in any of the columns?
+  void SetListwise(bool listwise) { listwise_ = listwise; }
+
+  // Every case counts 1 from now on, and none is left out for its weight.
+  void IgnoreWeights() { weightVariable_ = -1; }
+
+  bool HasWeights() const { return weightVariable_ >= 0; }
+  // The number of the weight variable, counted from 0; -1 for none.
+  std::int32_t WeightVariable() const { return weightVariable_; }
+
+  // Told the share of the cases that is done, 0 to 1; returns false to stop.
+  using Progress = std::function<bool(double)>;
+
+  // Gives all cases to `work`, block after block in the order of the file and on the calling
+  // thread. The blocks are the same for any number of threads. Returns false with the reason in
+  // `fault`, also when `progress` asked to stop (the fault has then no cause). May be called again
+  // and again.
+  bool ForEachBlock(const std::function<void(const CASEBLOCK&)>& work, const Progress& progress,
+                    FAULT& fault);
+
+  // Of the last pass.
+  const CASECOUNTS& Counts() const { return counts_; }
+
+ private:
+  struct Part;
+
+  void DecodePart(Part& part) const;
+  void Transform(Part& part) const;
+  void TransformOnce(Part& part, std::uint64_t repetition) const;
+  void PutRow(Part& part, const double* row, std::int64_t number) const;
+  void Gather(std::vector<Part>& parts);
+
+  const CDataFile& file_;
+  const JOB& job_;
+  std::uint64_t seed_;
+  std::int64_t repetition_;
+  int threads_;
+  std::int32_t weightVariable_ = -1;
+  std::size_t width_ = 0;              // cells of a case with the variables that the job makes
+  std::vector<CMissingTest> missing_;  // by variable
+  std::vector<CASECOLUMN> columns_;
+  bool listwise_ = false;
+  CASECOUNTS counts_;
+  // The block that is handed out.
+  std::vector<double> cells_;
+  std::vector<std::uint8_t> codes_;
+  std::vector<double> weights_;
+  std::vector<std::int64_t> numbers_;
+};

@@ -1,0 +1,101 @@
+#include "engine/run/OutputFiles.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "engine/run/FileIdentity.h"
+#include "vexutils/BlockIo.h"
+
+void COutputFile::Write(const void* data, std::size_t size) {
+  buffer_.append(static_cast<const char*>(data), size);
+  if (buffer_.size() >= kBlockBytes) Flush();
+}
+
+void COutputFile::WriteAtStart(const void* data, std::size_t size) {
+  Flush();
+  if (error_ == 0 && !WriteAt(file_.Descriptor(), 0, data, size)) error_ = errno;
+}
+
+void COutputFile::Flush() {
+  if (error_ == 0 && !WriteAt(file_.Descriptor(), offset_, buffer_.data(), buffer_.size())) {
+    error_ = errno;
+  }
+  offset_ += static_cast<std::int64_t>(buffer_.size());
+  buffer_.clear();
+}
+
+void COutputFiles::AddInput(std::string_view what, const std::string& name) {
+  inputs_.push_back({std::string(what), name});
+}
+
+void COutputFiles::AddOutput(std::string_view keyword, const std::string& name) {
+  if (!name.empty()) outputs_.emplace_back(std::string(keyword), name);
+}
+
+bool COutputFiles::Create(FAULT& fault) {
+  struct Named {
+    std::string what;
+    FILEIDENTITY identity;
+  };
+  std::vector<Named> taken;
+  for (const Input& input : inputs_) {
+    taken.push_back({input.what + " (" + input.name + ")", IdentityOf(input.name)});
+  }
+  for (const COutputFile& output : outputs_) {
+    const FILEIDENTITY identity = IdentityOf(output.Name());
+    for (const Named& other : taken) {
+      if (!identity.SameAs(other.identity)) continue;
+      fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
+                    ") is the same as " + other.what;
+      fault.remedy = "Give every output a name of its own. Nothing was written.";
+      return false;
+    }
+    taken.push_back({"the file of " + output.Keyword() + "= (" + output.Name() + ")", identity});
+  }
+  for (COutputFile& output : outputs_) {
+    if (output.file_.Create(output.Name())) continue;
+    fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
+                  ") cannot be written: " + output.file_.ErrorText();
+    fault.remedy = "Check the name, its folder and that the file may be written.";
+    Discard();
+    return false;
+  }
+  return true;
+}
+
+COutputFile* COutputFiles::Find(std::string_view keyword) {
+  for (COutputFile& output : outputs_) {
+    if (output.Keyword() == keyword) return &output;
+  }
+  return nullptr;
+}
+
+bool COutputFiles::Commit(FAULT& fault) {
+  std::string inPlace;
+  for (COutputFile& output : outputs_) output.Flush();
+  for (const COutputFile& output : outputs_) {
+    if (output.error_ == 0) continue;
+    fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
+                  ") cannot be written: " + std::strerror(output.error_);
+    fault.remedy = "Make room on the disk. No output file was changed.";
+    Discard();
+    return false;
+  }
+  for (COutputFile& output : outputs_) {
+    if (output.file_.Commit()) {
+      inPlace += (inPlace.empty() ? "" : ", ") + output.Name();
+      continue;
+    }
+    fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
+                  ") cannot be put in place: " + output.file_.ErrorText();
+    fault.remedy = inPlace.empty() ? "No output file was changed."
+                                   : "These files are in place already: " + inPlace + ".";
+    Discard();
+    return false;
+  }
+  return true;
+}
+
+void COutputFiles::Discard() {
+  for (COutputFile& output : outputs_) output.file_.Discard();
+}

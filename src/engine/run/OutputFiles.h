@@ -1,0 +1,66 @@
+// The files that a run leaves beside its output: checked before anything is written, put in place
+// at the end or not at all.
+#pragma once
+
+#include <list>
+#include <string_view>
+#include <vector>
+
+#include "engine/Fault.h"
+#include "vexutils/SideFile.h"
+
+// One output file, written from its start to its end.
+class COutputFile {
+ public:
+  COutputFile(std::string keyword, std::string name)
+      : keyword_(std::move(keyword)), name_(std::move(name)) {}
+
+  const std::string& Keyword() const { return keyword_; }  // of the output line: "SM"
+  const std::string& Name() const { return name_; }
+
+  // Appends. After a failure nothing more is written; the end of the run reports it.
+  void Write(const void* data, std::size_t size);
+  void Write(std::string_view text) { Write(text.data(), text.size()); }
+  // Replaces bytes that were written before.
+  void WriteAtStart(const void* data, std::size_t size);
+
+ private:
+  friend class COutputFiles;
+  void Flush();
+
+  std::string keyword_;
+  std::string name_;
+  CSideFile file_;
+  std::string buffer_;
+  std::int64_t offset_ = 0;
+  int error_ = 0;
+};
+
+class COutputFiles {
+ public:
+  // A file that is read: no output may be the same.
+  void AddInput(std::string_view what, const std::string& name);
+  // A file to write; nothing for an empty name.
+  void AddOutput(std::string_view keyword, const std::string& name);
+
+  // Checks all names against each other and creates the side files. Nothing is written when it
+  // fails; the fault names the two that collide, or the file that cannot be created.
+  bool Create(FAULT& fault);
+
+  // The file of this keyword, or null when it was not asked for. Owned by this object.
+  COutputFile* Find(std::string_view keyword);
+
+  // Puts all files in place. After a failure the fault names the file, and says which ones are in
+  // place already.
+  bool Commit(FAULT& fault);
+  // Removes what was written.
+  void Discard();
+
+ private:
+  struct Input {
+    std::string what;
+    std::string name;
+  };
+  std::vector<Input> inputs_;
+  std::list<COutputFile> outputs_;
+};

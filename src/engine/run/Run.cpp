@@ -1,0 +1,238 @@
+#include "engine/run/Run.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <new>
+#include <random>
+
+#include "engine/data/DataFile.h"
+#include "engine/run/EngineRun.h"
+#include "engine/run/FileIdentity.h"
+#include "engine/run/Interrupt.h"
+#include "engine/screen/Screening.h"
+#include "engine/syntax/Syntax.h"
+#include "host/Text.h"
+
+namespace {
+
+constexpr std::int64_t kLargestSyntax = std::int64_t{64} << 20;
+
+class CRun {
+ public:
+  CRun(const CString& syntaxName, const CString& outputName, const RUNOPTIONS& options)
+      : syntaxName_(syntaxName),
+        outputName_(outputName),
+        options_(options),
+        progress_(options.progress) {}
+
+  ERUNRESULT Run() {
+    if (IdentityOf(outputName_).SameAs(IdentityOf(syntaxName_))) {
+      return Refuse("the output file is the syntax file: " + outputName_, ERUNRESULT::Usage);
+    }
+    FAULT fault;
+    const bool done = GuardedWork(fault);
+    if (dataIsOutput_) {
+      return Refuse("the output file is the data file: " + outputName_, ERUNRESULT::Failed);
+    }
+    return Finish(done, fault);
+  }
+
+ private:
+  ERUNRESULT Refuse(const CString& reason, ERUNRESULT result) {
+    if (options_.messages != nullptr) {
+      std::fprintf(options_.messages, "torvik: %s\n", reason.c_str());
+    }
+    return result;
+  }
+
+  bool GuardedWork(FAULT& fault) {
+    try {
+      return Work(fault);
+    } catch (const std::bad_alloc&) {
+      fault.cause = "there is not enough memory for this run";
+      fault.remedy = "Select fewer variables with SE, or close other programs.";
+    } catch (const std::exception& error) {
+      fault.cause = CString("the engine failed: ") + error.what();
+      fault.remedy = "Please report this together with the syntax.";
+    }
+    return false;
+  }
+
+  bool Work(FAULT& fault) {
+    std::vector<SyntaxLine> lines;
+    if (!ReadSyntax(lines, fault) || !ParseHeader(lines, job_.header, fault)) return false;
+    dataIsOutput_ =
+        IdentityOf(outputName_).SameAs(IdentityOf(ExistingDataFile(job_.header.dataFile)));
+    if (dataIsOutput_) return false;
+    if (!file_.Open(job_.header.dataFile, fault)) {
+      fault.line = job_.header.line.number;
+      fault.lineText = Trimmed(job_.header.line.text);
+      return false;
+    }
+    const bool parsed = ParseCommands(lines, file_.Data(), job_, fault);
+    report_.SetPage(job_.output.Columns());
+    if (job_.output.fieldsGiven) {
+      report_.SetNumbers(
+          {static_cast<int>(job_.output.width), static_cast<int>(job_.output.decimals)});
+    }
+    if (!parsed || !CheckProcedures(fault) || !OpenOutputs(fault)) return false;
+    Heading();
+    return Repeat(fault);
+  }
+
+  bool ReadSyntax(std::vector<SyntaxLine>& lines, FAULT& fault) {
+    CDescriptor file;
+    CString text;
+    const bool opened = file.OpenForReading(syntaxName_.c_str());
+    const std::int64_t bytes = opened ? FileBytes(file.Get()) : -1;
+    if (bytes > kLargestSyntax) {
+      fault.cause = syntaxName_ + " is too large for a syntax file";
+      return false;
+    }
+    if (bytes >= 0) {
+      text.resize(static_cast<std::size_t>(bytes));
+      const std::int64_t got = ReadAt(file.Get(), 0, text.data(), text.size());
+      if (got == bytes) {
+        lines = SplitSyntax(text);
+        return true;
+      }
+    }
+    fault.cause = "the syntax file " + syntaxName_ + " cannot be read: " + std::strerror(errno);
+    return false;
+  }
+
+  // Procedures that the syntax knows and this engine does not have yet.
+  bool CheckProcedures(FAULT& fault) const {
+    if (job_.output.samples > 0) {
+      fault = {job_.output.line.number, CString(Trimmed(job_.output.line.text)),
+               "Bootstrapping (BS) is not built into this engine yet",
+               "Leave out BS=, SF= and BM=."};
+      return false;
+    }
+    if (job_.procedures.empty()) return true;
+    const PROCEDURE& first = job_.procedures.front();
+    fault = {first.line.number, CString(Trimmed(first.line.text)),
+             ProcedureName(first) + " is not built into this engine yet",
+             "Leave the line out to screen the data, or run the syntax with another engine."};
+    return false;
+  }
+
+  bool OpenOutputs(FAULT& fault) {
+    files_.AddInput("the syntax file", syntaxName_);
+    files_.AddInput("the data file", file_.Name());
+    files_.AddInput("the output of this run", outputName_);
+    const OUTPUTLINE& output = job_.output;
+    files_.AddOutput("SM", output.momentFile);
+    files_.AddOutput("ME", output.meansFile);
+    files_.AddOutput("SD", output.deviationsFile);
+    files_.AddOutput("AC", output.covarianceFile);
+    files_.AddOutput("AV", output.varianceFile);
+    files_.AddOutput("RA", output.dataFile);
+    files_.AddOutput("TH", output.thresholdFile);
+    files_.AddOutput("BM", output.sampleMomentFile);
+    if (files_.Create(fault)) return true;
+    fault.line = output.line.number;
+    fault.lineText = Trimmed(output.line.text);
+    return false;
+  }
+
+  void Heading() {
+    report_.Title("TORVIK " VEX_VERSION "    Data screening");
+    report_.Gap();
+    titled_ = true;
+  }
+
+  std::uint64_t Seed() {
+    if (job_.output.seed) return static_cast<std::uint64_t>(*job_.output.seed);
+    return std::random_device{}() & 0x7fffffffU;
+  }
+
+  bool Repeat(FAULT& fault) {
+    const std::uint64_t seed = Seed();
+    const std::int64_t repetitions = job_.Repetitions();
+    if (job_.header.repetitions > 1 && job_.output.repetitions > 0 &&
+        job_.header.repetitions != job_.output.repetitions) {
+      report_.Warning("RP stands twice with different counts; the one of the output line, " +
+                      std::to_string(job_.output.repetitions) + ", is used.");
+    }
+    for (std::int64_t r = 0; r < repetitions; ++r) {
+      if (repetitions > 1) {
+        report_.Section("Repetition " + std::to_string(r + 1) + " of " +
+                        std::to_string(repetitions));
+      }
+      CCaseSource source(file_, job_, seed, r, options_.threads);
+      ENGINERUN run{job_, file_, source, report_, files_, progress_, options_.threads, r, seed, {}};
+      const bool screened = ScreenData(run, fault);
+      for (const FAULT& found : run.faults) report_.Error(found);
+      failed_ = !run.faults.empty();
+      if (!screened || failed_) return false;
+      WriteOut();
+    }
+    return true;
+  }
+
+  // Hands the finished text to the file, so that many repetitions do not gather in memory.
+  void WriteOut() {
+    if (out_.Descriptor() < 0 && (outError_ != 0 || !out_.Create(outputName_))) {
+      outError_ = out_.Error();
+      return;
+    }
+    const CString text = report_.TakeText();
+    if (outError_ == 0 && !WriteAt(out_.Descriptor(), outBytes_, text.data(), text.size())) {
+      outError_ = errno;
+    }
+    outBytes_ += static_cast<std::int64_t>(text.size());
+  }
+
+  ERUNRESULT Finish(bool done, FAULT& fault) {
+    if (done) done = files_.Commit(fault);
+    if (!done) files_.Discard();
+    if (!titled_) Heading();
+    const bool interrupted = !done && !fault && !failed_;
+    if (interrupted) {
+      report_.Gap();
+      report_.Paragraph(
+          "The run was interrupted. What stands above is not complete, and no other "
+          "file was written.");
+    }
+    if (fault) report_.Error(fault);
+    report_.End();
+    report_.Gap();
+    report_.Paragraph(done          ? "End of the run."
+                      : interrupted ? "Interrupted."
+                                    : "The run ended with an error. No other file was written.");
+    progress_.End();
+    WriteOut();
+    if (outError_ == 0 && !out_.Commit()) outError_ = out_.Error();
+    if (outError_ != 0) {
+      return Refuse(
+          "the output file " + outputName_ + " cannot be written: " + std::strerror(outError_),
+          ERUNRESULT::Failed);
+    }
+    return done ? ERUNRESULT::Done : interrupted ? ERUNRESULT::Interrupted : ERUNRESULT::Failed;
+  }
+
+  CString syntaxName_;
+  CString outputName_;
+  RUNOPTIONS options_;
+  JOB job_;
+  CDataFile file_;
+  CReport report_;
+  COutputFiles files_;
+  CProgress progress_;
+  bool titled_ = false;
+  bool dataIsOutput_ = false;
+  bool failed_ = false;
+  CSideFile out_;
+  std::int64_t outBytes_ = 0;
+  int outError_ = 0;
+};
+
+}  // namespace
+
+ERUNRESULT RunEngine(const CString& syntaxName, const CString& outputName,
+                     const RUNOPTIONS& options) {
+  return CRun(syntaxName, outputName, options).Run();
+}

@@ -1,0 +1,253 @@
+#include "engine/screen/MomentMatrix.h"
+
+#include <cmath>
+
+#include "engine/screen/Faults.h"
+#include "engine/stats/Parallel.h"
+#include "engine/stats/Polyserial.h"
+#include "vexutils/FreeMemory.h"
+
+namespace {
+
+using Index = Eigen::Index;
+
+Index At(std::size_t i) {
+  return static_cast<Index>(i);
+}
+
+// Columns of all cases, for the methods that go through them again and again.
+struct COLUMNSTORE {
+  std::vector<std::vector<double>> cells;
+  std::vector<std::vector<std::uint8_t>> codes;
+  std::vector<double> weights;
+
+  void Add(const CASEBLOCK& block) {
+    for (std::size_t j = 0; j < cells.size(); ++j) {
+      const double* cell = block.cells.cells + j;
+      for (std::int64_t i = 0; i < block.cells.cases; ++i, cell += block.cells.stride) {
+        cells[j].push_back(*cell);
+      }
+    }
+    for (std::size_t j = 0; j < codes.size(); ++j) {
+      const std::uint8_t* const first =
+          block.codes.codes + static_cast<std::int64_t>(j) * block.codes.stride;
+      codes[j].insert(codes[j].end(), first, first + block.codes.cases);
+    }
+    if (block.cells.weights != nullptr) {
+      weights.insert(weights.end(), block.cells.weights, block.cells.weights + block.cells.cases);
+    }
+  }
+};
+
+// Is there a numeric variable whose correlations are more than product moments?
+bool RefuseCensored(const ENGINERUN& run, const SCREENVARIABLES& variables, FAULT& fault) {
+  for (const SCREENVARIABLE& variable : variables.all) {
+    if (variable.type < kCensoredAbove || variable.type > kCensoredBoth) continue;
+    fault =
+        OutputFault(run,
+                    "variable " + variable.name +
+                        " is censored, and moment matrices with censored variables are not "
+                        "built into this engine yet",
+                    "Leave the variable out with SE, or treat it as continuous with a CO line.");
+    return true;
+  }
+  return false;
+}
+
+stats::EMoments KindOf(MOMENTS moments) {
+  switch (moments) {
+    case MOMENTS::Correlations:
+      return stats::EMoments::Correlation;
+    case MOMENTS::Augmented:
+    case MOMENTS::AboutZero:
+      return stats::EMoments::Raw;
+    default:
+      return stats::EMoments::Covariance;
+  }
+}
+
+// What an element with an ordinal variable is made of.
+class CMomentBuilder {
+ public:
+  CMomentBuilder(MOMENTS kind, const SCREENVARIABLES& variables, const stats::MomentMatrix& numeric,
+                 const std::vector<stats::UnivariateResult>& univariate,
+                 const stats::PolychoricMatrix* polychoric, const POLYSERIALMATRIX& polyserial)
+      : kind_(kind),
+        variables_(variables),
+        numeric_(numeric),
+        univariate_(univariate),
+        polychoric_(polychoric),
+        polyserial_(polyserial) {}
+
+  double Element(std::size_t i, std::size_t j) const {
+    const SCREENVARIABLE& a = variables_.all[i];
+    const SCREENVARIABLE& b = variables_.all[j];
+    if (!a.IsOrdinal() && !b.IsOrdinal()) return numeric_.matrix(a.place, b.place);
+    if (a.IsOrdinal() && b.IsOrdinal()) {
+      return i == j ? 1 : polychoric_->correlation(a.place, b.place);
+    }
+    const SCREENVARIABLE& ordinal = a.IsOrdinal() ? a : b;
+    const SCREENVARIABLE& other = a.IsOrdinal() ? b : a;
+    return polyserial_(ordinal.place, other.place) * Scale(other);
+  }
+
+  double Mean(std::size_t i) const {
+    const SCREENVARIABLE& variable = variables_.all[i];
+    return variable.IsOrdinal() ? 0 : numeric_.mean(variable.place);
+  }
+  double Deviation(std::size_t i) const {
+    const SCREENVARIABLE& variable = variables_.all[i];
+    return variable.IsOrdinal() ? 1 : numeric_.sd(variable.place);
+  }
+
+ private:
+  // The factor from a correlation with an underlying variable to the element: moments about zero
+  // and augmented ones have the divisor n.
+  double Scale(const SCREENVARIABLE& numeric) const {
+    switch (kind_) {
+      case MOMENTS::Correlations:
+        return 1;
+      case MOMENTS::Covariances:
+        return numeric_.sd(numeric.place);
+      default:
+        return std::sqrt(univariate_[static_cast<std::size_t>(numeric.place)].m2);
+    }
+  }
+
+  MOMENTS kind_;
+  const SCREENVARIABLES& variables_;
+  const stats::MomentMatrix& numeric_;
+  const std::vector<stats::UnivariateResult>& univariate_;
+  const stats::PolychoricMatrix* polychoric_;
+  const POLYSERIALMATRIX& polyserial_;
+};
+
+const SCREENVARIABLE& Numeric(const SCREENVARIABLES& variables, int place) {
+  return variables.all[variables.numeric[static_cast<std::size_t>(place)]];
+}
+
+const SCREENVARIABLE& OrdinalAt(const SCREENVARIABLES& variables, std::size_t place) {
+  return variables.all[variables.ordinal[place]];
+}
+
+// The first pair of ordinal variables without a correlation.
+bool CheckPolychorics(const ENGINERUN& run, const SCREENVARIABLES& variables,
+                      const stats::PolychoricMatrix& matrix, FAULT& fault) {
+  for (std::size_t i = 1; i < variables.ordinal.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      const auto& pair = matrix.pairs[static_cast<std::size_t>(
+          stats::PairIndex(static_cast<int>(i), static_cast<int>(j)))];
+      if (pair.status == stats::EStatus::Ok) continue;
+      fault =
+          OutputFault(run,
+                      "the correlation of " + OrdinalAt(variables, j).name + " and " +
+                          OrdinalAt(variables, i).name +
+                          " cannot be estimated: " + stats::StatusText(pair.status),
+                      "Leave one of the two variables out with SE, or join categories with RC.");
+      return false;
+    }
+  }
+  return true;
+}
+
+bool ComputeNumeric(const ENGINERUN& run, const SCREENVARIABLES& variables,
+                    const stats::CMoments& moments, stats::MomentMatrix& numeric, FAULT& fault) {
+  numeric = stats::ComputeMoments(moments, KindOf(run.job.output.moments));
+  if (numeric.status == stats::EStatus::Ok) return true;
+  CString whom;
+  if (numeric.variable >= 0) whom = " (" + Numeric(variables, numeric.variable).name + ")";
+  if (numeric.other >= 0) {
+    whom = " (" + Numeric(variables, numeric.variable).name + " and " +
+           Numeric(variables, numeric.other).name + ")";
+  }
+  fault = OutputFault(
+      run,
+      CString("the moment matrix cannot be computed: ") + stats::StatusText(numeric.status) + whom,
+      "Leave the variables out with an SE line that names the others, or ask for "
+      "another matrix with MA.");
+  return false;
+}
+
+}  // namespace
+
+bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables, POLYSERIALMATRIX& matrix,
+                         FAULT& fault) {
+  const std::size_t numeric = variables.numeric.size();
+  const std::size_t ordinal = variables.ordinal.size();
+  const std::int64_t cases =
+      variables.IsListwise() ? variables.census.complete : variables.census.cases;
+  const std::int64_t bytes =
+      cases * static_cast<std::int64_t>(sizeof(double) * (numeric + 1) + ordinal);
+  if (bytes > FreeMemoryBytes()) {
+    fault = OutputFault(run,
+                        "correlations of ordinal with continuous variables need " +
+                            std::to_string(bytes >> 20) + " MB of memory for the cases",
+                        "Select fewer variables with SE.");
+    return false;
+  }
+  COLUMNSTORE store;
+  store.cells.resize(numeric);
+  store.codes.resize(ordinal);
+  for (auto& column : store.cells) column.reserve(static_cast<std::size_t>(cases));
+  for (auto& column : store.codes) column.reserve(static_cast<std::size_t>(cases));
+  if (!run.Pass(
+          run.source, [&store](const CASEBLOCK& block) { store.Add(block); }, fault))
+    return false;
+  matrix.setZero(At(ordinal), At(numeric));
+  std::vector<stats::EStatus> statuses(ordinal * numeric, stats::EStatus::Ok);
+  stats::ParallelFor(run.threads, static_cast<std::int64_t>(statuses.size()), [&](std::int64_t k) {
+    const auto pair = static_cast<std::size_t>(k);
+    const std::size_t i = pair / numeric;
+    const std::size_t j = pair % numeric;
+    const stats::PolyserialResult result =
+        stats::EstimatePolyserial(store.cells[j].data(), store.codes[i].data(),
+                                  static_cast<std::int64_t>(store.cells[j].size()),
+                                  static_cast<int>(OrdinalAt(variables, i).values.values.size()),
+                                  store.weights.empty() ? nullptr : store.weights.data());
+    matrix(At(i), At(j)) = result.r;
+    statuses[pair] = result.status;
+  });
+  run.report.Gap();
+  run.report.Paragraph("For the polyserial correlations " + std::to_string((bytes >> 20) + 1) +
+                       " MB of cases were held in memory.");
+  for (std::size_t pair = 0; pair < statuses.size(); ++pair) {
+    if (statuses[pair] == stats::EStatus::Ok) continue;
+    fault = OutputFault(run,
+                        "the correlation of " + OrdinalAt(variables, pair / numeric).name +
+                            " and " + Numeric(variables, static_cast<int>(pair % numeric)).name +
+                            " cannot be estimated: " + stats::StatusText(statuses[pair]),
+                        "Leave one of the two variables out with SE.");
+    return false;
+  }
+  return true;
+}
+
+bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
+                  const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
+                  const stats::PolychoricMatrix* polychoric, const POLYSERIALMATRIX& polyserial,
+                  ANALYSISMOMENTS& out, FAULT& fault) {
+  const MOMENTS kind = run.job.output.moments;
+  stats::MomentMatrix numeric;
+  if (RefuseCensored(run, variables, fault)) return false;
+  if (polychoric != nullptr && !CheckPolychorics(run, variables, *polychoric, fault)) return false;
+  if (moments != nullptr && !ComputeNumeric(run, variables, *moments, numeric, fault)) return false;
+  const CMomentBuilder builder(kind, variables, numeric, results.numeric, polychoric, polyserial);
+  const std::size_t p = variables.all.size();
+  const std::size_t rows = p + (kind == MOMENTS::Augmented ? 1 : 0);
+  out.matrix.setZero(At(rows), At(rows));
+  out.means.setZero(At(p));
+  out.deviations.setZero(At(p));
+  for (std::size_t i = 0; i < p; ++i) {
+    out.means(At(i)) = builder.Mean(i);
+    out.deviations(At(i)) = builder.Deviation(i);
+    for (std::size_t j = 0; j <= i; ++j) {
+      out.matrix(At(i), At(j)) = out.matrix(At(j), At(i)) = builder.Element(i, j);
+    }
+  }
+  if (kind == MOMENTS::Augmented) {
+    out.matrix.row(At(p)).head(At(p)) = out.means;
+    out.matrix.col(At(p)).head(At(p)) = out.means;
+    out.matrix(At(p), At(p)) = 1;
+  }
+  return true;
+}

@@ -1,0 +1,46 @@
+// The moment matrix of "MA" with means and standard deviations: product moments between continuous
+// variables, correlations of underlying normal variables where ordinal ones are involved.
+#pragma once
+
+#include <Eigen/Core>
+
+#include "engine/screen/OneVariable.h"
+#include "engine/stats/AsymptoticCovariance.h"
+#include "engine/stats/Moments.h"
+#include "engine/stats/Polychoric.h"
+
+// In the order of the analysis. An ordinal variable stands for an underlying one with mean 0 and
+// standard deviation 1.
+struct ANALYSISMOMENTS {
+  Eigen::MatrixXd matrix;  // of the kind that was asked for; augmented: one row more
+  Eigen::VectorXd means;
+  Eigen::VectorXd deviations;  // divisor n - 1
+};
+
+// Correlations of ordinal variables (rows) with numeric ones (columns).
+using POLYSERIALMATRIX = Eigen::MatrixXd;
+
+// Reads the cases once more and keeps the columns in memory, 8 bytes a numeric cell and 1 an
+// ordinal one; the report says how much. Returns false with the reason in `fault`.
+bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables, POLYSERIALMATRIX& matrix,
+                         FAULT& fault);
+
+// `moments` may be null without numeric variables, `polychoric` without pairs of ordinal ones.
+bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
+                  const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
+                  const stats::PolychoricMatrix* polychoric, const POLYSERIALMATRIX& polyserial,
+                  ANALYSISMOMENTS& out, FAULT& fault);
+
+// Prints matrix, means and standard deviations. A matrix that is not positive definite is a fault
+// of the run.
+void WriteMomentSection(ENGINERUN& run, const SCREENVARIABLES& variables,
+                        const ANALYSISMOMENTS& moments);
+
+// "PA" and "PV": the asymptotic covariances and variances of the matrix's elements.
+void WriteAsymptoticSection(ENGINERUN& run, const SCREENVARIABLES& variables,
+                            const stats::AsymptoticCovarianceResult& result);
+
+// The files SM, ME, SD, AC, AV and TH, as far as they are asked for.
+void SaveMoments(ENGINERUN& run, const ANALYSISMOMENTS& moments);
+void SaveAsymptotic(ENGINERUN& run, const stats::AsymptoticCovarianceResult& result);
+void SaveThresholds(ENGINERUN& run, const ONEVARIABLERESULTS& results);

@@ -1,0 +1,271 @@
+#include "engine/screen/Screening.h"
+
+#include <optional>
+
+#include "engine/screen/CasesSections.h"
+#include "engine/screen/DataOutput.h"
+#include "engine/screen/Faults.h"
+#include "engine/screen/MomentMatrix.h"
+#include "engine/screen/PairSections.h"
+#include "engine/stats/Parallel.h"
+#include "vexutils/FreeMemory.h"
+
+namespace {
+
+// What a screening computes beyond single variables.
+struct NEEDS {
+  bool tables = false;   // of pairs of ordinal variables
+  bool moments = false;  // of the numeric variables
+  bool mardia = false;
+  bool polyserial = false;
+  bool asymptotic = false;
+};
+
+class CScreening {
+ public:
+  explicit CScreening(ENGINERUN& run) : run_(run), output_(run.job.output) {}
+
+  bool Screen(FAULT& fault) {
+    run_.progress.Begin(kStages);
+    std::vector<CString> warnings;
+    if (!FindScreenVariables(run_, variables_, warnings, fault)) return false;
+    if (!FindNeeds(fault) || !CheckMemory(fault)) return false;
+    WriteDataSection(run_, variables_);
+    WriteMissingSection(run_, variables_);
+    for (const CString& warning : warnings) run_.report.Warning(warning);
+    if (output_.pk) run_.report.Warning("PK on the output line has no effect in this engine.");
+    if (!MainPass(fault)) return false;
+    WriteSingleVariables();
+    if (!WriteTogether(fault)) return false;
+    if (!WriteMoments(fault)) return false;
+    SaveThresholds(run_, results_);
+    return !run_.faults.empty() || SaveData(run_, fault);
+  }
+
+ private:
+  static constexpr int kStages = 4;
+
+  bool FindNeeds(FAULT& fault) {
+    const bool matrix = output_.moments != MOMENTS::None;
+    const std::size_t numeric = variables_.numeric.size();
+    const std::size_t ordinal = variables_.ordinal.size();
+    needs_.tables = ordinal > 1 && (matrix || output_.bivariateTables || output_.bivariateTests);
+    needs_.moments = matrix && numeric > 0;
+    needs_.mardia = output_.multivariateTests && variables_.continuous > 1;
+    needs_.polyserial = matrix && numeric > 0 && ordinal > 0;
+    needs_.asymptotic = !output_.covarianceFile.empty() || !output_.varianceFile.empty() ||
+                        output_.printCovariances || output_.printVariances;
+    if (!matrix && (needs_.asymptotic || !output_.momentFile.empty())) {
+      fault = OutputFault(run_, "SM, AC, AV, PA and PV need the matrix that they belong to",
+                          "Add MA=CM or MA=KM to the output line.");
+    } else if (needs_.asymptotic && output_.moments != MOMENTS::Covariances &&
+               output_.moments != MOMENTS::Correlations) {
+      fault = OutputFault(run_, "asymptotic covariances are those of covariances or correlations",
+                          "Ask for MA=CM or MA=KM, or leave out AC, AV, PA and PV.");
+    } else if (needs_.asymptotic && ordinal > 0 &&
+               (numeric > 0 || output_.moments != MOMENTS::Correlations)) {
+      fault = OutputFault(run_,
+                          "asymptotic covariances with ordinal variables are built for matrices of "
+                          "polychoric correlations only",
+                          "Select only ordinal variables and ask for MA=KM, or treat them as "
+                          "continuous with a CO line.");
+    } else if (!output_.thresholdFile.empty() && ordinal == 0) {
+      fault = OutputFault(run_, "TH asks for thresholds, and no variable is ordinal",
+                          "Leave out TH, or select ordinal variables.");
+    } else if (!output_.sampleMomentFile.empty()) {
+      fault = OutputFault(run_, "BM belongs to bootstrapping (BS)", "Leave out BM.");
+    }
+    return !fault;
+  }
+
+  // Memory grows with the variables; what there is must be enough before it is taken.
+  bool CheckMemory(FAULT& fault) {
+    const auto p = static_cast<std::int64_t>(variables_.all.size());
+    const auto numeric = static_cast<std::int64_t>(variables_.numeric.size());
+    const auto ordinal = static_cast<std::int64_t>(variables_.ordinal.size());
+    const auto word = static_cast<std::int64_t>(sizeof(double));
+    std::int64_t bytes = 0;
+    if (needs_.tables) {
+      const auto categories = static_cast<std::int64_t>(kCategorySlots);
+      bytes += ordinal * (ordinal - 1) / 2 * categories * categories * word;
+    }
+    constexpr std::int64_t kMatrices = 8;
+    if (needs_.moments || needs_.mardia) {
+      bytes += kMatrices * (stats::ThreadCount(run_.threads) + 1) * numeric * numeric * word;
+    }
+    if (needs_.mardia) bytes += stats::CMardia::MemoryFor(static_cast<int>(variables_.continuous));
+    if (output_.moments != MOMENTS::None) bytes += kMatrices * p * p * word;
+    if (needs_.asymptotic) {
+      const auto kind = output_.moments == MOMENTS::Covariances ? stats::EMoments::Covariance
+                                                                : stats::EMoments::Correlation;
+      bytes += ordinal > 0 ? stats::CPolychoricAcov::MemoryFor(static_cast<int>(ordinal))
+                           : stats::CProductMomentAcov::MemoryFor(static_cast<int>(numeric), kind);
+    }
+    if (bytes <= FreeMemoryBytes()) return true;
+    constexpr int kMegabyte = 20;
+    fault = OutputFault(run_,
+                        "the run needs about " + std::to_string(bytes >> kMegabyte) +
+                            " MB of memory for " + std::to_string(p) + " variables",
+                        "Select fewer variables with SE, or leave out tests with XT and XM.");
+    return false;
+  }
+
+  static stats::CaseBlock FirstColumns(const CASEBLOCK& block, std::size_t columns) {
+    stats::CaseBlock cells = block.cells;
+    cells.variables = static_cast<int>(columns);
+    return cells;
+  }
+
+  bool MainPass(FAULT& fault) {
+    const auto numeric = static_cast<int>(variables_.numeric.size());
+    const auto continuous = static_cast<int>(variables_.continuous);
+    if (numeric > 0) univariate_.emplace(numeric, variables_.deletion, run_.threads);
+    if (needs_.moments) moments_.emplace(numeric, variables_.deletion, run_.threads);
+    if (needs_.mardia) {
+      complete_.emplace(continuous, stats::EDeletion::Listwise, run_.threads);
+    }
+    if (needs_.tables) {
+      std::vector<int> categories;
+      for (const std::size_t i : variables_.ordinal) {
+        categories.push_back(static_cast<int>(variables_.all[i].values.values.size()));
+      }
+      for (std::size_t i = 0; i < categories.size(); ++i) {
+        if (categories[i] > 0) continue;
+        fault = OutputFault(
+            run_,
+            "variable " + variables_.all[variables_.ordinal[i]].name + " has no value in any case",
+            "Leave the variable out with SE.");
+        return false;
+      }
+      tables_.emplace(std::move(categories), variables_.deletion, run_.threads);
+    }
+    if (numeric == 0 && !needs_.tables) return true;
+    return run_.Pass(
+        run_.source,
+        [this](const CASEBLOCK& block) {
+          if (univariate_) univariate_->Add(FirstColumns(block, variables_.numeric.size()));
+          if (moments_) moments_->Add(FirstColumns(block, variables_.numeric.size()));
+          if (complete_) complete_->Add(FirstColumns(block, variables_.continuous));
+          if (tables_) tables_->Add(block.codes);
+        },
+        fault);
+  }
+
+  void WriteSingleVariables() {
+    results_ = DescribeVariables(variables_, univariate_ ? &*univariate_ : nullptr);
+    WriteOrdinalSection(run_, variables_, results_);
+    WriteContinuousSection(run_, variables_, results_);
+    WriteCensoredSection(run_, variables_, results_);
+  }
+
+  bool WriteTogether(FAULT& fault) {
+    if (needs_.mardia) {
+      stats::CMardia mardia(*complete_, run_.threads);
+      const bool done = run_.Pass(
+          run_.source,
+          [&](const CASEBLOCK& block) { mardia.Add(FirstColumns(block, variables_.continuous)); },
+          fault);
+      if (!done) return false;
+      WriteMultivariateTests(run_, mardia.Result());
+    }
+    if (!needs_.tables) return true;
+    if (output_.bivariateTables) WriteBivariateTables(run_, variables_, *tables_);
+    if (output_.bivariateTests || output_.moments != MOMENTS::None) {
+      polychoric_ = stats::EstimatePolychoricMatrix(*tables_, run_.threads);
+    }
+    if (output_.bivariateTests) WriteBivariateTests(run_, variables_, *tables_, *polychoric_);
+    return true;
+  }
+
+  bool WriteMoments(FAULT& fault) {
+    if (output_.moments == MOMENTS::None) {
+      SaveOneVariableMoments();
+      return true;
+    }
+    POLYSERIALMATRIX polyserial;
+    if (needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial, fault))
+      return false;
+    ANALYSISMOMENTS moments;
+    if (!BuildMoments(run_, variables_, results_, moments_ ? &*moments_ : nullptr,
+                      polychoric_ ? &*polychoric_ : nullptr, polyserial, moments, fault)) {
+      return false;
+    }
+    WriteMomentSection(run_, variables_, moments);
+    SaveMoments(run_, moments);
+    return !needs_.asymptotic || WriteAsymptotic(fault);
+  }
+
+  // ME and SD do not need a matrix.
+  void SaveOneVariableMoments() {
+    ANALYSISMOMENTS moments;
+    const auto p = static_cast<Eigen::Index>(variables_.all.size());
+    moments.means.setZero(p);
+    moments.deviations.setOnes(p);
+    for (Eigen::Index i = 0; i < p; ++i) {
+      const SCREENVARIABLE& variable = variables_.all[static_cast<std::size_t>(i)];
+      if (variable.IsOrdinal()) continue;
+      const auto& one = results_.numeric[static_cast<std::size_t>(variable.place)];
+      moments.means(i) = one.mean;
+      moments.deviations(i) = one.sd;
+    }
+    SaveMoments(run_, moments);
+  }
+
+  template <typename Accumulator, typename Add>
+  bool Accumulate(Accumulator& accumulator, Add add, stats::AsymptoticCovarianceResult& result,
+                  FAULT& fault) {
+    const bool done = run_.Pass(
+        run_.source, [&](const CASEBLOCK& block) { add(accumulator, block); }, fault);
+    if (done) result = accumulator.Result();
+    return done;
+  }
+
+  bool WriteAsymptotic(FAULT& fault) {
+    stats::AsymptoticCovarianceResult result;
+    bool done = false;
+    if (!variables_.ordinal.empty()) {
+      if (!polychoric_) return true;  // one variable has no correlations
+      stats::CPolychoricAcov acov(*tables_, *polychoric_, variables_.deletion, run_.threads);
+      done = Accumulate(
+          acov, [](auto& sum, const CASEBLOCK& block) { sum.Add(block.codes); }, result, fault);
+    } else {
+      const auto kind = output_.moments == MOMENTS::Covariances ? stats::EMoments::Covariance
+                                                                : stats::EMoments::Correlation;
+      stats::CProductMomentAcov acov(*moments_, kind, run_.threads);
+      done = Accumulate(
+          acov,
+          [this](auto& sum, const CASEBLOCK& block) {
+            sum.Add(FirstColumns(block, variables_.numeric.size()));
+          },
+          result, fault);
+    }
+    if (!done) return false;
+    if (result.status != stats::EStatus::Ok) {
+      fault = OutputFault(run_,
+                          CString("the asymptotic covariances cannot be computed: ") +
+                              stats::StatusText(result.status),
+                          "Leave out AC, AV, PA and PV, or select other variables.");
+      return false;
+    }
+    WriteAsymptoticSection(run_, variables_, result);
+    SaveAsymptotic(run_, result);
+    return true;
+  }
+
+  ENGINERUN& run_;
+  const OUTPUTLINE& output_;
+  SCREENVARIABLES variables_;
+  NEEDS needs_;
+  std::optional<stats::CUnivariate> univariate_;
+  std::optional<stats::CMoments> moments_;
+  std::optional<stats::CMoments> complete_;  // of the continuous variables, complete cases
+  std::optional<stats::CPairTables> tables_;
+  std::optional<stats::PolychoricMatrix> polychoric_;
+  ONEVARIABLERESULTS results_;
+};
+
+}  // namespace
+
+bool ScreenData(ENGINERUN& run, FAULT& fault) {
+  return CScreening(run).Screen(fault);
+}
