@@ -1,6 +1,7 @@
 #include "datadoc/Missing.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -51,6 +52,24 @@ CMissingTest::CMissingTest(const TORVIKSTRUCT& data, std::size_t variable) {
     low_ = own[kRangeLow];
     high_ = own[kRangeHigh];
   }
+}
+
+// The comparisons stand in loops of their own without branches, so that the compiler can do several
+// cells at once.
+std::size_t CMissingTest::Copy(const double* from, std::size_t count, double* to) const {
+  constexpr double kLargest = std::numeric_limits<double>::max();
+  constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+  for (std::size_t i = 0; i < count; ++i) {
+    const bool none = !(std::abs(from[i]) <= kLargest) | (from[i] == values_[0]) |
+                      (from[i] == values_[1]) | ((low_ <= from[i]) & (from[i] <= high_));
+    to[i] = none ? kMissing : from[i];
+  }
+  for (std::size_t k = 2; k < valueCount_; ++k) {
+    for (std::size_t i = 0; i < count; ++i) to[i] = from[i] == values_[k] ? kMissing : to[i];
+  }
+  std::size_t missing = 0;
+  for (std::size_t i = 0; i < count; ++i) missing += std::isnan(to[i]) ? 1 : 0;
+  return missing;
 }
 
 void CMissingTest::Add(double definition) {

@@ -35,11 +35,17 @@ class CMissingTest {
     return missing;
   }
 
+  bool operator==(const CMissingTest&) const = default;
+
+  // Copies cells; those that are missing or infinite become NaN. Returns how many these are.
+  std::size_t Copy(const double* from, std::size_t count, double* to) const;
+
  private:
   void Add(double definition);
 
   // The not-set value, four global ones and three of the variable.
-  std::array<double, 8> values_ = {kNotSet};
+  std::array<double, 8> values_ = {kNotSet, kNotSet, kNotSet, kNotSet,
+                                   kNotSet, kNotSet, kNotSet, kNotSet};
   std::size_t valueCount_ = 1;
   double low_ = 1;  // an empty range
   double high_ = 0;

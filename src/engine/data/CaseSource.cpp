@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr std::size_t kPartBytes = std::size_t{1} << 19;  // so that a part stays in the cache
+constexpr std::size_t kPartBytes = std::size_t{1} << 18;  // so that a part stays in the cache
 constexpr std::int64_t kMostPartCases = 4096;
-constexpr std::int64_t kPartsAtOnce = 32;
+constexpr std::size_t kPartsAtOnce = 16;
 
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
@@ -30,6 +30,7 @@ void CASECOUNTS::Add(const CASECOUNTS& other) {
   incomplete += other.incomplete;
   used += other.used;
   infinite += other.infinite;
+  otherCells += other.otherCells;
   AddTo(otherValues, other.otherValues);
   AddTo(undefined, other.undefined);
 }
@@ -38,18 +39,53 @@ void CASECOUNTS::Add(const CASECOUNTS& other) {
 struct CCaseSource::Part {
   std::int64_t first = 0;  // record, counted from 0
   std::int64_t cases = 0;
+  std::size_t place = 0;  // of its first case in the block
+  std::size_t used = 0;   // cases that it put there
   int error = 0;
   CASECOUNTS counts;
   std::vector<double> raw;    // the file's records; then those that are kept, all variables wide
   std::vector<double> clean;  // as above, missing cells as NaN where an expression needs them
   std::vector<std::int64_t> numbers;  // of the kept cases
   std::vector<double> results;        // of an expression
-  // What goes out.
-  std::vector<double> cells;
-  std::vector<std::uint8_t> codes;  // case after case here
-  std::vector<double> weights;
-  std::vector<std::int64_t> usedNumbers;
 };
+
+// Finds the code of a value: by a table where the values are whole numbers close together.
+class CCaseSource::CColumnCodes {
+ public:
+  CColumnCodes(std::size_t column, const std::vector<double>& values)
+      : column_(column), values_(values), base_(values.front()) {
+    constexpr double kLongestTable = 256;
+    for (const double value : values) {
+      if (value != std::floor(value) || !(value - base_ < kLongestTable)) return;
+    }
+    table_.assign(static_cast<std::size_t>(values.back() - base_) + 1, stats::kMissingCode);
+    for (std::size_t k = 0; k < values.size(); ++k) {
+      table_[static_cast<std::size_t>(values[k] - base_)] = static_cast<std::uint8_t>(k);
+    }
+  }
+
+  std::size_t Column() const { return column_; }
+
+  std::uint8_t CodeOf(double value) const {
+    if (!table_.empty()) {
+      const double offset = value - base_;
+      if (!(offset >= 0 && offset < static_cast<double>(table_.size()))) return stats::kMissingCode;
+      const auto at = static_cast<std::size_t>(offset);
+      return static_cast<double>(at) == offset ? table_[at] : stats::kMissingCode;
+    }
+    const auto at = std::lower_bound(values_.begin(), values_.end(), value);
+    return at != values_.end() && *at == value ? static_cast<std::uint8_t>(at - values_.begin())
+                                               : stats::kMissingCode;
+  }
+
+ private:
+  std::size_t column_;
+  std::vector<double> values_;
+  double base_;
+  std::vector<std::uint8_t> table_;
+};
+
+CCaseSource::~CCaseSource() = default;
 
 CCaseSource::CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t seed,
                          std::int64_t repetition, int threads)
@@ -66,20 +102,68 @@ CCaseSource::CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t se
   for (std::size_t i = 0; i < width_; ++i) missing_.emplace_back(job.data, i);
 }
 
-void CCaseSource::DecodePart(Part& part) const {
+void CCaseSource::PrepareColumns() {
+  columnMissing_.clear();
+  columnCodes_.clear();
+  sameMissing_ = true;
+  neighbours_ = true;
+  for (std::size_t j = 0; j < columns_.size(); ++j) {
+    const std::int32_t variable = columns_[j].variable;
+    columnMissing_.push_back(missing_[static_cast<std::size_t>(variable)]);
+    sameMissing_ = sameMissing_ && columnMissing_.back() == columnMissing_.front();
+    neighbours_ = neighbours_ && variable == columns_.front().variable + static_cast<int>(j);
+    if (!columns_[j].values.empty()) columnCodes_.emplace_back(j, columns_[j].values);
+  }
+}
+
+// Divides the records from `first` on among the parts and makes room for their cases.
+void CCaseSource::PrepareBlock(std::vector<Part>& parts, std::int64_t first) {
+  const std::int64_t partCases = std::clamp<std::int64_t>(
+      static_cast<std::int64_t>(kPartBytes / (std::max<std::size_t>(width_, 1) * sizeof(double))),
+      1, kMostPartCases);
+  capacity_ = 0;
+  for (Part& part : parts) {
+    part.first = first;
+    part.cases = std::clamp<std::int64_t>(file_.Records() - first, 0, partCases);
+    part.place = capacity_;
+    capacity_ += static_cast<std::size_t>(part.cases);
+    first += part.cases;
+  }
+  if (numbers_.size() < capacity_) {
+    cells_.resize(capacity_ * columns_.size());
+    codes_.resize(capacity_ * columnCodes_.size());
+    numbers_.resize(capacity_);
+    if (weightVariable_ >= 0) weights_.resize(capacity_);
+  }
+}
+
+void CCaseSource::DecodePart(Part& part) {
   const auto fileWidth = static_cast<std::size_t>(job_.fileVariables);
   part.counts = CASECOUNTS();
   part.counts.otherValues.assign(columns_.size(), 0);
   part.counts.undefined.assign(job_.transformations.size(), 0);
   part.counts.read = part.cases;
-  for (auto* buffer : {&part.cells, &part.weights}) buffer->clear();
-  part.codes.clear();
-  part.numbers.clear();
-  part.usedNumbers.clear();
-  part.raw.resize(static_cast<std::size_t>(part.cases) * fileWidth);
+  part.used = 0;
+  part.raw.resize(std::max(part.raw.size(), static_cast<std::size_t>(part.cases) * fileWidth));
   part.error = file_.ReadRecords(part.first, part.cases, part.raw.data()) ? 0 : errno;
   if (part.error != 0) return;
+  const std::size_t kept = Select(part);
+  if (!job_.transformations.empty()) Transform(part);
+  const std::size_t stride = job_.transformations.empty() ? fileWidth : width_;
+  for (std::size_t i = 0; i < kept; ++i) {
+    const std::size_t place = part.place + part.used;
+    if (!PutRow(part, part.raw.data() + i * stride, place)) continue;
+    numbers_[place] = part.numbers[i];
+    ++part.used;
+  }
+  part.counts.used = static_cast<std::int64_t>(part.used);
+}
+
+// Moves the selected records together and returns how many they are.
+std::size_t CCaseSource::Select(Part& part) const {
+  const auto fileWidth = static_cast<std::size_t>(job_.fileVariables);
   std::size_t kept = 0;
+  part.numbers.resize(static_cast<std::size_t>(part.cases));
   for (std::int64_t i = 0; i < part.cases; ++i) {
     const double* const row = part.raw.data() + static_cast<std::size_t>(i) * fileWidth;
     if (!job_.selection.IsEmpty() && !job_.selection.Keeps(row, part.first + i + 1)) {
@@ -89,65 +173,67 @@ void CCaseSource::DecodePart(Part& part) const {
     if (kept != static_cast<std::size_t>(i)) {
       std::copy_n(row, fileWidth, part.raw.data() + kept * fileWidth);
     }
-    ++kept;
-    part.numbers.push_back(part.first + i + 1);
+    part.numbers[kept++] = part.first + i + 1;
   }
-  if (!job_.transformations.empty()) Transform(part);
-  const std::size_t stride = job_.transformations.empty() ? fileWidth : width_;
-  part.cells.reserve(kept * columns_.size());
-  for (std::size_t i = 0; i < kept; ++i) {
-    PutRow(part, part.raw.data() + i * stride, part.numbers[i]);
-  }
+  part.numbers.resize(kept);
+  return kept;
 }
 
-// Writes one case to what goes out, unless its weight or a missing value leaves it out.
-void CCaseSource::PutRow(Part& part, const double* row, std::int64_t number) const {
-  double weight = 1;
-  if (weightVariable_ >= 0) {
-    weight = row[weightVariable_];
-    if (missing_[static_cast<std::size_t>(weightVariable_)](weight) || !std::isfinite(weight) ||
-        weight <= 0) {
-      ++part.counts.withoutWeight;
-      return;
+bool CCaseSource::TakeWeight(Part& part, const double* row, std::size_t place) {
+  const double weight = row[weightVariable_];
+  if (missing_[static_cast<std::size_t>(weightVariable_)](weight) || !std::isfinite(weight) ||
+      weight <= 0) {
+    ++part.counts.withoutWeight;
+    return false;
+  }
+  weights_[place] = weight;
+  return true;
+}
+
+// Writes a case to its place in the block. Returns false when its weight or a missing value leaves
+// it out.
+bool CCaseSource::PutRow(Part& part, const double* row, std::size_t place) {
+  if (weightVariable_ >= 0 && !TakeWeight(part, row, place)) return false;
+  const std::size_t count = columns_.size();
+  double* const cells = cells_.data() + place * count;
+  std::size_t missing = 0;
+  if (sameMissing_ && neighbours_) {
+    missing = columnMissing_.front().Copy(row + columns_.front().variable, count, cells);
+  } else {
+    for (std::size_t j = 0; j < count; ++j) {
+      const double value = row[columns_[j].variable];
+      const bool none = columnMissing_[j](value) || !std::isfinite(value);
+      cells[j] = none ? kMissing : value;
+      missing += none ? 1 : 0;
     }
   }
-  const std::size_t cellCount = part.cells.size();
-  const std::size_t codeCount = part.codes.size();
-  bool complete = true;
-  for (std::size_t j = 0; j < columns_.size(); ++j) {
-    const CASECOLUMN& column = columns_[j];
-    double value = row[column.variable];
-    if (missing_[static_cast<std::size_t>(column.variable)](value)) {
-      value = kMissing;
-    } else if (std::isinf(value)) {
-      ++part.counts.infinite;
-      value = kMissing;
+  if (missing > 0) {
+    for (std::size_t j = 0; j < count; ++j) {
+      part.counts.infinite += std::isinf(row[columns_[j].variable]) ? 1 : 0;
     }
-    if (!column.values.empty()) {
-      std::uint8_t code = stats::kMissingCode;
-      if (!std::isnan(value)) {
-        const auto at = std::lower_bound(column.values.begin(), column.values.end(), value);
-        if (at != column.values.end() && *at == value) {
-          code = static_cast<std::uint8_t>(at - column.values.begin());
-        } else {
-          ++part.counts.otherValues[j];
-          value = kMissing;
-        }
-      }
-      part.codes.push_back(code);
-    }
-    complete = complete && !std::isnan(value);
-    part.cells.push_back(value);
   }
-  if (listwise_ && !complete) {
-    part.cells.resize(cellCount);
-    part.codes.resize(codeCount);
+  const std::int64_t otherBefore = part.counts.otherCells;
+  if (!columnCodes_.empty()) PutCodes(part, cells, place);
+  if (listwise_ && (missing > 0 || part.counts.otherCells > otherBefore)) {
     ++part.counts.incomplete;
-    return;
+    return false;
   }
-  ++part.counts.used;
-  if (weightVariable_ >= 0) part.weights.push_back(weight);
-  part.usedNumbers.push_back(number);
+  return true;
+}
+
+// Cells with values that a column may not have become missing.
+void CCaseSource::PutCodes(Part& part, double* cells, std::size_t place) {
+  std::uint8_t* code = codes_.data() + place;
+  for (const CColumnCodes& codes : columnCodes_) {
+    double& cell = cells[codes.Column()];
+    *code = codes.CodeOf(cell);
+    if (*code == stats::kMissingCode && !std::isnan(cell)) {
+      cell = kMissing;
+      ++part.counts.otherValues[codes.Column()];
+      ++part.counts.otherCells;
+    }
+    code += capacity_;
+  }
 }
 
 // Widens the kept records by the variables that the job makes, and works on them in the order of
@@ -200,30 +286,26 @@ void CCaseSource::TransformOnce(Part& part, std::uint64_t repetition) const {
   }
 }
 
-// Joins the parts to the block that is handed out, in their order.
-void CCaseSource::Gather(std::vector<Part>& parts) {
+// Closes the gaps that left-out cases made between the parts. Returns the number of cases.
+std::int64_t CCaseSource::Gather(const std::vector<Part>& parts) {
+  const std::size_t columns = columns_.size();
   std::size_t cases = 0;
-  for (const Part& part : parts) cases += part.usedNumbers.size();
-  const auto coded = static_cast<std::size_t>(
-      std::count_if(columns_.begin(), columns_.end(),
-                    [](const CASECOLUMN& column) { return !column.values.empty(); }));
-  cells_.clear();
-  weights_.clear();
-  numbers_.clear();
-  codes_.resize(coded * cases);
-  std::size_t first = 0;
   for (const Part& part : parts) {
-    cells_.insert(cells_.end(), part.cells.begin(), part.cells.end());
-    weights_.insert(weights_.end(), part.weights.begin(), part.weights.end());
-    numbers_.insert(numbers_.end(), part.usedNumbers.begin(), part.usedNumbers.end());
-    const std::size_t count = part.usedNumbers.size();
-    for (std::size_t j = 0; j < coded; ++j) {
-      std::uint8_t* const to = codes_.data() + j * cases + first;
-      for (std::size_t i = 0; i < count; ++i) to[i] = part.codes[i * coded + j];
-    }
-    first += count;
     counts_.Add(part.counts);
+    if (part.place != cases) {
+      const auto move = [&](auto& from, std::size_t size, std::size_t offset) {
+        std::copy_n(from.begin() + static_cast<std::ptrdiff_t>(offset + part.place * size),
+                    part.used * size,
+                    from.begin() + static_cast<std::ptrdiff_t>(offset + cases * size));
+      };
+      move(cells_, columns, 0);
+      move(numbers_, 1, 0);
+      if (weightVariable_ >= 0) move(weights_, 1, 0);
+      for (std::size_t j = 0; j < columnCodes_.size(); ++j) move(codes_, 1, j * capacity_);
+    }
+    cases += part.used;
   }
+  return static_cast<std::int64_t>(cases);
 }
 
 bool CCaseSource::ForEachBlock(const std::function<void(const CASEBLOCK&)>& work,
@@ -231,35 +313,28 @@ bool CCaseSource::ForEachBlock(const std::function<void(const CASEBLOCK&)>& work
   counts_ = CASECOUNTS();
   counts_.otherValues.assign(columns_.size(), 0);
   counts_.undefined.assign(job_.transformations.size(), 0);
+  numbers_.clear();
+  PrepareColumns();
+  std::vector<Part> parts(kPartsAtOnce);
   const std::int64_t records = file_.Records();
-  const std::int64_t partCases = std::clamp<std::int64_t>(
-      static_cast<std::int64_t>(kPartBytes / (std::max<std::size_t>(width_, 1) * sizeof(double))),
-      1, kMostPartCases);
-  std::vector<Part> parts;
   for (std::int64_t next = 0; next < records;) {
-    const std::int64_t left = (records - next + partCases - 1) / partCases;
-    parts.resize(static_cast<std::size_t>(std::min(left, kPartsAtOnce)));
-    for (Part& part : parts) {
-      part.first = next;
-      part.cases = std::min(partCases, records - next);
-      next += part.cases;
-    }
-    stats::ParallelFor(threads_, static_cast<std::int64_t>(parts.size()),
+    PrepareBlock(parts, next);
+    stats::ParallelFor(threads_, kPartsAtOnce,
                        [&](std::int64_t i) { DecodePart(parts[static_cast<std::size_t>(i)]); });
     for (const Part& part : parts) {
+      next += part.cases;
       if (part.error == 0) continue;
       fault.cause =
           "the data file " + file_.Name() + " cannot be read: " + std::strerror(part.error);
       return false;
     }
-    Gather(parts);
-    const auto cases = static_cast<std::int64_t>(numbers_.size());
+    const std::int64_t cases = Gather(parts);
     const double* const weights = weightVariable_ >= 0 ? weights_.data() : nullptr;
     const auto variables = static_cast<int>(columns_.size());
-    const auto coded = cases == 0 ? 0 : static_cast<int>(codes_.size() / numbers_.size());
     if (cases > 0) {
       work({{cells_.data(), cases, variables, variables, weights},
-            {codes_.data(), cases, coded, cases, weights},
+            {codes_.data(), cases, static_cast<int>(columnCodes_.size()),
+             static_cast<std::int64_t>(capacity_), weights},
             numbers_.data()});
     }
     if (progress && !progress(static_cast<double>(next) / static_cast<double>(records))) {

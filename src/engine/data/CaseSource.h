@@ -26,8 +26,9 @@ struct CASECOUNTS {
   std::int64_t withoutWeight = 0;  // missing, negative, zero or infinite
   std::int64_t incomplete = 0;     // left out because listwise deletion was asked for
   std::int64_t used = 0;
-  std::int64_t infinite = 0;  // cells that hold no finite number, and so count as missing
-  std::vector<std::int64_t> otherValues;  // by column: cells with a value not among `values`
+  std::int64_t infinite = 0;    // cells that hold no finite number, and so count as missing
+  std::int64_t otherCells = 0;  // cells with a value not among their column's `values`
+  std::vector<std::int64_t> otherValues;  // the same, by column
   std::vector<std::int64_t> undefined;    // by transformation: results that are no finite number
 
   void Add(const CASECOUNTS& other);
@@ -47,6 +48,9 @@ class CCaseSource {
   // processors.
   CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t seed, std::int64_t repetition,
               int threads);
+  ~CCaseSource();
+  CCaseSource(const CCaseSource&) = delete;
+  CCaseSource& operator=(const CCaseSource&) = delete;
 
   // What the blocks hold from now on.
   void SetColumns(std::vector<CASECOLUMN> columns) { columns_ = std::move(columns); }
@@ -75,12 +79,18 @@ class CCaseSource {
 
  private:
   struct Part;
+  class CColumnCodes;
 
-  void DecodePart(Part& part) const;
+  void PrepareColumns();
+  void PrepareBlock(std::vector<Part>& parts, std::int64_t first);
+  void DecodePart(Part& part);
+  std::size_t Select(Part& part) const;
   void Transform(Part& part) const;
   void TransformOnce(Part& part, std::uint64_t repetition) const;
-  void PutRow(Part& part, const double* row, std::int64_t number) const;
-  void Gather(std::vector<Part>& parts);
+  bool PutRow(Part& part, const double* row, std::size_t place);
+  void PutCodes(Part& part, double* cells, std::size_t place);
+  bool TakeWeight(Part& part, const double* row, std::size_t place);
+  std::int64_t Gather(const std::vector<Part>& parts);
 
   const CDataFile& file_;
   const JOB& job_;
@@ -93,7 +103,14 @@ class CCaseSource {
   std::vector<CASECOLUMN> columns_;
   bool listwise_ = false;
   CASECOUNTS counts_;
-  // The block that is handed out.
+  // What the columns need, prepared for the pass.
+  std::vector<CMissingTest> columnMissing_;
+  bool sameMissing_ = false;  // one test for all columns
+  bool neighbours_ = false;   // the columns are variables that stand side by side
+  std::vector<CColumnCodes> columnCodes_;
+  // The block that is handed out. The parts write into it side by side; codes are `capacity_`
+  // apart.
+  std::size_t capacity_ = 0;  // cases
   std::vector<double> cells_;
   std::vector<std::uint8_t> codes_;
   std::vector<double> weights_;

@@ -1,6 +1,7 @@
 #include "engine/data/Census.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "engine/stats/Parallel.h"
@@ -13,6 +14,35 @@ template <typename Number>
 void AddTo(std::vector<Number>& sums, const std::vector<Number>& more) {
   for (std::size_t i = 0; i < more.size(); ++i) sums[i] += more[i];
 }
+
+// Counts values; small whole numbers, which most categories are, in a table.
+class CValueCounter {
+ public:
+  // NaN is not counted.
+  void Add(double value, double weight) {
+    if (value >= 0 && value < kTable) {
+      const auto at = static_cast<std::size_t>(value);
+      if (static_cast<double>(at) == value) {
+        table_[at] += weight;
+        return;
+      }
+    }
+    if (!std::isnan(value)) others_.Add(value, weight);
+  }
+
+  VALUECOUNTS Result() const {
+    VALUECOUNTS counts = others_;
+    for (std::size_t k = 0; k < table_.size(); ++k) {
+      if (table_[k] > 0) counts.Add(static_cast<double>(k), table_[k]);
+    }
+    return counts;
+  }
+
+ private:
+  static constexpr std::size_t kTable = 32;
+  std::array<double, kTable> table_{};
+  VALUECOUNTS others_;
+};
 
 CENSUS EmptyCensus(std::size_t columns) {
   CENSUS census;
@@ -68,11 +98,12 @@ void CENSUS::Merge(const CENSUS& other) {
   }
 }
 
-CCensusTaker::CCensusTaker(std::vector<bool> wanted, bool listwise, int threads)
-    : wanted_(std::move(wanted)),
-      listwise_(listwise),
-      threads_(threads),
-      census_(EmptyCensus(wanted_.size())) {}
+CCensusTaker::CCensusTaker(const std::vector<bool>& wanted, bool listwise, int threads)
+    : listwise_(listwise), threads_(threads), census_(EmptyCensus(wanted.size())) {
+  for (std::size_t j = 0; j < wanted.size(); ++j) {
+    if (wanted[j]) wantedColumns_.push_back(j);
+  }
+}
 
 void CCensusTaker::Add(const CASEBLOCK& block) {
   const std::int64_t cases = block.cells.cases;
@@ -80,7 +111,7 @@ void CCensusTaker::Add(const CASEBLOCK& block) {
       static_cast<std::size_t>((cases + kSegmentCases - 1) / kSegmentCases));
   stats::ParallelFor(threads_, static_cast<std::int64_t>(segments.size()), [&](std::int64_t i) {
     CENSUS& segment = segments[static_cast<std::size_t>(i)];
-    segment = EmptyCensus(wanted_.size());
+    segment = EmptyCensus(census_.missing.size());
     AddCases(block.cells, i * kSegmentCases, std::min((i + 1) * kSegmentCases, cases), segment);
   });
   for (const CENSUS& segment : segments) census_.Merge(segment);
@@ -88,29 +119,31 @@ void CCensusTaker::Add(const CASEBLOCK& block) {
 
 void CCensusTaker::AddCases(const stats::CaseBlock& block, std::int64_t first, std::int64_t end,
                             CENSUS& census) const {
-  const std::size_t columns = wanted_.size();
+  const std::size_t columns = census.missing.size();
+  std::vector<CValueCounter> counters(wantedColumns_.size());
   std::string pattern(columns, '0');
   for (std::int64_t i = first; i < end; ++i) {
     const double* const row = block.cells + i * block.stride;
     const double weight = block.weights != nullptr ? block.weights[i] : 1;
-    bool complete = true;
-    for (std::size_t j = 0; j < columns; ++j) complete = complete && !std::isnan(row[j]);
+    std::size_t missing = 0;
+    for (std::size_t j = 0; j < columns; ++j) missing += std::isnan(row[j]) ? 1 : 0;
     ++census.cases;
     census.weight += weight;
-    if (complete) {
+    if (missing == 0) {
       ++census.complete;
       census.completeWeight += weight;
     } else {
       for (std::size_t j = 0; j < columns; ++j) {
-        const bool missing = std::isnan(row[j]);
-        pattern[j] = missing ? '1' : '0';
-        census.missing[j] += missing ? 1 : 0;
+        pattern[j] = std::isnan(row[j]) ? '1' : '0';
+        census.missing[j] += std::isnan(row[j]) ? 1 : 0;
       }
       ++census.patterns[pattern];
       if (listwise_) continue;
     }
-    for (std::size_t j = 0; j < columns; ++j) {
-      if (wanted_[j] && !std::isnan(row[j])) census.values[j].Add(row[j], weight);
-    }
+    for (std::size_t k = 0; k < counters.size(); ++k)
+      counters[k].Add(row[wantedColumns_[k]], weight);
+  }
+  for (std::size_t k = 0; k < counters.size(); ++k) {
+    census.values[wantedColumns_[k]] = counters[k].Result();
   }
 }

@@ -42,7 +42,7 @@ struct CENSUS {
 // cases count for them. The result does not depend on the number of threads.
 class CCensusTaker {
  public:
-  CCensusTaker(std::vector<bool> wanted, bool listwise, int threads);
+  CCensusTaker(const std::vector<bool>& wanted, bool listwise, int threads);
   void Add(const CASEBLOCK& block);
   const CENSUS& Result() const { return census_; }
 
@@ -50,7 +50,7 @@ class CCensusTaker {
   void AddCases(const stats::CaseBlock& block, std::int64_t first, std::int64_t end,
                 CENSUS& census) const;
 
-  std::vector<bool> wanted_;
+  std::vector<std::size_t> wantedColumns_;
   bool listwise_;
   int threads_;
   CENSUS census_;
