@@ -28,8 +28,8 @@ void Work(const JOB& job) {
       continue;
     }
     double out = 0;
-    std::get<COMPUTE>(transformation).expression.Evaluate({row.data(), row.size(), 1, &number}, {},
-                                                          &out);
+    std::get<COMPUTE>(transformation)
+        .expression.Evaluate({row.data(), row.size(), 1, &number}, {}, &out);
   }
 }
 
