@@ -40,6 +40,7 @@ bool ChooseVariables(const ENGINERUN& run, std::vector<std::int32_t>& chosen, FA
 std::vector<double> DefinedCategories(const TORVIKSTRUCT& data, std::int32_t variable) {
   const auto index = static_cast<std::size_t>(variable);
   std::vector<double> values;
+  values.reserve(kCategorySlots);
   for (std::int32_t k = 0; k < data.variable[index].categories; ++k) {
     values.push_back(data.categoryValues[index * kCategorySlots + static_cast<std::size_t>(k)]);
   }
