@@ -60,9 +60,11 @@ std::size_t CMissingTest::Copy(const double* from, std::size_t count, double* to
   constexpr double kLargest = std::numeric_limits<double>::max();
   constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
   for (std::size_t i = 0; i < count; ++i) {
-    const bool none = !(std::abs(from[i]) <= kLargest) | (from[i] == values_[0]) |
-                      (from[i] == values_[1]) | ((low_ <= from[i]) & (from[i] <= high_));
-    to[i] = none ? kMissing : from[i];
+    const double value = from[i];
+    const unsigned finite = std::abs(value) <= kLargest ? 1 : 0;
+    const unsigned single = value == values_[0] || value == values_[1] ? 1 : 0;
+    const unsigned ranged = low_ <= value && value <= high_ ? 1 : 0;
+    to[i] = (finite & ~single & ~ranged) != 0 ? value : kMissing;
   }
   for (std::size_t k = 2; k < valueCount_; ++k) {
     for (std::size_t i = 0; i < count; ++i) to[i] = from[i] == values_[k] ? kMissing : to[i];
