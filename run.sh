@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the programs and opens FILE, or the example survey, in vexapp. Without a
-# display it imports and shows the same file in the terminal.
+# display it imports, shows and screens the same file in the terminal.
 #   ./run.sh [FILE]
 set -euo pipefail
 
@@ -33,7 +33,7 @@ if [[ -z $file ]]; then
 fi
 
 install_missing
-build vexapp vexdata
+build vexapp vexdata torvik
 bin=$PWD/build/release/bin
 
 if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
@@ -68,6 +68,7 @@ if [[ ${file,,} != *.vsf ]]; then
 fi
 in_terminal vexdata info "$data"
 in_terminal vexdata show "$data" "${show_options[@]}"
+in_terminal vexdata run "$data"
 printf '\n'
 say "The data are in $data; the programs in build/release/bin (vexdata --help)."
 say "To see the window, run ./run.sh in a desktop session or over ssh -X."

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets, makes a corpus and runs each target.
+#   scripts/fuzz.sh [SECONDS [TARGET...]]
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/lib.sh
+
+seconds=${1:-60}
+(($# == 0)) || shift
+targets=("$@")
+((${#targets[@]})) || targets=(vsf sav por dta sas7bdat xport engine_syntax)
+
+command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz --parallel "$(nproc)"
+bin=$PWD/build/fuzz/bin
+corpus=$PWD/build/fuzz/corpus
+found=$PWD/build/fuzz/found
+mkdir -p "$found"
+
+# The first files of a corpus: other programs' small files, and what our writers make of some of the example.
+seed() {
+  mkdir -p "$corpus"/{vsf,sav,por,dta,sas7bdat,xport,engine_syntax}
+  local file kind
+  for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
+    kind=${file##*.}
+    case $kind in zsav) kind=sav ;; xpt) kind=xport ;; esac
+    cp "$file" "$corpus/$kind/"
+  done
+  for file in tests/data/survey*.sav; do
+    "$bin/vexdata" import "$file" "$corpus/vsf/${file##*/}.VSF" --overwrite --quiet --keep-labels
+  done
+  for kind in por dta; do
+    "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/$kind/ours.$kind" --overwrite --quiet
+  done
+  "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet
+  printf "SY='data.VSF'\nSE 1-3\nSC 1 > 2\nOU MA=KM XM\n" >"$corpus/engine_syntax/screening"
+}
+seed
+
+for target in "${targets[@]}"; do
+  say "fuzz_$target for $seconds seconds"
+  "$bin/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=1024 -timeout=20 -max_len=40000 \
+    -artifact_prefix="$found/${target}_" -print_final_stats=1 "$corpus/$target" 2>&1 | tail -n 12
+done
