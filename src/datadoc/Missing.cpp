@@ -61,10 +61,12 @@ std::size_t CMissingTest::Copy(const double* from, std::size_t count, double* to
   constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
   for (std::size_t i = 0; i < count; ++i) {
     const double value = from[i];
-    const unsigned finite = std::abs(value) <= kLargest ? 1 : 0;
-    const unsigned single = value == values_[0] || value == values_[1] ? 1 : 0;
-    const unsigned ranged = low_ <= value && value <= high_ ? 1 : 0;
-    to[i] = (finite & ~single & ~ranged) != 0 ? value : kMissing;
+    const auto infinite = static_cast<unsigned>(!(std::abs(value) <= kLargest));
+    const auto first = static_cast<unsigned>(value == values_[0]);
+    const auto second = static_cast<unsigned>(value == values_[1]);
+    const auto ranged =
+        static_cast<unsigned>(low_ <= value) & static_cast<unsigned>(value <= high_);
+    to[i] = (infinite | first | second | ranged) != 0 ? kMissing : value;
   }
   for (std::size_t k = 2; k < valueCount_; ++k) {
     for (std::size_t i = 0; i < count; ++i) to[i] = from[i] == values_[k] ? kMissing : to[i];
