@@ -13,7 +13,7 @@ namespace {
 
 // Progress is told and a stop is heard after so many bytes.
 constexpr std::int64_t kStepBytes = std::int64_t{32} << 20;
-constexpr std::int64_t kCopyBytes = std::int64_t{256} << 10;
+constexpr std::int64_t kCopyBytes = std::int64_t{128} << 10;
 constexpr std::int64_t kPageBytes = 4096;
 
 bool Continue(const CopyProgress& progress, std::int64_t done) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdio>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,14 @@ class EngineTest : public testing::Test {
     return RunEngine(folder / "DATA.TRK", folder / "DATA.OUT", {threads, nullptr, nullptr});
   }
   std::string Output() const { return ReadBytes(folder / "DATA.OUT"); }
+  // The same with every run of blanks and line ends as one blank: where a long file name breaks a
+  // line differs.
+  std::string UnwrappedOutput() const {
+    std::istringstream words(Output());
+    std::string text, word;
+    while (words >> word) text += (text.empty() ? "" : " ") + word;
+    return text;
+  }
 
   TempFolder folder;
 };

@@ -59,7 +59,11 @@ TEST_F(RunTest, ScreensAndPrintsWithinThePage) {
   EXPECT_THAT(output, Not(HasSubstr("nan")));
   for (std::size_t begin = 0; begin < output.size();) {
     const std::size_t end = output.find('\n', begin);
-    EXPECT_LE(end - begin, 80U) << output.substr(begin, end - begin);
+    const std::string line = output.substr(begin, end - begin);
+    // A file name is never broken, however long it is.
+    if (!line.starts_with("  Data file:")) {
+      EXPECT_LE(line.size(), 80U) << line;
+    }
     begin = end + 1;
   }
 }
@@ -184,7 +188,7 @@ TEST_F(RunTest, RefusesOutputsThatAreInputsBeforeWriting) {
       at += folder.Path().size();
     }
     EXPECT_EQ(Run("SE 1 2\nOU MA=CM " + line), ERUNRESULT::Failed) << line;
-    EXPECT_THAT(Output(), HasSubstr("is the same as")) << line;
+    EXPECT_THAT(UnwrappedOutput(), HasSubstr("is the same as")) << line;
     EXPECT_THAT(Output(), HasSubstr("line 3 of the syntax")) << line;
     EXPECT_EQ(ReadBytes(folder / "DATA.VSF"), data);
     EXPECT_FALSE(std::filesystem::exists(folder / "new"));
@@ -225,14 +229,9 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Run(c.lines), ERUNRESULT::Failed) << c.lines;
-    const std::string output = Output();
-    std::string joined;  // wrapped lines as one
-    for (std::size_t i = 0; i < output.size(); ++i) {
-      const char ch = output[i] == '\n' ? ' ' : output[i];
-      if (ch != ' ' || !joined.ends_with(' ')) joined += ch;
-    }
-    EXPECT_THAT(joined, HasSubstr(c.cause)) << c.lines << "\n" << output;
-    EXPECT_THAT(joined, HasSubstr("ERROR in line " + std::to_string(c.line) + " of the syntax"))
+    const std::string output = UnwrappedOutput();
+    EXPECT_THAT(output, HasSubstr(c.cause)) << c.lines << "\n" << output;
+    EXPECT_THAT(output, HasSubstr("ERROR in line " + std::to_string(c.line) + " of the syntax"))
         << c.lines << "\n"
         << output;
     EXPECT_THAT(output, Not(HasSubstr("nan"))) << c.lines;
@@ -244,7 +243,7 @@ TEST_F(RunTest, SaysWhatIsWrongWithItsFiles) {
   EXPECT_THAT(Output(), HasSubstr("ERROR in line 1"));
   WriteBytes(folder / "text.VSF", "no system data file");
   EXPECT_EQ(RunWhole("SY='" + (folder / "text.VSF") + "'\nOU"), ERUNRESULT::Failed);
-  EXPECT_THAT(Output(), HasSubstr("is not a system data file"));
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("is not a system data file"));
   EXPECT_EQ(RunEngine(folder / "none.TRK", folder / "none.OUT", {}), ERUNRESULT::Failed);
   EXPECT_THAT(ReadBytes(folder / "none.OUT"), HasSubstr("cannot be read"));
   EXPECT_EQ(RunEngine(folder / "DATA.TRK", folder / "none/x.OUT", {}), ERUNRESULT::Failed);
