@@ -36,6 +36,7 @@ class CDataView final : public CView, public CDataTableClient {
 
   // --- The control ---
   // Sets up a control (null: none) as at creation: headings, patterns, columns and rows.
+  // The control must outlive the view, or be taken away before it goes.
   void AttachTable(CDataTable* table);
   // One column a variable: alignment, width, pattern and heading.
   void RebuildColumns();

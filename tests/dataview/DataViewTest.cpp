@@ -53,11 +53,11 @@ using DataView = DocumentTest;
 
 TEST_F(DataView, TellsTheTableItsColumnsAndRows) {
   host.display = {10, 2, 0};
+  TableRecorder table;  // outlives the view
   CDataDoc other;
   CDataView otherView(other);
   Fill(other, otherView, {{1, 2}, {3, 4}, {5, 6}});
   other.GetTorvik()->variable[1].name = " spaced  ";
-  TableRecorder table;
   otherView.AttachTable(&table);
   EXPECT_EQ(table.client, &otherView);
   EXPECT_EQ(table.rows, 3);
