@@ -49,6 +49,10 @@ class SpawnSettings {
     posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
   }
 
+  void SetFolder(const CString& folder) {
+    posix_spawn_file_actions_addchdir_np(&actions_, folder.c_str());
+  }
+
   // A process group of its own, no blocked signal, none ignored that we may ignore.
   void SetSignals() {
     sigset_t none;
@@ -112,10 +116,11 @@ bool CEngineProcess::Spawn(const CString& engine, int errorEnd) {
   SpawnSettings settings;
   settings.SetFiles(errorEnd);
   settings.SetSignals();
-  CString program = engine;
+  if (!folder_.empty()) settings.SetFolder(folder_);
+  CString program = Absolute(engine);
   const std::array<char*, 4> arguments = {program.data(), syntaxFile_.data(), outputFile_.data(),
                                           nullptr};
-  const int error = posix_spawn(&child_, engine.c_str(), settings.Actions(), settings.Attributes(),
+  const int error = posix_spawn(&child_, program.c_str(), settings.Actions(), settings.Attributes(),
                                 arguments.data(), environ);
   if (error == 0) return true;
   child_ = -1;

@@ -22,6 +22,9 @@ class CEngineProcess {
   CEngineProcess(const CEngineProcess&) = delete;
   CEngineProcess& operator=(const CEngineProcess&) = delete;
 
+  // The folder that the engine works in, where names without a folder are looked for and written;
+  // ours unless set before Start.
+  void SetFolder(const CString& folder) { folder_ = folder; }
   // Runs `engine` with the two names as its arguments, made absolute. False, with Reason(), when it
   // cannot be started. Once per object.
   bool Start(const CString& engine, const CString& syntaxFile, const CString& outputFile);
@@ -61,6 +64,7 @@ class CEngineProcess {
   CDescriptor said_;
   CString syntaxFile_;
   CString outputFile_;
+  CString folder_;
   CString line_;      // the line that is being said, cut to a length
   CString lastLine_;  // the last one that was no progress
   CString reason_;

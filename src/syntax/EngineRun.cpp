@@ -38,9 +38,10 @@ CString FindEngine(const CString& setting, CString& reason) {
 }
 
 int RunEngine(const CString& engine, const CString& syntaxFile, const CString& outputFile,
-              CProgress& progress, CString& reason) {
+              const CString& folder, CProgress& progress, CString& reason) {
   constexpr int kMilliseconds = 40;  // between two looks at the progress
   CEngineProcess process;
+  process.SetFolder(folder);
   if (process.Start(engine, syntaxFile, outputFile)) {
     while (process.Wait(kMilliseconds)) {
       if (!progress.Advance(process.Progress())) process.Cancel();

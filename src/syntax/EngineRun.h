@@ -11,6 +11,7 @@ class CProgress;
 CString FindEngine(const CString& setting, CString& reason);
 
 // Runs `engine` and comes back when it has ended, telling `progress` meanwhile; when that asks to
-// stop, the run is cancelled. The result is as CEngineProcess::Result has it; `reason` as Reason().
+// stop, the run is cancelled. Names without a folder are those of `folder` (empty: ours). The
+// result is as CEngineProcess::Result has it; `reason` as Reason().
 int RunEngine(const CString& engine, const CString& syntaxFile, const CString& outputFile,
-              CProgress& progress, CString& reason);
+              const CString& folder, CProgress& progress, CString& reason);

@@ -1,15 +1,32 @@
 #include "vexapp/AppUtil.h"
 
+#include <QFileInfo>
 #include <QSettings>
 #include <algorithm>
+
+#include "host/Host.h"
+#include "syntax/EngineRun.h"
+#include "vexapp/Display.h"
 
 namespace {
 
 constexpr const char* kWidth = "display/width";
 constexpr const char* kDecimals = "display/decimals";
 constexpr const char* kAlignment = "display/alignment";
+constexpr const char* kEngine = "engine/program";
 
 constexpr int kWidestCell = 60;  // what the settings file may ask for
+
+// The engine's program; empty means the one beside this program.
+CString EngineSetting() {
+  return PathBytes(QSettings().value(kEngine).toString());
+}
+
+void WriteStatus(const CString& text) {
+  CMainFrame* const frame = APPUTIL_GetMainFrame();
+  CStatusBar* const bar = frame != nullptr ? frame->GetStatusBar() : nullptr;
+  if (bar != nullptr) bar->SetPaneText(0, text);
+}
 
 }  // namespace
 
@@ -30,10 +47,22 @@ void CAppUtil::SetDisplaySettings(const DisplaySettings& display) {
   settings.setValue(kAlignment, display.alignment);
 }
 
-int CAppUtil::RunServer(const char*, const char*, unsigned int, int, int, int) {
-  return -1;
+int CAppUtil::RunServer(const char* syntaxPath, const char* outputPath, unsigned int, int, int,
+                        int) {
+  CString reason;
+  WriteStatus({});
+  const CString engine = FindEngine(EngineSetting(), reason);
+  int result = -1;
+  if (!engine.empty()) {
+    const QFileInfo syntax(PathText(syntaxPath));
+    const auto progress = Host().StartProgress("Running " + PathBytes(syntax.fileName()));
+    result = RunEngine(engine, syntaxPath, outputPath, PathBytes(syntax.absolutePath()), *progress,
+                       reason);
+  }
+  WriteStatus(reason);
+  return result;
 }
 
-bool CAppUtil::OpenDocumentFile(const CString&) {
-  return false;
+bool CAppUtil::OpenDocumentFile(const CString& pathName) {
+  return opener_ && opener_(PathText(pathName));
 }

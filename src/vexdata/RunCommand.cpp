@@ -25,12 +25,10 @@ bool IsOutputLine(std::string_view line) {
 }
 
 ProcedureJob JobOf(CDataDoc& document, const RunOptions& options) {
+  CStringList lines(options.lines.begin(), options.lines.end());
+  if (!HasOutputLine(options)) return JobOfLines(document, std::move(lines));
   ProcedureJob job;
-  job.lines.assign(options.lines.begin(), options.lines.end());
-  if (HasOutputLine(options)) return job;
-  CString outputLine;
-  document.GetOUString(document.GetOutputOptions(), outputLine, 1);
-  job.lines.push_back(outputLine);
+  job.lines = std::move(lines);
   return job;
 }
 

@@ -112,7 +112,7 @@ int CTerminalHost::RunServer(const char* syntaxPath, const char* outputPath, uns
   const CString engine = FindEngine({}, status_);
   if (engine.empty()) return -1;
   const auto progress = StartProgress(CString("Running ") + syntaxPath);
-  return RunEngine(engine, syntaxPath, outputPath, *progress, status_);
+  return RunEngine(engine, syntaxPath, outputPath, {}, *progress, status_);
 }
 
 bool CTerminalHost::OpenDocumentFile(const CString& pathName) {

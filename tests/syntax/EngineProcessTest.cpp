@@ -200,14 +200,20 @@ TEST_F(EngineProcess, RunsUnderAProgressThatMayCancelIt) {
   CString reason;
   WriteBytes(syntax, "syntax");
   auto progress = host.StartProgress("run");
-  EXPECT_EQ(RunEngine(Engine("cp \"$1\" \"$2\""), syntax, output, *progress, reason), 0);
+  EXPECT_EQ(RunEngine(Engine("cp \"$1\" \"$2\""), syntax, output, {}, *progress, reason), 0);
   EXPECT_EQ(reason, "");
   std::remove(output.c_str());
   host.cancelAtStep = host.progressSteps + 1;
   const std::int64_t begin = GetTickCount();
-  EXPECT_LT(RunEngine(Engine("sleep 600"), syntax, output, *progress, reason), 0);
+  EXPECT_LT(RunEngine(Engine("sleep 600"), syntax, output, {}, *progress, reason), 0);
   EXPECT_EQ(reason, "The run was cancelled");
   EXPECT_LT(GetTickCount() - begin, CEngineProcess::kGrace);
-  EXPECT_LT(RunEngine(folder / "absent", syntax, output, *progress, reason), 0);
+  // Names without a folder are those of the one that is given; the engine's own is ours.
+  EXPECT_EQ(RunEngine(Engine("cp \"$1\" plain; cp plain \"$2\""), syntax, output, folder.Path(),
+                      *host.StartProgress("run"), reason),
+            0);
+  EXPECT_EQ(ReadBytes(folder / "plain"), "syntax");
+  std::remove(output.c_str());
+  EXPECT_LT(RunEngine(folder / "absent", syntax, output, {}, *progress, reason), 0);
   EXPECT_NE(reason, "");
 }
