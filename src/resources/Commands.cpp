@@ -77,7 +77,7 @@ constexpr MENUENTRY kMainMenu[] = {
     {kTransformation, "&Recode...", 1233, nullptr, "Give values of variables new values"},
     {kTransformation, "&Compute...", 1236, nullptr, "Compute a variable from others"},
 
-    {kStatistics, "&Data Screening", 9248, nullptr, "Describe every variable"},
+    {kStatistics, "&Data Screening", kStatisticsScreening, nullptr, "Describe every variable"},
     {kStatistics, "&Impute Missing Values...", 9240, nullptr,
      "Fill missing values from similar cases"},
     {kStatistics, "&Multiple Imputation...", 34059, nullptr,
@@ -109,7 +109,8 @@ constexpr MENUENTRY kMainMenu[] = {
      "Regress with instrumental variables"},
     {kStatistics, "", kSeparator, nullptr, nullptr},
     {kStatistics, "&Bootstrapping...", 1240, nullptr, "Draw samples from the cases"},
-    {kStatistics, "&Output Options...", 1226, nullptr, "Choose what the procedures write"},
+    {kStatistics, "&Output Options...", kStatisticsOutputOptions, nullptr,
+     "Choose what the procedures write"},
 
     {kGraphs, "&Univariate...", 9031, nullptr, "Draw one variable"},
     {kGraphs, "&Bivariate...", 9032, nullptr, "Draw two variables"},

@@ -9,30 +9,6 @@
 
 namespace {
 
-// Where one "Save to file:" box and what belongs to it stand.
-struct SaveFields {
-  std::int32_t TRVOUSTRUCT::*checked;
-  CString TRVOUSTRUCT::*file;
-  OutputEdit edit;
-};
-
-SaveFields FieldsOf(SaveBox box) {
-  switch (box) {
-    case SaveBox::Matrix:
-      return {&TRVOUSTRUCT::bSaveMatrix, &TRVOUSTRUCT::strMatrixFile, OutputEdit::MatrixFile};
-    case SaveBox::Means:
-      return {&TRVOUSTRUCT::bSaveMeans, &TRVOUSTRUCT::strMeansFile, OutputEdit::MeansFile};
-    case SaveBox::Deviations:
-      return {&TRVOUSTRUCT::bSaveSD, &TRVOUSTRUCT::strSDFile, OutputEdit::DeviationsFile};
-    case SaveBox::AsymptoticCovariances:
-      return {&TRVOUSTRUCT::bSaveAC, &TRVOUSTRUCT::strACFile,
-              OutputEdit::AsymptoticCovariancesFile};
-    case SaveBox::AsymptoticVariances:
-      break;
-  }
-  return {&TRVOUSTRUCT::bSaveAV, &TRVOUSTRUCT::strAVFile, OutputEdit::AsymptoticVariancesFile};
-}
-
 // One number that is edited as a text.
 struct NumberField {
   CString OutputDialog::*text;
@@ -97,6 +73,23 @@ std::optional<OutputOkResult> ReadNumbers(const OutputDialog& dialog, TRVOUSTRUC
 }
 
 }  // namespace
+
+SaveFields FieldsOf(SaveBox box) {
+  switch (box) {
+    case SaveBox::Matrix:
+      return {&TRVOUSTRUCT::bSaveMatrix, &TRVOUSTRUCT::strMatrixFile, OutputEdit::MatrixFile};
+    case SaveBox::Means:
+      return {&TRVOUSTRUCT::bSaveMeans, &TRVOUSTRUCT::strMeansFile, OutputEdit::MeansFile};
+    case SaveBox::Deviations:
+      return {&TRVOUSTRUCT::bSaveSD, &TRVOUSTRUCT::strSDFile, OutputEdit::DeviationsFile};
+    case SaveBox::AsymptoticCovariances:
+      return {&TRVOUSTRUCT::bSaveAC, &TRVOUSTRUCT::strACFile,
+              OutputEdit::AsymptoticCovariancesFile};
+    case SaveBox::AsymptoticVariances:
+      break;
+  }
+  return {&TRVOUSTRUCT::bSaveAV, &TRVOUSTRUCT::strAVFile, OutputEdit::AsymptoticVariancesFile};
+}
 
 int TestsFor(const TORVIKSTRUCT& data, std::span<const std::int32_t> chosen) {
   const auto isOrdinal = [&](std::int32_t number) {

@@ -54,6 +54,14 @@ enum class OutputEdit {
   Decimals
 };
 
+// Where in the options the box and its file name stand, and the edit of that name.
+struct SaveFields {
+  std::int32_t TRVOUSTRUCT::*checked;
+  CString TRVOUSTRUCT::*file;
+  OutputEdit edit;
+};
+SaveFields FieldsOf(SaveBox box);
+
 // What can be used. What is not named here always can.
 struct OutputEnabled {
   bool data = true;  // the "Data" group, its check box and edit, width and decimals

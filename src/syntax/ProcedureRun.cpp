@@ -151,6 +151,20 @@ ProcedureAction ActionOfEndCode(int endCode) {
   }
 }
 
+ProcedureJob JobOfLines(CDataDoc& document, CStringList lines, const CString& outputParts) {
+  ProcedureJob job;
+  job.lines = std::move(lines);
+  CString outputLine;
+  document.GetOUString(document.GetOutputOptions(), outputLine, 1);
+  job.lines.push_back(outputLine + outputParts);
+  return job;
+}
+
+bool CanRunProcedure(const CDataDoc& document, bool needsOrdinal) {
+  return document.GetVarnum() > 0 && document.HoldsRawData() &&
+         (!needsOrdinal || document.GetVarType() == 1);
+}
+
 bool IsSavedForRun(const CDataDoc& document) {
   const std::string_view path = document.GetPathName();
   const std::size_t bytes = kDataExtension.size();

@@ -29,6 +29,10 @@ struct ProcedureJob {
   const char* noOutput = kNoOutput;
 };
 
+// The procedure's lines with the document's output line behind them; `outputParts` ("BS=50 SF=60 ")
+// are appended to that line.
+ProcedureJob JobOfLines(CDataDoc& document, CStringList lines, const CString& outputParts = {});
+
 enum class ProcedureState {
   Refused,      // unsaved, or a file would have been lost; told
   NotWanted,    // the dialog was left without a run
@@ -40,6 +44,10 @@ struct ProcedureResult {
   ProcedureState state = ProcedureState::Refused;
   int engine = -1;  // what the engine came to; negative: no output
 };
+
+// May a procedure be asked for at all? There must be variables and raw data, and where it works on
+// ordinal variables at least one of them.
+bool CanRunProcedure(const CDataDoc& document, bool needsOrdinal = false);
 
 // Has the document a system data file that holds what it shows? Tells the user when not.
 bool IsSavedForRun(const CDataDoc& document);

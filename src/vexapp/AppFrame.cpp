@@ -13,10 +13,12 @@
 
 #include "resources/Commands.h"
 #include "resources/DrawnIcon.h"
+#include "syntax/ProcedureRun.h"
 #include "vexapp/AboutDlg.h"
 #include "vexapp/Appearance.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Display.h"
+#include "vexapp/ProcedureCommands.h"
 #include "vexapp/StartPage.h"
 #include "vexapp/VexApp.h"
 
@@ -50,6 +52,7 @@ CAppFrame::CAppFrame(CVexApp& app)
   BuildPages();
   BuildBars();
   HandleCommands();
+  HandleProcedures();
   BuildAppearanceMenu();
   app_.SetMainFrame(this, this);
   app_.SetTargetCheck([this](const QString& path) { return WhyNotWriteTo(path); });
@@ -155,6 +158,16 @@ void CAppFrame::HandleCommands() {
   connect(menus_->Menu("&Window"), &QMenu::aboutToShow, this, &CAppFrame::FillWindowMenu);
 }
 
+void CAppFrame::HandleProcedures() {
+  for (const PROCEDURECOMMAND& command : ProcedureCommands()) {
+    connect(menus_->Action(command.number), &QAction::triggered, this, [this, run = command.run] {
+      if (!app_.IsBusy() && current_ != nullptr) run(*current_);
+    });
+  }
+  // Variables and their types change without the window's knowledge.
+  connect(menus_->Menu("&Statistics"), &QMenu::aboutToShow, this, &CAppFrame::UpdateActions);
+}
+
 void CAppFrame::BuildAppearanceMenu() {
   auto* group = new QActionGroup(this);
   const std::pair<int, Appearance> choices[] = {{kAppearanceSystem, Appearance::System},
@@ -178,6 +191,10 @@ void CAppFrame::UpdateActions() {
   menus_->Action(kFileExport)->setEnabled(saveable);
   menus_->Action(kViewGoToCase)->setEnabled(saveable);
   menus_->Action(kViewDataToolBar)->setEnabled(open);
+  for (const PROCEDURECOMMAND& command : ProcedureCommands()) {
+    menus_->Action(command.number)
+        ->setEnabled(open && CanRunProcedure(current_->Document(), command.needsOrdinal));
+  }
   for (const int number :
        {kFileClose, kWindowTile, kWindowCascade, kWindowNext, kWindowPrevious, kWindowCloseAll}) {
     menus_->Action(number)->setEnabled(open);

@@ -53,6 +53,7 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void BuildBars();
   void HandleCommands();
   void Handle(int number, void (CAppFrame::*handler)());
+  void HandleProcedures();
   void BuildAppearanceMenu();
   void UpdateActions();
   void ShowRecentFiles();

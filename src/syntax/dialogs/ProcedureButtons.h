@@ -1,0 +1,30 @@
+// The row of buttons at the foot of a procedure's dialog: Output Options and Syntax at the left,
+// Run (the default button) and Cancel at the right. A .ui file promotes a QWidget to it.
+#pragma once
+
+#include <QWidget>
+
+class QPushButton;
+
+class CProcedureButtons final : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit CProcedureButtons(QWidget* parent = nullptr);
+
+  void HideOutputOptions();
+  // Run and Syntax can be pressed when the dialog's choice is complete.
+  void SetComplete(bool complete);
+
+ signals:
+  void RunAsked();
+  void CancelAsked();
+  void OutputOptionsAsked();
+  void SyntaxAsked();
+
+ private:
+  QPushButton* output_;
+  QPushButton* syntax_;
+  QPushButton* run_;
+  QPushButton* cancel_;
+};
