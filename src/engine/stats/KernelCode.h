@@ -71,6 +71,47 @@ void Multiply(const double* rows, const double* columns, std::int64_t cases, dou
 #endif
 }
 
+// 4 rows, each of them case after case, by kVectors vectors of columns.
+template <int kVectors>
+inline void MultiplyRowTile(const double* rows, std::int64_t rowStride, const double* columns,
+                            std::int64_t cases, double* result, std::int64_t stride) {
+  Vector sum[4][kVectors];
+  for (auto& row : sum) {
+    for (Vector& part : row) part = Vector{};
+  }
+  for (std::int64_t k = 0; k < cases; ++k, columns += stride) {
+    Vector b[kVectors];
+    for (int v = 0; v < kVectors; ++v) b[v] = *At(columns + v * kVectorLanes);
+    for (int r = 0; r < 4; ++r) {
+      const Vector a = VEX_SPREAD(rows[r * rowStride + k]);
+      for (int v = 0; v < kVectors; ++v) sum[r][v] += a * b[v];
+    }
+  }
+  for (int r = 0; r < 4; ++r) {
+    for (int v = 0; v < kVectors; ++v) *At(result + r * stride + v * kVectorLanes) += sum[r][v];
+  }
+}
+
+void MultiplyRows(const double* rows, std::int64_t rowStride, const double* columns,
+                  std::int64_t columnCount, std::int64_t cases, double* result,
+                  std::int64_t stride) {
+  const auto tile = [&](auto multiply, std::int64_t first) {
+    multiply(rows, rowStride, columns + first, cases, result + first, stride);
+  };
+  std::int64_t first = 0;
+#ifdef __AVX2__
+  constexpr std::int64_t kWide = 3 * kVectorLanes;
+  while (columnCount - first >= kWide && columnCount - first != kWide + kVectorLanes) {
+    tile(MultiplyRowTile<3>, first);
+    first += kWide;
+  }
+  for (; columnCount - first >= 2 * kVectorLanes; first += 2 * kVectorLanes) {
+    tile(MultiplyRowTile<2>, first);
+  }
+#endif
+  for (; first < columnCount; first += kVectorLanes) tile(MultiplyRowTile<1>, first);
+}
+
 void Sum(const double* panel, const double* weights, std::int64_t cases, const double* shift,
          PanelSums& sums) {
   const Vector zero = {};
@@ -134,6 +175,6 @@ void Powers(const double* panel, const double* weights, std::int64_t cases, cons
 }  // namespace
 
 extern const Kernels kKernels;
-const Kernels kKernels = {AllFinite, Multiply, Sum, Powers};
+const Kernels kKernels = {AllFinite, Multiply, MultiplyRows, Sum, Powers};
 
 }  // namespace stats::VEX_KERNEL_NAMESPACE

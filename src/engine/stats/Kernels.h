@@ -30,6 +30,11 @@ struct Kernels {
   // rows and kLanes columns; `rows` points at lane 0 or 4 of a panel.
   void (*multiply)(const double* rows, const double* columns, std::int64_t cases, double* result,
                    std::int64_t stride);
+  // result[r * stride + c] += sum over k of rows[r * rowStride + k] * columns[k * stride + c], for
+  // 4 rows and `columnCount` columns, a multiple of 4.
+  void (*multiplyRows)(const double* rows, std::int64_t rowStride, const double* columns,
+                       std::int64_t columnCount, std::int64_t cases, double* result,
+                       std::int64_t stride);
   void (*sum)(const double* panel, const double* weights, std::int64_t cases, const double* shift,
               PanelSums& sums);
   void (*powers)(const double* panel, const double* weights, std::int64_t cases,

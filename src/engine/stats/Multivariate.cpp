@@ -16,21 +16,34 @@ namespace {
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-// Third moments are sums of (z_a z_b) z_c with a <= b <= c. For each b they take the panels of a up
-// to that of b, as rows, by the panels of c from that of b on, as columns.
-std::int64_t RowPanelsBefore(int b) {
-  std::int64_t panels = 0;
-  for (int earlier = 0; earlier < b; ++earlier) panels += earlier / kLanes + 1;
-  return panels;
+// Third moments are sums of (z_a z_b) z_c with a <= b <= c. The pairs (a, b) are the rows of a
+// table and the c its columns. Four consecutive b share their columns, which begin at the first of
+// these b; their rows are filled up to a multiple of four.
+constexpr int kQuad = 4;
+
+int QuadRows(int p, int quad) {
+  int rows = 0;
+  for (int b = quad * kQuad; b < std::min(p, (quad + 1) * kQuad); ++b) rows += b + 1;
+  return (rows + kQuad - 1) / kQuad * kQuad;
+}
+
+int QuadColumns(int p) {
+  return (p + kQuad - 1) / kQuad * kQuad;
+}
+
+std::int64_t RowsBefore(int p, int quad) {
+  std::int64_t rows = 0;
+  for (int earlier = 0; earlier < quad; ++earlier) rows += QuadRows(p, earlier);
+  return rows;
 }
 
 std::int64_t ThirdMoments(int p) {
-  return RowPanelsBefore(p) * kLanes * PaddedLanes(p);
+  return RowsBefore(p, QuadColumns(p) / kQuad) * PaddedLanes(p);
 }
 
 // What the second pass collects.
 struct Sums {
-  CAlignedBuffer third;   // sum of w z_a z_b z_c, rows: b and panels of a, columns: c
+  CAlignedBuffer third;   // sum of w z_a z_b z_c, rows: pairs a and b, columns: c
   double distances4 = 0;  // sum of w |z|^4
   double n = 0;
   std::int64_t cases = 0;
@@ -45,15 +58,19 @@ class CGroup {
         p_(static_cast<int>(mean.size())),
         panels_(PaddedLanes(p_) / kLanes),
         centered_(kSegmentCases, panels_ * kLanes),
-        columns_(panels_ * kSegmentCases * kLanes),
-        products_(kSegmentCases * kLanes) {
+        cells_(kSegmentCases * panels_ * kLanes),
+        white_(cells_.Data(), kSegmentCases, panels_ * kLanes),
+        byVariable_(static_cast<std::int64_t>(p_) * kChunkCases),
+        products_(kQuad * kChunkCases) {
     sums_.third = CAlignedBuffer(ThirdMoments(p_));
   }
 
   void Add(const CSegment& segment) {
     Whiten(segment);
     AddDistances(segment);
-    for (int b = 0; b < p_; ++b) AddThird(segment, b);
+    for (std::int64_t from = 0; from < segment.Cases(); from += kChunkCases) {
+      AddThird(segment, from, std::min(kChunkCases, segment.Cases() - from));
+    }
     sums_.cases += segment.Cases();
   }
 
@@ -62,15 +79,21 @@ class CGroup {
  private:
   void Whiten(const CSegment& segment);
   void AddDistances(const CSegment& segment);
-  void AddThird(const CSegment& segment, int b);
-  double* Panel(int panel) { return columns_.Data() + panel * kSegmentCases * kLanes; }
+  void AddThird(const CSegment& segment, std::int64_t from, std::int64_t cases);
+  void AddQuad(int quad, std::int64_t from, std::int64_t cases, double* result);
+  void Turn(std::int64_t from, std::int64_t cases);
+
+  // So many cases of some thirty variables stay in the innermost cache, both ways round.
+  static constexpr std::int64_t kChunkCases = 64;
 
   const VectorXd& mean_;
   const RowMatrix& whitening_;
   int p_, panels_;
-  RowMatrix centered_, white_;  // padded to whole panels, as the whitening matrix
-  CAlignedBuffer columns_;      // panels of whitened cases
-  CAlignedBuffer products_;     // one panel times one variable
+  RowMatrix centered_;  // padded to whole panels, as the whitening matrix
+  CAlignedBuffer cells_;
+  Eigen::Map<RowMatrix> white_;  // the same whitened, in `cells_`
+  CAlignedBuffer byVariable_;    // a chunk of whitened cases, variable after variable
+  CAlignedBuffer products_;      // of four pairs of variables
   Sums sums_;
 };
 
@@ -85,11 +108,8 @@ void CGroup::Whiten(const CSegment& segment) {
       for (int l = 0; l < kLanes; ++l) to[l] = from[k * kLanes + l] - mean[l];
     }
   }
-  white_.noalias() = centered_.topRows(segment.Cases()) * whitening_.transpose();
-  for (int panel = 0; panel < panels_; ++panel) {
-    for (std::int64_t k = 0; k < segment.Cases(); ++k)
-      std::copy_n(&white_(k, panel * kLanes), kLanes, Panel(panel) + k * kLanes);
-  }
+  white_.topRows(segment.Cases()).noalias() =
+      centered_.topRows(segment.Cases()) * whitening_.transpose();
 }
 
 void CGroup::AddDistances(const CSegment& segment) {
@@ -100,25 +120,46 @@ void CGroup::AddDistances(const CSegment& segment) {
   }
 }
 
-void CGroup::AddThird(const CSegment& segment, int b) {
+void CGroup::Turn(std::int64_t from, std::int64_t cases) {
+  for (int j = 0; j < p_; ++j) {
+    double* const to = byVariable_.Data() + j * kChunkCases;
+    for (std::int64_t k = 0; k < cases; ++k) to[k] = white_(from + k, j);
+  }
+}
+
+void CGroup::AddThird(const CSegment& segment, std::int64_t from, std::int64_t cases) {
+  Turn(from, cases);
+  // The columns carry the weights.
+  if (segment.Weighted()) {
+    for (std::int64_t k = from; k < from + cases; ++k) white_.row(k) *= segment.Weights()[k];
+  }
+  for (int quad = 0; quad * kQuad < p_; ++quad) {
+    AddQuad(quad, from, cases, sums_.third.Data() + RowsBefore(p_, quad) * white_.cols());
+  }
+}
+
+void CGroup::AddQuad(int quad, std::int64_t from, std::int64_t cases, double* result) {
   const Kernels& kernels = ActiveKernels();
-  const int own = b / kLanes;
-  const std::int64_t stride = static_cast<std::int64_t>(panels_) * kLanes;
-  double* result = sums_.third.Data() + RowPanelsBefore(b) * kLanes * stride;
-  for (int rows = 0; rows <= own; ++rows) {
-    const double* a = Panel(rows);
-    const double* factor = Panel(own) + b % kLanes;
-    for (std::int64_t k = 0; k < segment.Cases(); ++k) {
-      const double scale = segment.Weights()[k] * factor[k * kLanes];
-      for (int l = 0; l < kLanes; ++l) products_.Data()[k * kLanes + l] = scale * a[k * kLanes + l];
-    }
-    for (int half = 0; half < kLanes && rows * kLanes + half <= b; half += 4) {
-      double* to = result + (rows * kLanes + half) * stride;
-      for (int columns = own; columns < panels_; ++columns)
-        kernels.multiply(products_.Data() + half, Panel(columns), segment.Cases(),
-                         to + columns * kLanes, stride);
+  const std::int64_t stride = white_.cols();
+  const int firstColumn = quad * kQuad;
+  const int columns = QuadColumns(p_) - firstColumn;
+  int filled = 0;
+  const auto flush = [&] {
+    kernels.multiplyRows(products_.Data(), kChunkCases, &white_(from, firstColumn), columns, cases,
+                         result + firstColumn, stride);
+    result += kQuad * stride;
+    filled = 0;
+  };
+  for (int b = firstColumn; b < std::min(p_, firstColumn + kQuad); ++b) {
+    const double* const second = byVariable_.Data() + b * kChunkCases;
+    for (int a = 0; a <= b; ++a) {
+      const double* const first = byVariable_.Data() + a * kChunkCases;
+      double* const product = products_.Data() + filled * kChunkCases;
+      for (std::int64_t k = 0; k < cases; ++k) product[k] = first[k] * second[k];
+      if (++filled == kQuad) flush();
     }
   }
+  if (filled > 0) flush();  // what is left of earlier products goes into rows that nobody reads
 }
 
 // The sum over all a, b, c of the squared third moments, from those with a <= b <= c.
@@ -126,7 +167,10 @@ double SumOfSquares(const Sums& sums, int p) {
   double total = 0;
   const std::int64_t stride = PaddedLanes(p);
   for (int b = 0; b < p; ++b) {
-    const double* moments = sums.third.Data() + RowPanelsBefore(b) * kLanes * stride;
+    const int quad = b / kQuad;
+    std::int64_t row = RowsBefore(p, quad);
+    for (int earlier = quad * kQuad; earlier < b; ++earlier) row += earlier + 1;
+    const double* const moments = sums.third.Data() + row * stride;
     for (int a = 0; a <= b; ++a) {
       for (int c = b; c < p; ++c) {
         const double orders = a == b && b == c ? 1 : (a == b || b == c ? 3 : 6);
