@@ -169,6 +169,23 @@ TEST_F(RunTest, SavesTransformedDataAsSystemFileAndAsText) {
   EXPECT_EQ(ReadBytes(folder / "new.txt"), text);
 }
 
+// Ordinal and continuous variables in one matrix: 10 elements below the diagonal, 15 with it, of
+// which the variances of the underlying variables do not vary.
+TEST_F(RunTest, SavesAsymptoticVariancesOfMixedVariables) {
+  for (const auto& [kind, elements] : {std::pair("KM", 10), std::pair("CM", 15)}) {
+    const std::string name = folder / kind;
+    ASSERT_EQ(Run("SE 1-5\nOU PV MA=" + CString(kind) + " AV=" + name), ERUNRESULT::Done)
+        << Output();
+    const std::string bytes = ReadBytes(name);
+    ASSERT_EQ(bytes.size(), 4U + 8U * static_cast<std::size_t>(elements));
+    std::vector<double> variances(static_cast<std::size_t>(elements));
+    std::memcpy(variances.data(), bytes.data() + 4, variances.size() * 8);
+    EXPECT_EQ(std::count(variances.begin(), variances.end(), 0.0), elements == 15 ? 2 : 0);
+    EXPECT_TRUE(
+        std::all_of(variances.begin(), variances.end(), [](double v) { return v >= 0 && v < .2; }));
+  }
+}
+
 TEST_F(RunTest, SavesThresholds) {
   ASSERT_EQ(Run("SE 4 5\nOU XT TH=" + (folder / "th")), ERUNRESULT::Done) << Output();
   std::ifstream th(folder / "th");

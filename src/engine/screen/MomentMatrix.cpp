@@ -4,7 +4,6 @@
 
 #include "engine/screen/Faults.h"
 #include "engine/stats/Parallel.h"
-#include "engine/stats/Polyserial.h"
 #include "vexutils/FreeMemory.h"
 
 namespace {
@@ -71,7 +70,7 @@ class CMomentBuilder {
  public:
   CMomentBuilder(MOMENTS kind, const SCREENVARIABLES& variables, const stats::MomentMatrix& numeric,
                  const std::vector<stats::UnivariateResult>& univariate,
-                 const stats::PolychoricMatrix* polychoric, const POLYSERIALMATRIX& polyserial)
+                 const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial)
       : kind_(kind),
         variables_(variables),
         numeric_(numeric),
@@ -88,7 +87,9 @@ class CMomentBuilder {
     }
     const SCREENVARIABLE& ordinal = a.IsOrdinal() ? a : b;
     const SCREENVARIABLE& other = a.IsOrdinal() ? b : a;
-    return polyserial_(ordinal.place, other.place) * Scale(other);
+    const std::size_t at = static_cast<std::size_t>(ordinal.place) * variables_.numeric.size() +
+                           static_cast<std::size_t>(other.place);
+    return polyserial_[at].r * Scale(other);
   }
 
   double Mean(std::size_t i) const {
@@ -119,7 +120,7 @@ class CMomentBuilder {
   const stats::MomentMatrix& numeric_;
   const std::vector<stats::UnivariateResult>& univariate_;
   const stats::PolychoricMatrix* polychoric_;
-  const POLYSERIALMATRIX& polyserial_;
+  const POLYSERIALRESULTS& polyserial_;
 };
 
 const SCREENVARIABLE& Numeric(const SCREENVARIABLES& variables, int place) {
@@ -170,8 +171,8 @@ bool ComputeNumeric(const ENGINERUN& run, const SCREENVARIABLES& variables,
 
 }  // namespace
 
-bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables, POLYSERIALMATRIX& matrix,
-                         FAULT& fault) {
+bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
+                         POLYSERIALRESULTS& results, FAULT& fault) {
   const std::size_t numeric = variables.numeric.size();
   const std::size_t ordinal = variables.ordinal.size();
   const std::int64_t cases =
@@ -193,29 +194,26 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables, POLYS
   if (!run.Pass(
           run.source, [&store](const CASEBLOCK& block) { store.Add(block); }, fault))
     return false;
-  matrix.setZero(At(ordinal), At(numeric));
-  std::vector<stats::EStatus> statuses(ordinal * numeric, stats::EStatus::Ok);
-  stats::ParallelFor(run.threads, static_cast<std::int64_t>(statuses.size()), [&](std::int64_t k) {
+  results.assign(ordinal * numeric, {});
+  stats::ParallelFor(run.threads, static_cast<std::int64_t>(results.size()), [&](std::int64_t k) {
     const auto pair = static_cast<std::size_t>(k);
     const std::size_t i = pair / numeric;
     const std::size_t j = pair % numeric;
-    const stats::PolyserialResult result =
+    results[pair] =
         stats::EstimatePolyserial(store.cells[j].data(), store.codes[i].data(),
                                   static_cast<std::int64_t>(store.cells[j].size()),
                                   static_cast<int>(OrdinalAt(variables, i).values.values.size()),
                                   store.weights.empty() ? nullptr : store.weights.data());
-    matrix(At(i), At(j)) = result.r;
-    statuses[pair] = result.status;
   });
   run.report.Gap();
   run.report.Paragraph("For the polyserial correlations " + std::to_string((bytes >> 20) + 1) +
                        " MB of cases were held in memory.");
-  for (std::size_t pair = 0; pair < statuses.size(); ++pair) {
-    if (statuses[pair] == stats::EStatus::Ok) continue;
+  for (std::size_t pair = 0; pair < results.size(); ++pair) {
+    if (results[pair].status == stats::EStatus::Ok) continue;
     fault = OutputFault(run,
                         "the correlation of " + OrdinalAt(variables, pair / numeric).name +
                             " and " + Numeric(variables, static_cast<int>(pair % numeric)).name +
-                            " cannot be estimated: " + stats::StatusText(statuses[pair]),
+                            " cannot be estimated: " + stats::StatusText(results[pair].status),
                         "Leave one of the two variables out with SE.");
     return false;
   }
@@ -224,7 +222,7 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables, POLYS
 
 bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
                   const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
-                  const stats::PolychoricMatrix* polychoric, const POLYSERIALMATRIX& polyserial,
+                  const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
                   ANALYSISMOMENTS& out, FAULT& fault) {
   const MOMENTS kind = run.job.output.moments;
   stats::MomentMatrix numeric;

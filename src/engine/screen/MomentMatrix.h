@@ -8,6 +8,7 @@
 #include "engine/stats/AsymptoticCovariance.h"
 #include "engine/stats/Moments.h"
 #include "engine/stats/Polychoric.h"
+#include "engine/stats/Polyserial.h"
 
 // In the order of the analysis. An ordinal variable stands for an underlying one with mean 0 and
 // standard deviation 1.
@@ -17,18 +18,19 @@ struct ANALYSISMOMENTS {
   Eigen::VectorXd deviations;  // divisor n - 1
 };
 
-// Correlations of ordinal variables (rows) with numeric ones (columns).
-using POLYSERIALMATRIX = Eigen::MatrixXd;
+// Correlations of ordinal variables with numeric ones: ordinal after ordinal, one for each numeric
+// variable.
+using POLYSERIALRESULTS = std::vector<stats::PolyserialResult>;
 
 // Reads the cases once more and keeps the columns in memory, 8 bytes a numeric cell and 1 an
 // ordinal one; the report says how much. Returns false with the reason in `fault`.
-bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables, POLYSERIALMATRIX& matrix,
-                         FAULT& fault);
+bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
+                         POLYSERIALRESULTS& results, FAULT& fault);
 
 // `moments` may be null without numeric variables, `polychoric` without pairs of ordinal ones.
 bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
                   const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
-                  const stats::PolychoricMatrix* polychoric, const POLYSERIALMATRIX& polyserial,
+                  const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
                   ANALYSISMOMENTS& out, FAULT& fault);
 
 // Prints matrix, means and standard deviations. A matrix that is not positive definite is a fault

@@ -7,6 +7,7 @@
 #include "engine/screen/Faults.h"
 #include "engine/screen/MomentMatrix.h"
 #include "engine/screen/PairSections.h"
+#include "engine/stats/MixedAcov.h"
 #include "engine/stats/Parallel.h"
 #include "vexutils/FreeMemory.h"
 
@@ -62,13 +63,6 @@ class CScreening {
                output_.moments != MOMENTS::Correlations) {
       fault = OutputFault(run_, "asymptotic covariances are those of covariances or correlations",
                           "Ask for MA=CM or MA=KM, or leave out AC, AV, PA and PV.");
-    } else if (needs_.asymptotic && ordinal > 0 &&
-               (numeric > 0 || output_.moments != MOMENTS::Correlations)) {
-      fault = OutputFault(run_,
-                          "asymptotic covariances with ordinal variables are built for matrices of "
-                          "polychoric correlations only",
-                          "Select only ordinal variables and ask for MA=KM, or treat them as "
-                          "continuous with a CO line.");
     } else if (!output_.thresholdFile.empty() && ordinal == 0) {
       fault = OutputFault(run_, "TH asks for thresholds, and no variable is ordinal",
                           "Leave out TH, or select ordinal variables.");
@@ -98,8 +92,7 @@ class CScreening {
     if (needs_.asymptotic) {
       const auto kind = output_.moments == MOMENTS::Covariances ? stats::EMoments::Covariance
                                                                 : stats::EMoments::Correlation;
-      bytes += ordinal > 0 ? stats::CPolychoricAcov::MemoryFor(static_cast<int>(ordinal))
-                           : stats::CProductMomentAcov::MemoryFor(static_cast<int>(numeric), kind);
+      bytes += stats::CMixedAcov::MemoryFor(static_cast<int>(p), kind);
     }
     if (bytes <= FreeMemoryBytes()) return true;
     constexpr int kMegabyte = 20;
@@ -182,12 +175,11 @@ class CScreening {
       SaveOneVariableMoments();
       return true;
     }
-    POLYSERIALMATRIX polyserial;
-    if (needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial, fault))
+    if (needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial_, fault))
       return false;
     ANALYSISMOMENTS moments;
     if (!BuildMoments(run_, variables_, results_, moments_ ? &*moments_ : nullptr,
-                      polychoric_ ? &*polychoric_ : nullptr, polyserial, moments, fault)) {
+                      polychoric_ ? &*polychoric_ : nullptr, polyserial_, moments, fault)) {
       return false;
     }
     WriteMomentSection(run_, variables_, moments);
@@ -223,19 +215,34 @@ class CScreening {
   bool WriteAsymptotic(FAULT& fault) {
     stats::AsymptoticCovarianceResult result;
     bool done = false;
-    if (!variables_.ordinal.empty()) {
-      if (!polychoric_) return true;  // one variable has no correlations
-      stats::CPolychoricAcov acov(*tables_, *polychoric_, variables_.deletion, run_.threads);
-      done = Accumulate(
-          acov, [](auto& sum, const CASEBLOCK& block) { sum.Add(block.codes); }, result, fault);
-    } else {
-      const auto kind = output_.moments == MOMENTS::Covariances ? stats::EMoments::Covariance
-                                                                : stats::EMoments::Correlation;
+    const bool correlations = output_.moments == MOMENTS::Correlations;
+    const auto kind = correlations ? stats::EMoments::Correlation : stats::EMoments::Covariance;
+    if (variables_.ordinal.empty()) {
       stats::CProductMomentAcov acov(*moments_, kind, run_.threads);
       done = Accumulate(
           acov,
           [this](auto& sum, const CASEBLOCK& block) {
             sum.Add(FirstColumns(block, variables_.numeric.size()));
+          },
+          result, fault);
+    } else if (variables_.numeric.empty() && correlations) {
+      if (!polychoric_) return true;  // one variable has no correlations
+      stats::CPolychoricAcov acov(*tables_, *polychoric_, variables_.deletion, run_.threads);
+      done = Accumulate(
+          acov, [](auto& sum, const CASEBLOCK& block) { sum.Add(block.codes); }, result, fault);
+    } else {
+      std::vector<stats::MixedVariable> all;
+      for (const SCREENVARIABLE& variable : variables_.all) {
+        all.push_back({variable.IsOrdinal(), variable.place});
+      }
+      stats::CMixedAcov acov(std::move(all),
+                             {moments_ ? &*moments_ : nullptr, tables_ ? &*tables_ : nullptr,
+                              polychoric_ ? &*polychoric_ : nullptr, &polyserial_},
+                             kind, variables_.deletion, run_.threads);
+      done = Accumulate(
+          acov,
+          [this](auto& sum, const CASEBLOCK& block) {
+            sum.Add(FirstColumns(block, variables_.numeric.size()), block.codes);
           },
           result, fault);
     }
@@ -261,6 +268,7 @@ class CScreening {
   std::optional<stats::CMoments> complete_;  // of the continuous variables, complete cases
   std::optional<stats::CPairTables> tables_;
   std::optional<stats::PolychoricMatrix> polychoric_;
+  POLYSERIALRESULTS polyserial_;
   ONEVARIABLERESULTS results_;
 };
 

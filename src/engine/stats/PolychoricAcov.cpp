@@ -4,9 +4,8 @@
 #include <cmath>
 
 #include "engine/stats/AsymptoticCovariance.h"
-#include "engine/stats/CellModel.h"
 #include "engine/stats/CodeChunk.h"
-#include "engine/stats/Distributions.h"
+#include "engine/stats/InfluenceValues.h"
 #include "engine/stats/Parallel.h"
 #include "engine/stats/SymmetricProduct.h"
 
@@ -15,107 +14,6 @@ namespace stats {
 namespace {
 
 using Values = std::vector<double>;
-
-double Total(const Values& margin) {
-  double n = 0;
-  for (const double f : margin) n += f;
-  return n;
-}
-
-// What a case in each category adds to the slope of a pair through the thresholds of one
-// variable: the sum over thresholds of `slopes` times the threshold's influence value.
-Values ThroughThresholds(const Values& slopes, const Values& thresholds, const Values& margin) {
-  const double n = Total(margin);
-  Values influence(margin.size(), 0.0);
-  double cumulative = 0;
-  for (std::size_t a = 0; a < slopes.size(); ++a) {
-    cumulative += margin[a];
-    const double density = NormalDensity(thresholds[a]);
-    if (!(density > 0)) continue;  // an infinite threshold does not move
-    for (std::size_t c = 0; c < margin.size(); ++c)
-      influence[c] += slopes[a] / density * ((c <= a ? 1.0 : 0.0) - cumulative / n) / n;
-  }
-  return influence;
-}
-
-// One pair: the influence of a case by its two categories, the last row and column being for
-// missing ones.
-class CPairInfluence {
- public:
-  CPairInfluence(const FrequencyTable& table, const Values& rowThresholds,
-                 const Values& columnThresholds, double r)
-      : table_(table), model_(rowThresholds, columnThresholds), n_(Total(table.count)) {
-    model_.Evaluate(r);
-    curve_ = model_.Likelihood(table_, n_).curve;
-  }
-
-  Values Compute(const Values& rowThresholds, const Values& rowMargin,
-                 const Values& columnThresholds, const Values& columnMargin) const {
-    const Values byRow = ThroughThresholds(RowSlopes(), rowThresholds, rowMargin);
-    const Values byColumn = ThroughThresholds(ColumnSlopes(), columnThresholds, columnMargin);
-    Values influence;
-    for (int a = 0; a <= table_.rows; ++a) {
-      for (int b = 0; b <= table_.columns; ++b) {
-        double sum = 0;
-        if (a < table_.rows) sum += byRow[static_cast<std::size_t>(a)];
-        if (b < table_.columns) sum += byColumn[static_cast<std::size_t>(b)];
-        if (a < table_.rows && b < table_.columns) sum += Score(a, b) / n_;
-        influence.push_back(-sum / curve_);
-      }
-    }
-    return influence;
-  }
-
- private:
-  // Only cells with cases are asked for.
-  double Score(int a, int b) const {
-    return table_.At(a, b) > 0 ? model_.Slope(a, b) / model_.Probability(a, b) : 0.0;
-  }
-
-  // The share of a cell times the derivative of its score, for derivatives of its probability and
-  // slope.
-  double ScoreChange(int a, int b, double probability, double slope) const {
-    if (table_.At(a, b) == 0) return 0;
-    const double p = model_.Probability(a, b);
-    return table_.At(a, b) / n_ * (slope - model_.Slope(a, b) * probability / p) / p;
-  }
-
-  // Derivatives of the mean slope by the thresholds.
-  Values RowSlopes() const {
-    Values slopes;
-    for (int a = 0; a + 1 < table_.rows; ++a) {
-      const CCellModel::ByThreshold by = model_.ByRowThreshold(a);
-      double sum = 0;
-      for (int b = 0; b < table_.columns; ++b) {
-        const auto at = static_cast<std::size_t>(b);
-        sum += ScoreChange(a, b, by.probability[at], by.slope[at]) +
-               ScoreChange(a + 1, b, -by.probability[at], -by.slope[at]);
-      }
-      slopes.push_back(sum);
-    }
-    return slopes;
-  }
-
-  Values ColumnSlopes() const {
-    Values slopes;
-    for (int b = 0; b + 1 < table_.columns; ++b) {
-      const CCellModel::ByThreshold by = model_.ByColumnThreshold(b);
-      double sum = 0;
-      for (int a = 0; a < table_.rows; ++a) {
-        const auto at = static_cast<std::size_t>(a);
-        sum += ScoreChange(a, b, by.probability[at], by.slope[at]) +
-               ScoreChange(a, b + 1, -by.probability[at], -by.slope[at]);
-      }
-      slopes.push_back(sum);
-    }
-    return slopes;
-  }
-
-  const FrequencyTable& table_;
-  CCellModel model_;
-  double n_;
-  double curve_ = 0;
-};
 
 struct PairLookup {
   int row = 0, column = 0, width = 0;
@@ -149,13 +47,8 @@ struct CPolychoricAcov::State {
 
 void CPolychoricAcov::State::PreparePair(const CPairTables& tables, const PolychoricMatrix& matrix,
                                          int i, int j) {
-  const FrequencyTable table = tables.Table(i, j);
-  const Values& rows = matrix.thresholds[static_cast<std::size_t>(i)].threshold;
-  const Values& columns = matrix.thresholds[static_cast<std::size_t>(j)].threshold;
-  const CPairInfluence pair(table, rows, columns, matrix.correlation(i, j));
-  pairs[static_cast<std::size_t>(PairIndex(i, j))] = {
-      i, j, tables.Categories(j) + 1,
-      pair.Compute(rows, tables.Margin(i), columns, tables.Margin(j))};
+  pairs[static_cast<std::size_t>(PairIndex(i, j))] = {i, j, tables.Categories(j) + 1,
+                                                      PolychoricInfluence(tables, matrix, i, j)};
 }
 
 CPolychoricAcov::CPolychoricAcov(const CPairTables& tables, const PolychoricMatrix& matrix,

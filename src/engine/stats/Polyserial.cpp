@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "engine/stats/Blocks.h"
 #include "engine/stats/CorrelationSearch.h"
-#include "engine/stats/Distributions.h"
+#include "engine/stats/PolyserialModel.h"
 #include "engine/stats/Thresholds.h"
 #include "engine/stats/Univariate.h"
 
@@ -20,30 +21,14 @@ struct Case {
   int category;
 };
 
-// Derivatives of NormalCdf(u), u = (threshold - r z) / sqrt(1 - r^2), by r.
-struct Edge {
-  double u = 0, slope = 0, curve = 0;
-};
-
-Edge EdgeAt(double threshold, double z, double r) {
-  if (!std::isfinite(threshold)) return {threshold, 0, 0};
-  const double q = (1 - r) * (1 + r);
-  const double root = std::sqrt(q);
-  const double u = (threshold - r * z) / root;
-  const double u1 = (threshold * r - z) / (q * root);
-  const double u2 = (threshold + 3 * r * (threshold * r - z) / q) / (q * root);
-  const double density = NormalDensity(u);
-  return {u, density * u1, density * (u2 - u * u1 * u1)};
-}
-
 CorrelationLikelihood LikelihoodAt(const std::vector<Case>& cases,
                                    const std::vector<double>& thresholds, double n, double r) {
   CorrelationLikelihood sums;
   const int last = static_cast<int>(thresholds.size());
   for (const Case& c : cases) {
-    const Edge low = EdgeAt(
+    const PolyserialEdge low = PolyserialEdgeAt(
         c.category > 0 ? thresholds[static_cast<std::size_t>(c.category - 1)] : -HUGE_VAL, c.z, r);
-    const Edge high = EdgeAt(
+    const PolyserialEdge high = PolyserialEdgeAt(
         c.category < last ? thresholds[static_cast<std::size_t>(c.category)] : HUGE_VAL, c.z, r);
     const double p = NormalInterval(low.u, high.u);
     if (!(p > std::numeric_limits<double>::min())) {
@@ -111,6 +96,23 @@ double StartingValue(const std::vector<Case>& cases, const std::vector<double>& 
   return products / densities;
 }
 
+// Mean derivatives of the score at the estimates, by everything that was estimated before.
+void AddScoreSlopes(const std::vector<Case>& cases, PolyserialResult& result) {
+  const std::vector<double>& thresholds = result.thresholds;
+  result.byThreshold.assign(thresholds.size(), 0);
+  for (const Case& c : cases) {
+    const auto a = static_cast<std::size_t>(c.category);
+    const PolyserialScore score =
+        PolyserialScoreAt(a > 0 ? thresholds[a - 1] : -HUGE_VAL,
+                          a < thresholds.size() ? thresholds[a] : HUGE_VAL, c.z, result.r);
+    const double share = c.weight / result.n;
+    result.byZ += share * score.byZ;
+    result.bySquare += share * score.byZ * c.z;
+    if (a > 0) result.byThreshold[a - 1] += share * score.byLower;
+    if (a < thresholds.size()) result.byThreshold[a] += share * score.byUpper;
+  }
+}
+
 }  // namespace
 
 PolyserialResult EstimatePolyserial(const double* values, const std::uint8_t* codes,
@@ -147,8 +149,11 @@ PolyserialResult EstimatePolyserial(const double* values, const std::uint8_t* co
   result.r = maximum.r;
   result.gradient = maximum.at.slope;
   result.logLikelihood = result.n * maximum.at.value;
-  if (result.status == EStatus::Ok)
-    result.standardError = 1 / std::sqrt(-maximum.at.curve * result.n);
+  if (result.status != EStatus::Ok) return result;
+  result.standardError = 1 / std::sqrt(-maximum.at.curve * result.n);
+  result.curve = maximum.at.curve;
+  result.frequencies = std::move(frequencies);
+  AddScoreSlopes(usable, result);
   return result;
 }
 

@@ -26,6 +26,11 @@ struct PolyserialResult {
   double mean = 0, sd = 0;     // divisor n
   std::vector<double> thresholds;
   int iterations = 0;
+  // With status Ok, for influence values: mean derivatives of the score by r (curve), by z, by z
+  // times z, and by the thresholds; frequencies of the categories.
+  double curve = 0, byZ = 0, bySquare = 0;
+  std::vector<double> byThreshold;
+  std::vector<double> frequencies;
 };
 
 // Cases with NaN, kMissingCode or no weight are left out. The values are gone through once an
