@@ -11,6 +11,7 @@
 
 #include "vexdata/Commands.h"
 #include "vexdata/OutputArguments.h"
+#include "vexdata/ProcedureArguments.h"
 #include "vexdata/TerminalHost.h"
 
 namespace {
@@ -118,24 +119,33 @@ class Parser {
         "Write DATA.TRK, run the engine on it and print DATA.OUT; plain screening when "
         "nothing else is asked for");
     command->add_option("DATA", run_.file, "The system data file")->required();
-    CLI::Option* const procedure =
-        command->add_option("PROCEDURE", run_.procedure, "contents: what the data set describes")
-            ->check(CLI::IsMember({"contents"}));
+    command->require_subcommand(0, 1);
+    command->add_subcommand("contents", "What the data set describes")
+        ->group("Procedures")
+        ->callback([this] { run_.contents = true; });
+    AddProcedures(*command, run_.procedure);
     command->add_option("--line", run_.lines, "A line of the syntax as it stands; may be repeated")
         ->take_all()
-        ->allow_extra_args(false)
-        ->excludes(procedure);
-    command->add_flag("--syntax", run_.syntaxOnly, "Write and print DATA.TRK without running it")
-        ->excludes(procedure);
+        ->allow_extra_args(false);
+    command->add_flag("--syntax", run_.syntaxOnly, "Write and print DATA.TRK without running it");
+    command->add_flag("--overwrite", run_.overwrite, "Replace an existing file of new data (--to)");
     AddOutputArguments(*command, run_.output);
     command->callback([this, command] {
-      if ((HasOutputLine(run_) || !run_.procedure.empty()) && HasOutputArguments(*command)) {
-        throw CLI::ValidationError("run",
-                                   "the output line is given already: the output options "
-                                   "would have no effect");
-      }
+      CheckRun(HasOutputArguments(*command));
       command_ = [this] { return RunData(run_); };
     });
+  }
+
+  // Options that would go without effect are refused.
+  void CheckRun(bool outputArguments) const {
+    const auto refuse = [](const char* why) { throw CLI::ValidationError("run", why); };
+    const bool named = run_.contents || run_.procedure;
+    if (named && !run_.lines.empty()) refuse("a procedure and --line are given");
+    if (run_.contents && run_.syntaxOnly) refuse("the contents listing is always run");
+    const bool ownLine = run_.procedure && EntryOf(*run_.procedure).outputMode == kNoOutputOptions;
+    if (outputArguments && (HasOutputLine(run_) || run_.contents || ownLine)) {
+      refuse("the output line is given already: the output options would have no effect");
+    }
   }
 
   CTerminalHost& host_;

@@ -2,11 +2,13 @@
 // before.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/Types.h"
 #include "syntax/OutputOptions.h"
+#include "syntax/procedures/Procedures.h"
 
 struct ImportOptions {
   CString source;
@@ -41,10 +43,12 @@ struct ExportOptions {
 
 struct RunOptions {
   CString file;
-  CString procedure;           // empty: the lines below; "contents"
-  std::vector<CString> lines;  // as typed
-  TRVOUSTRUCT output;          // for the output line, where none was typed
+  bool contents = false;                      // the contents listing
+  std::optional<ProcedureChoices> procedure;  // as AddProcedures leaves them; none: the lines below
+  std::vector<CString> lines;                 // as typed
+  TRVOUSTRUCT output;                         // for the output line, where none was typed
   bool syntaxOnly = false;
+  bool overwrite = false;  // the new data of a procedure may replace a file
 };
 
 int ListFormats(bool json);

@@ -8,6 +8,7 @@
 #include "syntax/ProcedureRun.h"
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
+#include "vexdata/ProcedureArguments.h"
 #include "vexdata/SystemFile.h"
 
 namespace {
@@ -32,6 +33,18 @@ ProcedureJob JobOf(CDataDoc& document, const RunOptions& options) {
   return job;
 }
 
+// Makes the choices of a procedure ready to run. False, after a message, when they are not in
+// order.
+bool Prepare(const TORVIKSTRUCT& data, ProcedureChoices& choices, bool overwrite) {
+  if (!FindChosenVariables(data, choices)) return false;
+  if (const auto problem = CheckChoices(data, choices)) {
+    AfxMessageBox(problem->text);
+    return false;
+  }
+  const CString newData = TextOf(data, choices).newData;
+  return newData.empty() || MayWrite(newData, overwrite);
+}
+
 // The syntax names the data file: the description is all that is needed of it, not the cells.
 ProcedureResult RunLines(CDataDoc& document, const CString& fileName, const RunOptions& options) {
   CDescriptor file;
@@ -41,8 +54,15 @@ ProcedureResult RunLines(CDataDoc& document, const CString& fileName, const RunO
   document.SetPathName(fileName, false);
   *document.GetOutputOptions() = options.output;
   const int endCode = options.syntaxOnly ? kEndSyntax : kEndRun;
+  if (!options.procedure) {
+    return RunProcedure(
+        document, [&] { return endCode; }, [&] { return JobOf(document, options); });
+  }
+  const TORVIKSTRUCT& data = *document.GetTorvik();
+  ProcedureChoices choices = *options.procedure;
   return RunProcedure(
-      document, [&] { return endCode; }, [&] { return JobOf(document, options); });
+      document, [&] { return Prepare(data, choices, options.overwrite) ? endCode : kEndCancel; },
+      [&] { return JobOf(data, options.output, choices); });
 }
 
 ProcedureResult RunContents(CDataDoc& document, const CString& fileName) {
@@ -60,9 +80,8 @@ bool HasOutputLine(const RunOptions& options) {
 int RunData(const RunOptions& options) {
   const CString fileName = FullName(options.file);
   CDataDoc document;
-  const ProcedureResult result = options.procedure == "contents"
-                                     ? RunContents(document, fileName)
-                                     : RunLines(document, fileName, options);
+  const ProcedureResult result =
+      options.contents ? RunContents(document, fileName) : RunLines(document, fileName, options);
   if (result.state == ProcedureState::SyntaxShown) return kExitDone;
   if (result.state != ProcedureState::Done) return kExitFailed;
   if (result.engine == 0) return kExitDone;

@@ -1,5 +1,6 @@
 #include "datadoc/DocumentFixture.h"
 #include "syntax/ProcedureRun.h"
+#include "syntax/procedures/Procedures.h"
 
 class ProcedureRun : public DocumentTest {
  protected:
@@ -248,4 +249,30 @@ TEST_F(ProcedureRun, ASyntaxFileRunsAsItStands) {
   const std::string named = folder / "edited.OUT";
   EXPECT_EQ(RunSyntaxFile(named).state, ProcedureState::Refused);
   EXPECT_TRUE(std::filesystem::exists(named));
+}
+
+TEST_F(ProcedureRun, FactorAnalysisOfASubset) {
+  Fill({{1, 2, 3, 4, 5}});
+  Save(data);
+  const FactorAnalysisChoices choices{{"A", "B", "E"}, true, "2", true};
+  for (const int endCode : {kEndRun, kEndSyntax}) {
+    std::remove(syntax.c_str());
+    RunProcedure(
+        document, [&] { return endCode; },
+        [&] { return JobOf(*document.GetTorvik(), *document.GetOutputOptions(), choices); });
+    EXPECT_EQ(ReadBytes(syntax), "!TORVIK SYNTAX: Can be edited \nSY='" + data +
+                                     "'\n\nSE 1 2 5 \nFA NF=2 MR FS\nOU XT XM \n");
+  }
+}
+
+TEST_F(ProcedureRun, BootstrappingWritesTheCountTwice) {
+  document.GetOutputOptions()->nRepetitions = 50;
+  document.GetOutputOptions()->bRewind = 1;
+  RunProcedure(
+      document, [] { return kEndSyntax; },
+      [&] {
+        return JobOf(*document.GetTorvik(), *document.GetOutputOptions(), BootstrappingChoices());
+      });
+  EXPECT_EQ(ReadBytes(syntax), "!TORVIK SYNTAX: Can be edited \nRP=50 SY='" + data +
+                                   "'\n REOU RP=50 XT XM  BS=100 SF=100 \n");
 }

@@ -69,6 +69,47 @@ TEST_F(RunCommand, WritesTheSyntaxRunsAndPrintsTheOutput) {
   }
 }
 
+TEST_F(RunCommand, ProceduresWriteTheLinesOfTheirDialogs) {
+  const std::string newData = folder / "new.VSF";
+  const struct {
+    std::vector<std::string> arguments;
+    std::string lines;
+  } cases[] = {
+      {{"fa", "--factors", "2", "--minres", "--scores", "--variables", "alpha-beta"},
+       "\nSE 1 2 \nFA NF=2 MR FS\nOU XT XM \n"},
+      {{"fa", "--variables", "beta,1", "--wide"}, "\nSE 2 1 \nFA\nOU WP XT XM \n"},
+      {{"ofa", "--logistic"}, "OFA POM\nOU XT XM \n"},
+      {{"pc", "--components", "1", "--correlations", "--scores"}, "PC NC=1 KM PS\nOU XT XM \n"},
+      {{"et", "--variables", "1-2", "--save-thresholds", "t"}, "ET 1 2\nOU XT XM  TH=t \n"},
+      {{"ft", "--variables", "2", "--thresholds", data}, "FT 2\nOU XT XM  TH=" + data + " \n"},
+      {{"ht", "--variables", "1,2", "--variables", "beta,alpha"}, "HT 1 2\nHT 2 1\nOU XT XM \n"},
+      {{"ns", "--variables", "beta"}, "NS 2 \nOU XT XM \n"},
+      {{"impute", "--imputed", "1", "--matching", "2", "--variance-ratio", ".5", "--list", "none"},
+       "IMPUTE (1 ) (2 )  VR=0.500000 XL \nOU XT XM \n"},
+      {{"em", "--variables", "1-2", "--all-missing", "mean"},
+       "EM 1 2 IT=200 CC=0.00001 TC=1\nOU XT XM \n"},
+      {{"mc", "--variables", "1-2", "--data-sets", "5", "--seed", "3"},
+       "MC 1 2 IT=200 CC=0.00001 TC=0 RP=5\nOU IX=3 XT XM \n"},
+      {{"bs", "--samples", "9", "--sample-means", "m"}, "OU XT XM  BS=9 SF=100 ME=m \n"},
+      {{"rg", "--y", "1", "--x", "2"}, "RG 1 ON 2\nOU XT XM \n"},
+      {{"ts", "--y", "1", "--x", "2", "--instruments", "2"}, "TS 1 ON 2 WITH 2\nOU XT XM \n"},
+      {{"pr", "--y", "1", "--x", "2", "--alternative", "--marginal", "1"},
+       "MT 1 \nPR 1 ON 2 AP\nOU XT XM \n"},
+      {{"lo", "--y", "1", "--x", "2"}, "LO 1 ON 2\nOU\n"},
+      {{"compute", "x = alpha + 1", "y=2", "--to", newData},
+       "NE x = alpha + 1\nNE y = 2\nOU RA=" + newData + " XT XM \n"},
+      {{"recode", "1=2", "3 - HI = 4", "--variables", "beta", "--to", newData},
+       "RC 2 OLD=1 NEW=2 OLD=3-HI NEW=4\nOU RA=" + newData + " XT XM \n"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = {"run", data};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const Outcome run = RunVexData(arguments);
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(run.out, Syntax(c.lines));
+  }
+}
+
 TEST_F(RunCommand, ListsTheContents) {
   const Outcome run = RunVexData({"run", data, "contents"});
   EXPECT_EQ(run.code, 0) << run.err;
@@ -103,6 +144,13 @@ TEST_F(RunCommand, FailuresSayWhyOnOneLine) {
       {"", {folder / "engine"}, 1, {"not a correct VEXMOR data system file"}, ""},
       {"", {text}, 1, {"Please save data before performing this operation", "*.VSF"}, ""},
       {"", {data, "screen"}, 2, {}, ""},
+      {"", {data, "fa", "--variables", "1-3"}, 1, {"there is no variable 1-3"}, ""},
+      {"", {data, "cr", "--y", "1", "--x", "2"}, 1, {"alpha is no censored variable"}, ""},
+      {"", {data, "recode", "1=2", "--variables", "1", "--to", data}, 1, {"exists already"}, ""},
+      {"", {data, "lo", "--y", "1", "--x", "2", "--wide"}, 2, {}, ""},
+      {"", {data, "fa", "--line", "OU"}, 2, {}, ""},
+      {"", {data, "fa", "pc"}, 2, {}, ""},
+      {"", {data, "compute", "x", "--to", "n.VSF"}, 2, {}, ""},
       {"", {data, "--line", "OU", "--wide"}, 2, {}, ""},
       {"", {data, "contents", "--seed", "1"}, 2, {}, ""},
       {"", {data, "contents", "--line", "OU"}, 2, {}, ""},

@@ -1,0 +1,55 @@
+#include "syntax/procedures/VariableNumbers.h"
+
+#include <algorithm>
+
+#include "host/Text.h"
+
+std::int32_t VariableNumber(const TORVIKSTRUCT& data, std::string_view name) {
+  std::int32_t number = 1;
+  while (number <= data.variables &&
+         data.variable[static_cast<std::size_t>(number) - 1].name != name) {
+    ++number;
+  }
+  return number;
+}
+
+std::vector<std::int32_t> VariableNumbers(const TORVIKSTRUCT& data, const NameList& names) {
+  std::vector<std::int32_t> numbers;
+  numbers.reserve(names.size());
+  for (const CString& name : names) numbers.push_back(VariableNumber(data, name));
+  return numbers;
+}
+
+CString NumbersWithBlanks(const TORVIKSTRUCT& data, const NameList& names) {
+  CString text;
+  for (const std::int32_t number : VariableNumbers(data, names)) {
+    text += std::to_string(number) + ' ';
+  }
+  return text;
+}
+
+CString NumbersBetweenBlanks(const TORVIKSTRUCT& data, const NameList& names) {
+  CString text = NumbersWithBlanks(data, names);
+  if (!text.empty()) text.pop_back();
+  return text;
+}
+
+void AppendSelectionLines(const TORVIKSTRUCT& data, const NameList& names, const CString& command,
+                          CString& text) {
+  if (names.empty()) return;
+  CString line = command;
+  for (const std::int32_t number : VariableNumbers(data, names)) {
+    const CString word = std::to_string(number) + ' ';
+    if (line.size() + word.size() > kSelectionLineBytes) {
+      if (!text.empty()) text += '\n';
+      text += line;
+      line = command;
+    }
+    line += word;
+  }
+  (text += '\n') += line;
+}
+
+CString ShownName(const CString& name) {
+  return CString(Trimmed(TextForDisplay(name)));
+}
