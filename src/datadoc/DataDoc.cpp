@@ -80,6 +80,14 @@ void CDataDoc::UpdateTorvik(const TORVIKSTRUCT& copy) {
   }
 }
 
+void CDataDoc::SetTorvik(TORVIKSTRUCT data) {
+  data.format = data_.format;
+  data_ = std::move(data);
+  capacity_ = CapacityFor(data_.variables, capacity_);
+  data_.ResizeArrays(static_cast<std::size_t>(capacity_));
+  SizeRecordBuffer();
+}
+
 int CDataDoc::GetVarType() const {
   const auto end = data_.variable.begin() + data_.variables;
   return std::any_of(data_.variable.begin(), end,

@@ -42,6 +42,8 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   // Takes such a copy back. What a copy does not carry stays, but the single global missing value
   // returns to its default; the status bar says so when it was another.
   void UpdateTorvik(const TORVIKSTRUCT& copy);
+  // Takes a whole description as it stands, but for the format kind, which is the file's.
+  void SetTorvik(TORVIKSTRUCT data);
 
   std::int32_t GetRecnum() const { return data_.records; }
   std::int32_t GetVarnum() const { return data_.variables; }
@@ -113,6 +115,12 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   bool GetAppDataRecord(long record, const variables_t& variables, values_t& values) override;
   bool DoExportData(const CString& name, int type) override;
   bool GetTextFileDelimiter(char& delimiter) override;
+
+  // --- Cases ---
+  // Sorts the cases by variable `key` (counted from 0) with fqsort, in place and stable; `order` is
+  // kSortAscending or kSortDescending. A negative key does nothing. Returns 1; 0 when it failed or
+  // was stopped, the cells then being as they were.
+  int ProcessData_Sort(std::int32_t key, std::int32_t order);
 
   // --- Syntax ---
   // Applies the variable deletions ("SD" lines) of a data-screening syntax to the description and

@@ -54,6 +54,7 @@ int CDataDoc::FinishOpening(const CString& fileName) {
   view.RebuildColumns();
   SetPathName(fileName);  // the name goes into the scratch file's description
   view.ReopenFile();
+  view.OnDocumentSaved();
   SetModifiedFlag(false);
   return 1;
 }
@@ -61,6 +62,7 @@ int CDataDoc::FinishOpening(const CString& fileName) {
 int CDataDoc::OnSaveDocument(const CString& fileName) {
   if (data_.variables < 1 || data_.records < 1 || GetDataView() == nullptr) return 0;
   if (!WriteFileOfKind(fileName)) return 0;
+  GetDataView()->OnDocumentSaved();
   SetModifiedFlag(false);
   return 1;
 }

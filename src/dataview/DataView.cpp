@@ -65,6 +65,20 @@ void CDataView::RebuildColumns() {
   table_->Redraw();
 }
 
+void CDataView::ApplyFormat(DisplaySettings settings) {
+  settings.width = std::max(settings.width, settings.decimals + 1);
+  if (CVexAppUtil* const app = APPUTIL_GetApp()) app->SetDisplaySettings(settings);
+  cellPattern_ = CellPattern(settings.width, settings.decimals);
+  headingPattern_ = HeadingPattern(settings.width, settings.decimals);
+  if (table_ == nullptr) return;
+  for (int column = 0; column < document_.GetVarnum(); ++column) {
+    table_->SetColumnAlignment(column, settings.alignment);
+    table_->SetColumnWidth(column, settings.width * kWidthPerCharacter);
+    table_->SetColumnPattern(column, cellPattern_);
+  }
+  table_->Redraw();
+}
+
 void CDataView::ReopenFile() {
   const TORVIKSTRUCT& data = *document_.GetTorvik();
   row_.assign(static_cast<std::size_t>(data.variables), 0.0);
@@ -96,10 +110,15 @@ bool CDataView::Recover(const LeftOverScratch& left) {
   return true;
 }
 
+std::FILE* CDataView::OpenScratchFile(const char* mode) {
+  if (*mode == 'w') journal_.Clear();
+  return scratch_.Open(mode);
+}
+
 // Copies the whole records that are there. 0, or why it failed (an errno value).
 int CDataView::CopyLeftOver(const LeftOverScratch& left, std::int64_t& records) {
   CDescriptor file;
-  std::FILE* const scratch = scratch_.Open("w+b");
+  std::FILE* const scratch = OpenScratchFile("w+b");
   if (scratch == nullptr || !file.OpenForReading(left.name.c_str())) return errno;
   const std::int64_t recordBytes = CellBytes(1, left.data.variables);
   const std::int64_t present = recordBytes > 0 ? FileBytes(file.Get()) / recordBytes : 0;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <new>
 #include <unistd.h>
+#include <utility>
 
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -31,6 +32,12 @@ void RemoveDescription(const CString& scratchName) {
 bool IsOurs(const CString& name) {
   struct stat info {};
   return lstat(name.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_uid == geteuid();
+}
+
+int OpenLocked(const CString& name) {
+  const int file = open(name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW);
+  if (file >= 0) flock(file, LOCK_EX | LOCK_NB);
+  return file;
 }
 
 bool IsUnlocked(const CString& name) {
@@ -68,10 +75,17 @@ bool ReadDescription(const CString& scratchName, LeftOverScratch& found) {
 
 }  // namespace
 
+CWorkFile::CWorkFile() : name_(GetTempName(kPrefix)) {
+  if (!name_.empty()) descriptor_ = OpenLocked(name_);
+}
+
+CWorkFile::~CWorkFile() {
+  if (!name_.empty()) unlink(name_.c_str());
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
 CScratchFile::CScratchFile() : name_(GetTempName(kPrefix)) {
-  if (name_.empty()) return;
-  lock_ = open(name_.c_str(), O_RDWR | O_CLOEXEC);
-  if (lock_ >= 0) flock(lock_, LOCK_EX | LOCK_NB);
+  if (!name_.empty()) lock_ = OpenLocked(name_);
 }
 
 CScratchFile::~CScratchFile() {
@@ -84,8 +98,35 @@ std::FILE* CScratchFile::Open(const char* mode) {
   if (stream_ != nullptr) std::fclose(stream_);
   // Cells that are written anew are not those that the description speaks of.
   if (*mode == 'w') RemoveDescription(name_);
-  stream_ = name_.empty() ? nullptr : std::fopen(name_.c_str(), mode);
+  stream_ = name_.empty() ? nullptr : std::fopen(OpenName().c_str(), mode);
   return stream_;
+}
+
+// Its name, or where that no longer leads to it the system's name of the descriptor.
+CString CScratchFile::OpenName() const {
+#ifdef __linux__
+  if (lock_ >= 0 && !IsInPlace()) return "/proc/self/fd/" + std::to_string(lock_);
+#endif
+  return name_;
+}
+
+bool CScratchFile::IsInPlace() const {
+  struct stat named {};
+  struct stat held {};
+  return lock_ >= 0 && fstat(lock_, &held) == 0 && lstat(name_.c_str(), &named) == 0 &&
+         named.st_ino == held.st_ino && named.st_dev == held.st_dev;
+}
+
+bool CScratchFile::Replace(CWorkFile& work) {
+  // The cells are not those any more that the description speaks of.
+  RemoveDescription(name_);
+  if (std::rename(work.name_.c_str(), name_.c_str()) != 0) return false;
+  work.name_.clear();
+  if (stream_ != nullptr) std::fclose(stream_);
+  stream_ = nullptr;
+  if (lock_ >= 0) close(lock_);
+  lock_ = std::exchange(work.descriptor_, -1);
+  return true;
 }
 
 void CScratchFile::Describe(const TORVIKSTRUCT& data, const CString& pathName) const {

@@ -11,6 +11,24 @@
 
 #include "datadoc/DataSet.h"
 
+// A new file in the making that is to take the scratch file's place. Removed at the end if it did
+// not.
+class CWorkFile {
+ public:
+  CWorkFile();
+  ~CWorkFile();
+  CWorkFile(const CWorkFile&) = delete;
+  CWorkFile& operator=(const CWorkFile&) = delete;
+
+  bool IsOpen() const { return descriptor_ >= 0; }
+  int Descriptor() const { return descriptor_; }
+
+ private:
+  friend class CScratchFile;
+  CString name_;
+  int descriptor_ = -1;
+};
+
 class CScratchFile {
  public:
   CScratchFile();   // Name() is empty when no file could be made
@@ -20,13 +38,21 @@ class CScratchFile {
 
   const CString& Name() const { return name_; }
   // Closes the stream and opens it anew with a C mode ("w+b", "rb", "r+b", "a+b"). Null on failure.
-  // The stream stays the scratch file's.
+  // The stream stays the scratch file's. A file that somebody removed is opened all the same: its
+  // cells are there as long as it is locked.
   std::FILE* Open(const char* mode);
+  // Does the file still stand under its name?
+  bool IsInPlace() const;
+  // Puts `work` in the file's place, at once or not at all; the stream is closed then. Describe
+  // must follow.
+  bool Replace(CWorkFile& work);
   std::FILE* Stream() const { return stream_; }
   // Writes the description beside the file. What goes wrong here only costs the recovery.
   void Describe(const TORVIKSTRUCT& data, const CString& pathName) const;
 
  private:
+  CString OpenName() const;
+
   CString name_;
   int lock_ = -1;
   std::FILE* stream_ = nullptr;

@@ -63,3 +63,7 @@ int OpenUnnamedBeside(int file) {
   const int beside = folder.empty() ? -1 : OpenUnnamedIn(folder);
   return beside >= 0 ? beside : OpenUnnamedIn(FolderOfTempFiles());
 }
+
+int OpenUnnamedTemporary() {
+  return OpenUnnamedIn(FolderOfTempFiles());
+}

@@ -17,3 +17,6 @@ std::string FolderOfTempFiles();
 // the kernel can copy between the two, else in FolderOfTempFiles(). Returns the descriptor, which
 // the caller closes, or -1.
 int OpenUnnamedBeside(int file);
+
+// The same in FolderOfTempFiles().
+int OpenUnnamedTemporary();
