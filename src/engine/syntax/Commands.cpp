@@ -98,7 +98,7 @@ void ReadRC(COMMANDCONTEXT& context) {
 
 constexpr COMMAND kCommands[] = {
     {"SE", ReadSE, {}},
-    {"SC", ReadSelection, {}},
+    {"SC", ReadSelection, {}, "CASE ODD EVEN"},
     {"SD", ReadSelection, {}},
     {"OR", ReadType<kOrdinal>, {}},
     {"CO", ReadType<kContinuous>, {}},
@@ -107,14 +107,25 @@ constexpr COMMAND kCommands[] = {
     {"CE", ReadType<kCensoredBoth>, {}},
     {"FI", ReadType<kFixed>, {}},
     {"NE", ReadNE, {}},
-    {"RC", ReadRC, {}},
+    {"RC", ReadRC, {}, "OLD= NEW="},
 };
 
-const COMMAND* FindCommand(std::string_view word) {
-  const auto* const found = std::find_if(
-      std::begin(kCommands), std::end(kCommands),
-      [word](const COMMAND& command) { return EqualIgnoringCase(word, command.word); });
-  return found == std::end(kCommands) ? FindProcedureCommand(word) : found;
+const COMMAND* FindIn(std::span<const COMMAND> table, std::string_view word) {
+  const auto found = std::find_if(table.begin(), table.end(), [word](const COMMAND& command) {
+    return EqualIgnoringCase(word, command.word);
+  });
+  return found == table.end() ? nullptr : &*found;
+}
+
+CString WordsOf(std::span<const COMMAND> table) {
+  CString words;
+  for (const COMMAND& command : table) (words += words.empty() ? "" : " ") += command.word;
+  return words;
+}
+
+CString KnownCommands() {
+  return "The commands are " + WordsOf(DataCommands()) + ", the procedures " +
+         WordsOf(ProcedureCommandTable()) + ", and OU as the last line.";
 }
 
 bool ReadCommand(const SyntaxLine& line, CVariableNames& names, JOB& job, FAULT& fault) {
@@ -125,10 +136,7 @@ bool ReadCommand(const SyntaxLine& line, CVariableNames& names, JOB& job, FAULT&
     fault = {line.number, CString(Trimmed(line.text)),
              late ? "SY and RP stand before the first command, and once"
                   : "expected a command, found " + Shown(word),
-             late
-                 ? ""
-                 : "The commands are SE SC SD OR CO CA CB CE FI NE RC, the procedures FA OFA PC HT "
-                   "ET FT MT NS IMPUTE EM MC RG TS PR LO CR, and OU as the last line."};
+             late ? CString() : KnownCommands()};
     return false;
   }
   CWords words(line, names, command->singleCharacters);
@@ -165,6 +173,15 @@ bool CheckThresholdFile(const JOB& job, FAULT& fault) {
 }
 
 }  // namespace
+
+std::span<const COMMAND> DataCommands() {
+  return kCommands;
+}
+
+const COMMAND* FindCommand(std::string_view word) {
+  const COMMAND* const found = FindIn(DataCommands(), word);
+  return found != nullptr ? found : FindIn(ProcedureCommandTable(), word);
+}
 
 bool ParseCommands(const std::vector<SyntaxLine>& lines, const TORVIKSTRUCT& data, JOB& job,
                    FAULT& fault) {

@@ -1,6 +1,7 @@
 // The commands of the syntax: which word is read by which function.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "engine/syntax/Job.h"
@@ -21,7 +22,13 @@ struct COMMAND {
   std::string_view word;
   CommandReader read;
   std::string_view singleCharacters;  // that are words of their own
+  // The words that the line may hold beside its variables, blanks between them; "NF=" stands for a
+  // word that begins so.
+  std::string_view options = {};
 };
 
-// The procedures' command of this word, or null.
-const COMMAND* FindProcedureCommand(std::string_view word);
+// The commands that prepare the data.
+std::span<const COMMAND> DataCommands();
+std::span<const COMMAND> ProcedureCommandTable();
+// A command of either table by its word in any case, or null. OU is none of them.
+const COMMAND* FindCommand(std::string_view word);

@@ -78,3 +78,6 @@ class CExpression {
   std::vector<std::int32_t> variables_;
   std::size_t depth_ = 0;  // columns on the stack at most
 };
+
+// The functions that an expression may call.
+std::vector<std::string_view> ExpressionFunctions();

@@ -31,6 +31,12 @@ class CExpressionParser {
     return problem_.empty();
   }
 
+  static std::vector<std::string_view> FunctionNames() {
+    std::vector<std::string_view> names;
+    for (const Function& function : kFunctions) names.push_back(function.name);
+    return names;
+  }
+
  private:
   using Operation = CExpression::Operation;
 
@@ -207,4 +213,8 @@ class CExpressionParser {
 bool CExpression::Parse(std::string_view text, const CVariableNames& names, CString& problem) {
   *this = CExpression();
   return CExpressionParser(text, names, *this).Parse(problem);
+}
+
+std::vector<std::string_view> ExpressionFunctions() {
+  return CExpressionParser::FunctionNames();
 }

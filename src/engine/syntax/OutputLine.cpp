@@ -198,6 +198,10 @@ class COutputLineReader {
 
 }  // namespace
 
+bool IsOutputKeyword(std::string_view word) {
+  return IsKeyword(word);
+}
+
 bool ParseOutputLine(const SyntaxLine& line, OUTPUTLINE& output, FAULT& fault) {
   fault = FAULT();
   return COutputLineReader(line, output, fault).Read();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "engine/Fault.h"
 #include "engine/syntax/SyntaxLine.h"
@@ -37,6 +38,9 @@ struct OUTPUTLINE {
 
   int Columns() const { return wide ? 132 : 80; }
 };
+
+// Is the word a keyword of the output line, or does it begin as one with a value does ("SM=")?
+bool IsOutputKeyword(std::string_view word);
 
 // Reads the line. Returns false with the reason in `fault` when it is not understood.
 bool ParseOutputLine(const SyntaxLine& line, OUTPUTLINE& output, FAULT& fault);

@@ -183,11 +183,22 @@ void ReadCR(COMMANDCONTEXT& context) {
   ReadRegression(context, REGRESSION::Method::Censored, false);
 }
 
-constexpr COMMAND kProcedures[] = {
-    {"FA", ReadFA, {}}, {"OFA", ReadOFA, {}}, {"PC", ReadPC, {}}, {"HT", ReadHT, {}},
-    {"ET", ReadET, {}}, {"FT", ReadFT, {}},   {"MT", ReadMT, {}}, {"NS", ReadNS, {}},
-    {"EM", ReadEM, {}}, {"MC", ReadMC, {}},   {"RG", ReadRG, {}}, {"TS", ReadTS, {}},
-    {"PR", ReadPR, {}}, {"LO", ReadLO, {}},   {"CR", ReadCR, {}}, {"IMPUTE", ReadIMPUTE, "()"}};
+constexpr COMMAND kProcedures[] = {{"FA", ReadFA, {}, "NF= MR FS"},
+                                   {"OFA", ReadOFA, {}, "NOR POM NF="},
+                                   {"PC", ReadPC, {}, "NC= KM PS"},
+                                   {"HT", ReadHT, {}},
+                                   {"ET", ReadET, {}},
+                                   {"FT", ReadFT, {}},
+                                   {"MT", ReadMT, {}},
+                                   {"NS", ReadNS, {}},
+                                   {"EM", ReadEM, {}, "IT= CC= TC="},
+                                   {"MC", ReadMC, {}, "IT= CC= TC= RP="},
+                                   {"RG", ReadRG, {}, "ON"},
+                                   {"TS", ReadTS, {}, "ON WITH"},
+                                   {"PR", ReadPR, {}, "ON AP"},
+                                   {"LO", ReadLO, {}, "ON AP"},
+                                   {"CR", ReadCR, {}, "ON"},
+                                   {"IMPUTE", ReadIMPUTE, "()", "VR= XL XN"}};
 
 struct NameOf {
   const char* operator()(const FACTORANALYSIS&) const { return "Exploratory factor analysis (FA)"; }
@@ -224,11 +235,8 @@ struct NameOf {
 
 }  // namespace
 
-const COMMAND* FindProcedureCommand(std::string_view word) {
-  const auto* const found = std::find_if(
-      std::begin(kProcedures), std::end(kProcedures),
-      [word](const COMMAND& command) { return EqualIgnoringCase(word, command.word); });
-  return found == std::end(kProcedures) ? nullptr : found;
+std::span<const COMMAND> ProcedureCommandTable() {
+  return kProcedures;
 }
 
 CString ProcedureName(const PROCEDURE& procedure) {

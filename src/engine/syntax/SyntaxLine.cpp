@@ -49,6 +49,10 @@ std::string_view FirstWord(std::string_view line) {
   return line.substr(0, line.find_first_of(" \t="));
 }
 
+std::size_t CommentBegin(std::string_view line) {
+  return std::min(FindComment(line), line.size());
+}
+
 std::vector<SyntaxLine> SplitSyntax(std::string_view syntax) {
   std::vector<SyntaxLine> lines;
   int number = 0;

@@ -19,5 +19,8 @@ struct SyntaxLine {
 // else are left out.
 std::vector<SyntaxLine> SplitSyntax(std::string_view syntax);
 
+// Where the comment of a line begins; the line's size when it has none.
+std::size_t CommentBegin(std::string_view line);
+
 // The first word of a line: what stands before the first blank or "=".
 std::string_view FirstWord(std::string_view line);
