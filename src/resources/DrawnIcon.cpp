@@ -97,6 +97,18 @@ void SortBars(QPainter& painter, const Ink& ink) {
   Arrow(painter, {6, 5}, {6, 19}, ink.accent);
 }
 
+// A sheet with lines of text; `command` colours the first word of each.
+void Page(QPainter& painter, const Ink& ink, bool command) {
+  Sheet(painter, ink, {4, 2.5, 16, 19});
+  for (int i = 0; i < 4; ++i) {
+    const qreal y = 8.5 + 3.2 * i;
+    painter.setPen(QPen(command ? ink.accent : ink.line, 1.4, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLine(QPointF(7, y), QPointF(10, y));
+    painter.setPen(QPen(ink.line, 1.4, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLine(QPointF(11.5, y), QPointF(i == 2 ? 14.5 : 17, y));
+  }
+}
+
 void Paint(QPainter& painter, Picture picture, const Ink& ink) {
   switch (picture) {
     case Picture::Program:
@@ -120,6 +132,10 @@ void Paint(QPainter& painter, Picture picture, const Ink& ink) {
       return SortBars(painter, ink);
     case Picture::Variables:
       return Grid(painter, ink, {3, 4, 18, 16});
+    case Picture::Output:
+      return Page(painter, ink, false);
+    case Picture::Syntax:
+      return Page(painter, ink, true);
   }
 }
 

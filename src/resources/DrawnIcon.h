@@ -3,6 +3,18 @@
 
 #include <QIcon>
 
-enum class Picture { Program, New, Open, Save, Import, Export, GoTo, SortUp, Variables };
+enum class Picture {
+  Program,
+  New,
+  Open,
+  Save,
+  Import,
+  Export,
+  GoTo,
+  SortUp,
+  Variables,
+  Output,
+  Syntax
+};
 
 QIcon DrawnIcon(Picture picture);

@@ -20,6 +20,7 @@
 #include "vexapp/Display.h"
 #include "vexapp/ProcedureCommands.h"
 #include "vexapp/StartPage.h"
+#include "vexapp/TextWindow.h"
 #include "vexapp/VexApp.h"
 
 using namespace commands;
@@ -53,6 +54,7 @@ CAppFrame::CAppFrame(CVexApp& app)
   BuildBars();
   HandleCommands();
   HandleProcedures();
+  HandleTexts();
   BuildAppearanceMenu();
   app_.SetMainFrame(this, this);
   app_.SetTargetCheck([this](const QString& path) { return WhyNotWriteTo(path); });
@@ -65,11 +67,12 @@ CAppFrame::CAppFrame(CVexApp& app)
 CAppFrame::~CAppFrame() {
   area_->disconnect(this);
   // Windows that are closed already may still wait for their end.
-  for (CDataWindow* window : findChildren<CDataWindow*>()) {
+  for (CFrameWindow* window : findChildren<CFrameWindow*>()) {
     window->disconnect(this);
     delete window;
   }
   app_.SetTargetCheck({});
+  app_.SetOpener({});
   app_.SetMainFrame(nullptr, nullptr);
 }
 
@@ -186,8 +189,6 @@ void CAppFrame::BuildAppearanceMenu() {
 void CAppFrame::UpdateActions() {
   const bool open = current_ != nullptr;
   const bool saveable = open && current_->CanBeSaved();
-  menus_->Action(kFileSave)->setEnabled(saveable);
-  menus_->Action(kFileSaveAs)->setEnabled(saveable);
   menus_->Action(kFileExport)->setEnabled(saveable);
   menus_->Action(kViewGoToCase)->setEnabled(saveable);
   menus_->Action(kViewDataToolBar)->setEnabled(open);
@@ -197,8 +198,12 @@ void CAppFrame::UpdateActions() {
   }
   for (const int number :
        {kFileClose, kWindowTile, kWindowCascade, kWindowNext, kWindowPrevious, kWindowCloseAll}) {
-    menus_->Action(number)->setEnabled(open);
+    menus_->Action(number)->setEnabled(Active() != nullptr);
   }
+  UpdateTextActions();
+  const bool text = currentText_ != nullptr;
+  menus_->Action(kFileSave)->setEnabled(saveable || (text && currentText_->CanReplace()));
+  menus_->Action(kFileSaveAs)->setEnabled(saveable || text);
 }
 
 void CAppFrame::ToggleBarVisible(int bar, bool visible) {
@@ -239,15 +244,17 @@ void CAppFrame::ShowRecentFiles() {
 
 void CAppFrame::UpdateTitle() {
   const QString program = QCoreApplication::applicationName();
-  setWindowTitle(current_ == nullptr ? program
-                                     : tr("%1[*] - %2").arg(current_->FileName(), program));
-  setWindowModified(current_ != nullptr && current_->Document().IsModified());
+  const CFrameWindow* const active = Active();
+  setWindowTitle(active == nullptr ? program : tr("%1[*] - %2").arg(active->FileName(), program));
+  setWindowModified(active != nullptr && active->IsModified());
 }
 
 void CAppFrame::UpdateCell() {
   cellLabel_->setText(current_ == nullptr ? QString() : current_->CellDescription());
-  panes_->SetPaneText(CStatusBarPanes::kSizePane,
-                      current_ == nullptr ? CString() : current_->SizeDescription().toStdString());
+  const QString size = current_ != nullptr       ? current_->SizeDescription()
+                       : currentText_ != nullptr ? currentText_->Description()
+                                                 : QString();
+  panes_->SetPaneText(CStatusBarPanes::kSizePane, size.toStdString());
 }
 
 void CAppFrame::ShowContextMenu(int type, const QPoint& point) {

@@ -11,6 +11,8 @@
 #include "vexapp/StatusBarPanes.h"
 
 class CDataWindow;
+class CFrameWindow;
+class CTextWindow;
 class CStartPage;
 class CVexApp;
 class QLabel;
@@ -30,7 +32,8 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void RestoreViewLayout() override;
   void AddToRecentFileList(const CString& pathName) override;
 
-  // Opens a system data file, imports any other. False when that did not come to a data window.
+  // Opens a system data file, an output (.OUT) or a syntax (.TRK), imports any other. False when
+  // that did not come to a window.
   bool OpenPath(const QString& path);
   void OpenPaths(const QStringList& paths);
   // Imports a file; an empty path asks for one.
@@ -39,7 +42,8 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void OfferRecovery();
 
   const CMenus& Menus() const { return *menus_; }
-  CDataWindow* CurrentWindow() const { return current_; }
+  CDataWindow* CurrentWindow() const { return current_; }    // null while a text is active
+  CTextWindow* CurrentText() const { return currentText_; }  // null while data are
   std::vector<CDataWindow*> DataWindows() const;
 
  protected:
@@ -76,11 +80,20 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   EXTERNDATA KindOf(const QString& path) const;
   QString WhyNotWriteTo(const QString& path) const;  // empty: it may be written
 
-  // AppFrameWindows.cpp: data windows
-  void AddWindow(std::unique_ptr<CDataWindow> window);
+  // AppFrameTexts.cpp: outputs and syntaxes
+  void HandleTexts();
+  bool OpenText(const QString& path);
+  CTextWindow* TextOf(const QString& path) const;
+  void UpdateTextActions();
+
+  // AppFrameWindows.cpp: the windows inside
+  std::vector<CFrameWindow*> Windows() const;
+  CFrameWindow* Active() const;
+  void AddDataWindow(std::unique_ptr<CDataWindow> window);
+  void AddWindow(CFrameWindow* window);
   CDataWindow* WindowOf(const QString& path) const;
-  void ActivateWindow(CDataWindow* window);
-  void MakeCurrent(CDataWindow* window);
+  void ActivateWindow(CFrameWindow* window);
+  void MakeCurrent(CFrameWindow* window);
   void WindowActivated(QMdiSubWindow* window);
   void WindowGone(const QObject* window);
   void ShowCurrent();
@@ -105,8 +118,9 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   QToolBar* dataBar_ = nullptr;
   QLabel* cellLabel_ = nullptr;
   bool dataBarWanted_ = true;
-  QByteArray layoutBefore_;           // of the tool bars, before a data window was shown
-  CDataWindow* current_ = nullptr;    // the one that is active
-  CDataWindow* opening_ = nullptr;    // the one whose file is being read
-  std::vector<QAction*> windowList_;  // at the end of the Window menu
+  QByteArray layoutBefore_;             // of the tool bars, before a data window was shown
+  CDataWindow* current_ = nullptr;      // the one that is active
+  CTextWindow* currentText_ = nullptr;  // at most one of both is
+  CDataWindow* opening_ = nullptr;      // the one whose file is being read
+  std::vector<QAction*> windowList_;    // at the end of the Window menu
 };

@@ -17,12 +17,18 @@
 #include "vexapp/AppFrame.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Display.h"
+#include "vexapp/TextWindow.h"
 #include "vexapp/VexApp.h"
 
 namespace {
 
 bool HasExtension(const QString& path, const char* extension) {
   return QFileInfo(path).suffix().compare(QLatin1String(extension), Qt::CaseInsensitive) == 0;
+}
+
+// An output or a syntax?
+bool IsTextFile(const QString& path) {
+  return HasExtension(path, "OUT") || HasExtension(path, "TRK");
 }
 
 FileDialogRow RowOf(const STUtils::file_type_info_t& type) {
@@ -42,10 +48,13 @@ QStringList LocalFiles(const QMimeData& data) {
 void CAppFrame::AskAndOpen() {
   FileDialogRequest request;
   request.title = tr("Open").toStdString();
-  request.rows = {RowOf(STUtils::SystemDataFileType()), RowOf(STUtils::AllFilesType())};
-  if (current_ != nullptr) {
-    request.folder = PathBytes(QFileInfo(PathText(current_->Document().GetPathName())).path());
-  }
+  request.rows = {RowOf(STUtils::SystemDataFileType()),
+                  {tr("Syntax and output files (*.TRK;*.OUT)").toStdString(), "*.TRK;*.OUT", "TRK"},
+                  RowOf(STUtils::AllFilesType())};
+  const QString path = current_ != nullptr       ? PathText(current_->Document().GetPathName())
+                       : currentText_ != nullptr ? currentText_->Path()
+                                                 : QString();
+  if (!path.isEmpty()) request.folder = PathBytes(QFileInfo(path).path());
   FileDialogChoice choice;
   if (Host().AskForFile(request, choice)) OpenPath(PathText(choice.path));
 }
@@ -59,6 +68,7 @@ EXTERNDATA CAppFrame::KindOf(const QString& path) const {
 
 bool CAppFrame::OpenPath(const QString& path) {
   if (app_.IsBusy()) return false;
+  if (IsTextFile(path)) return OpenText(path);
   if (CDataWindow* const open = WindowOf(path)) {
     ActivateWindow(open);
     return true;
@@ -89,7 +99,7 @@ bool CAppFrame::OpenDocument(const QString& path, const EXTERNDATA& kind) {
   opening_ = window.get();
   const bool opened = window->Open(path, kind);
   opening_ = nullptr;
-  if (opened) AddWindow(std::move(window));
+  if (opened) AddDataWindow(std::move(window));
   return opened;
 }
 
@@ -147,10 +157,12 @@ QString CAppFrame::WhyNotWriteTo(const QString& path) const {
 
 void CAppFrame::SaveCurrent() {
   if (current_ != nullptr) current_->Save();
+  if (currentText_ != nullptr) currentText_->Save();
 }
 
 void CAppFrame::SaveCurrentAs() {
   if (current_ != nullptr) current_->SaveAs();
+  if (currentText_ != nullptr) currentText_->SaveAs();
 }
 
 void CAppFrame::ExportCurrent() {
@@ -178,7 +190,7 @@ void CAppFrame::OfferRecovery() {
     if (box.clickedButton() != recover) continue;
     auto window = std::make_unique<CDataWindow>(app_);
     if (!window->Recover(left)) continue;
-    AddWindow(std::move(window));
+    AddDataWindow(std::move(window));
     RemoveScratch(left.name);
   }
 }
@@ -200,7 +212,7 @@ void CAppFrame::closeEvent(QCloseEvent* event) {
     return;
   }
   CloseAll();
-  if (!DataWindows().empty()) {
+  if (!Windows().empty()) {
     event->ignore();
     return;
   }

@@ -1,4 +1,4 @@
-// The data windows of the main window.
+// The windows inside the main window.
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QStackedWidget>
@@ -8,23 +8,37 @@
 #include "vexapp/AppFrame.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/StartPage.h"
+#include "vexapp/TextWindow.h"
 
 using namespace commands;
 
 namespace {
 
-CDataWindow* DataWindowIn(const QMdiSubWindow* sub) {
-  return sub == nullptr ? nullptr : qobject_cast<CDataWindow*>(sub->widget());
+CFrameWindow* WindowIn(const QMdiSubWindow* sub) {
+  return sub == nullptr ? nullptr : qobject_cast<CFrameWindow*>(sub->widget());
 }
 
 }  // namespace
 
-std::vector<CDataWindow*> CAppFrame::DataWindows() const {
-  std::vector<CDataWindow*> windows;
+std::vector<CFrameWindow*> CAppFrame::Windows() const {
+  std::vector<CFrameWindow*> windows;
   for (const QMdiSubWindow* sub : area_->subWindowList()) {
-    if (CDataWindow* const window = DataWindowIn(sub)) windows.push_back(window);
+    if (CFrameWindow* const window = WindowIn(sub)) windows.push_back(window);
   }
   return windows;
+}
+
+std::vector<CDataWindow*> CAppFrame::DataWindows() const {
+  std::vector<CDataWindow*> found;
+  for (CFrameWindow* window : Windows()) {
+    if (auto* const shown = qobject_cast<CDataWindow*>(window)) found.push_back(shown);
+  }
+  return found;
+}
+
+CFrameWindow* CAppFrame::Active() const {
+  if (current_ != nullptr) return current_;
+  return currentText_;
 }
 
 CDataWindow* CAppFrame::WindowOf(const QString& path) const {
@@ -34,14 +48,19 @@ CDataWindow* CAppFrame::WindowOf(const QString& path) const {
   return nullptr;
 }
 
-void CAppFrame::AddWindow(std::unique_ptr<CDataWindow> window) {
-  if (layoutBefore_.isEmpty()) layoutBefore_ = saveState();
+void CAppFrame::AddDataWindow(std::unique_ptr<CDataWindow> window) {
   CDataWindow* const added = window.release();
-  QMdiSubWindow* const sub = area_->addSubWindow(added);
-  sub->setAttribute(Qt::WA_DeleteOnClose);
-  connect(added, &CDataWindow::TitleChanged, this, &CAppFrame::UpdateTitle);
   connect(added, &CDataWindow::CellChanged, this, &CAppFrame::UpdateCell);
   connect(added, &CDataWindow::ContextMenuAsked, this, &CAppFrame::ShowContextMenu);
+  AddWindow(added);
+}
+
+void CAppFrame::AddWindow(CFrameWindow* added) {
+  if (layoutBefore_.isEmpty()) layoutBefore_ = saveState();
+  QMdiSubWindow* const sub = area_->addSubWindow(added);
+  sub->setAttribute(Qt::WA_DeleteOnClose);
+  sub->setWindowIcon(added->windowIcon());
+  connect(added, &CFrameWindow::TitleChanged, this, &CAppFrame::UpdateTitle);
   connect(added, &QObject::destroyed, this, &CAppFrame::WindowGone);
   pages_->setCurrentWidget(area_);
   added->show();
@@ -50,7 +69,7 @@ void CAppFrame::AddWindow(std::unique_ptr<CDataWindow> window) {
   ActivateWindow(added);
 }
 
-void CAppFrame::ActivateWindow(CDataWindow* window) {
+void CAppFrame::ActivateWindow(CFrameWindow* window) {
   area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window->parentWidget()));
   window->setFocus();
   // Qt tells of it only once the main window itself is active.
@@ -58,28 +77,30 @@ void CAppFrame::ActivateWindow(CDataWindow* window) {
 }
 
 void CAppFrame::WindowActivated(QMdiSubWindow* sub) {
-  CDataWindow* const window = DataWindowIn(sub);
+  CFrameWindow* const window = WindowIn(sub);
   // While a dialog opens no window is active for a moment; the tool bars stay as they are.
   if (window != nullptr || area_->subWindowList().isEmpty()) MakeCurrent(window);
 }
 
-void CAppFrame::MakeCurrent(CDataWindow* window) {
-  if (window == current_) return;
+void CAppFrame::MakeCurrent(CFrameWindow* window) {
+  if (window == Active()) return;
   CDataWindow* const before = current_;
-  current_ = window;
+  current_ = qobject_cast<CDataWindow*>(window);
+  currentText_ = qobject_cast<CTextWindow*>(window);
   setUpdatesEnabled(false);
   if (before != nullptr) before->View().OnActivateView(false);
-  if (window != nullptr) window->View().OnActivateView(true);
+  if (current_ != nullptr) current_->View().OnActivateView(true);
   setUpdatesEnabled(true);
   ShowCurrent();
 }
 
 void CAppFrame::WindowGone(const QObject* window) {
   if (current_ == window) current_ = nullptr;
+  if (currentText_ == window) currentText_ = nullptr;
   ShowCurrent();
 }
 
-// Brings everything that speaks of the active data window up to date.
+// Brings everything that speaks of the active window up to date.
 void CAppFrame::ShowCurrent() {
   if (area_->subWindowList().isEmpty()) pages_->setCurrentWidget(startPage_);
   UpdateTitle();
@@ -99,12 +120,12 @@ void CAppFrame::GoToCase() {
 }
 
 void CAppFrame::CloseCurrent() {
-  if (current_ != nullptr) current_->parentWidget()->close();
+  if (CFrameWindow* const active = Active()) active->parentWidget()->close();
 }
 
 // Stops at the first window that stays open.
 void CAppFrame::CloseAll() {
-  for (CDataWindow* window : DataWindows()) {
+  for (CFrameWindow* window : Windows()) {
     ActivateWindow(window);
     if (!window->parentWidget()->close()) return;
   }
@@ -128,19 +149,19 @@ void CAppFrame::Previous() {
   area_->activatePreviousSubWindow();
 }
 
-// The data windows by name, at the end of the Window menu.
+// The windows by name, at the end of the Window menu.
 void CAppFrame::FillWindowMenu() {
   QMenu* const menu = menus_->Menu("&Window");
   for (QAction* action : windowList_) delete action;
   windowList_.clear();
-  const std::vector<CDataWindow*> windows = DataWindows();
+  const std::vector<CFrameWindow*> windows = Windows();
   if (!windows.empty()) windowList_.push_back(menu->addSeparator());
   int number = 0;
-  for (CDataWindow* window : windows) {
+  for (CFrameWindow* window : windows) {
     const QString name = window->FileName().replace('&', "&&");
     QAction* const action = menu->addAction(QString("&%1  %2").arg(++number).arg(name));
     action->setCheckable(true);
-    action->setChecked(window == current_);
+    action->setChecked(window == Active());
     connect(action, &QAction::triggered, window, [this, window] { ActivateWindow(window); });
     windowList_.push_back(action);
   }

@@ -5,30 +5,14 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QVBoxLayout>
-#include <filesystem>
 
 #include "dataview/table/GoToCaseDlg.h"
 #include "resources/DrawnIcon.h"
 #include "vexapp/Display.h"
 #include "vexapp/VexApp.h"
 
-namespace {
-
-namespace fs = std::filesystem;
-
-// Without links, as far as the path exists. Empty where that cannot be told.
-fs::path RealPath(const CString& path) {
-  std::error_code error;
-  const fs::path absolute = fs::absolute(path, error);
-  if (error) return {};
-  const fs::path real = fs::weakly_canonical(absolute, error);
-  return error ? fs::path() : real;
-}
-
-}  // namespace
-
 CDataWindow::CDataWindow(CVexApp& app, QWidget* parent)
-    : QWidget(parent), app_(app), table_(new CDataViewTbl(this)) {
+    : CFrameWindow(parent), app_(app), table_(new CDataViewTbl(this)) {
   table_->setObjectName("dataTable");
   setWindowIcon(DrawnIcon(Picture::Variables));
   auto* layout = new QVBoxLayout(this);
@@ -78,12 +62,7 @@ bool CDataWindow::CanBeSaved() const {
 }
 
 bool CDataWindow::Holds(const QString& path) const {
-  const CString& own = document_.GetPathName();
-  if (own.empty()) return false;
-  std::error_code error;
-  if (fs::equivalent(own, PathBytes(path), error)) return true;
-  const fs::path real = RealPath(own);
-  return !real.empty() && real == RealPath(PathBytes(path));
+  return IsSamePath(PathText(document_.GetPathName()), path);
 }
 
 QString CDataWindow::FileName() const {

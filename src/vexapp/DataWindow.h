@@ -1,16 +1,16 @@
 // One data window: a document, its view and the grid.
 #pragma once
 
-#include <QWidget>
 #include <memory>
 
 #include "datadoc/DataDoc.h"
 #include "dataview/DataView.h"
 #include "dataview/table/DataViewTbl.h"
+#include "vexapp/FrameWindow.h"
 
 class CVexApp;
 
-class CDataWindow final : public QWidget {
+class CDataWindow final : public CFrameWindow {
   Q_OBJECT
 
  public:
@@ -30,15 +30,14 @@ class CDataWindow final : public QWidget {
   bool SaveAs();
   bool CanBeSaved() const;
 
-  // Is it the file of this window, under whatever name?
-  bool Holds(const QString& path) const;
-  QString FileName() const;  // without its folder; a stand-in while there is none
+  bool Holds(const QString& path) const override;
+  QString FileName() const override;  // a stand-in while there is none
+  bool IsModified() const override { return document_.IsModified(); }
   QString CellDescription() const;
   QString SizeDescription() const;
   void AskForCase();  // Go to Case
 
  signals:
-  void TitleChanged();
   void CellChanged();
   void ContextMenuAsked(int type, QPoint globalPoint);
 

@@ -22,6 +22,9 @@ class CVexApp final : public CHost {
   // What dialogs ask before a file is chosen to be written.
   void SetTargetCheck(TargetCheck check) { targetCheck_ = std::move(check); }
 
+  // What opens the files that the component asks to be opened.
+  void SetOpener(CAppUtil::Opener opener) { util_.SetOpener(std::move(opener)); }
+
   // Is long work running? Documents are then locked and windows stay open.
   bool IsBusy() const { return running_ > 0; }
   // The window whose data are being written. Null while none are, as in an import.

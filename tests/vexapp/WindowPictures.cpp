@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -14,12 +15,15 @@
 #include "dataview/table/GoToCaseDlg.h"
 #include "resources/Commands.h"
 #include "resources/DrawnIcon.h"
+#include "syntax/dialogs/DataOutDlg.h"
 #include "vexapp/AboutDlg.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/Appearance.h"
 #include "vexapp/DataWindow.h"
+#include "vexapp/OutputWindow.h"
 #include "vexapp/ProgressDlg.h"
 #include "vexapp/SampleData.h"
+#include "vexapp/SyntaxWindow.h"
 #include "vexapp/VexApp.h"
 
 namespace {
@@ -33,7 +37,7 @@ void Draw(QWidget& window, const QString& name) {
 }
 
 void PictureOfMenus(CAppFrame& frame) {
-  for (const char* title : {"&File", "&View", "&Data", "&Statistics", "&Window"}) {
+  for (const char* title : {"&File", "&Edit", "&View", "&Data", "&Statistics", "&Window"}) {
     QMenu* const menu = frame.Menus().Menu(title);
     menu->popup(QPoint(0, 0));
     Draw(*menu, QString("menu-%1").arg(QString(title).remove('&').toLower()));
@@ -52,6 +56,49 @@ void PictureOfDialogs(CAppFrame& frame, const QString& look) {
   progress.ShowFraction(0.37);
   Draw(progress, "progress-" + look);
   progress.hide();
+}
+
+// A syntax and the output of its run, as the engine writes them.
+void PictureOfTexts(CAppFrame& frame, const QString& look, const QString& data) {
+  frame.resize(1000, 720);
+  frame.OpenPath(data);
+  frame.Menus().Action(commands::kStatisticsScreening)->trigger();
+  Draw(frame, "output-" + look);
+  if (auto* const output = dynamic_cast<COutputWindow*>(frame.CurrentText())) {
+    output->OpenFindBar(false);
+    output->findChild<QLineEdit*>("findEdit")->setText("skewness");
+    output->FindNext(true);
+    Draw(frame, "output-find-" + look);
+    output->View().ScrollTo(output->View().Text().LineCount());
+    Draw(frame, "output-end-" + look);
+  }
+  const QString name = QFileInfo(data).path() + '/' + QFileInfo(data).completeBaseName() + ".TRK";
+  QFile file(name);
+  if (file.open(QIODevice::Append)) {
+    file.write(
+        "!\n! A line that the engine does not know\nSE 1-5 age\nFA NF=2 MRX\nOU MA=KM "
+        "SM=survey one.km XM\n");
+  }
+  file.close();
+  frame.OpenPath(name);
+  if (auto* const syntax = dynamic_cast<CSyntaxWindow*>(frame.CurrentText())) {
+    syntax->OpenFindBar(true);
+    QApplication::processEvents();
+    syntax->Edit().MarkLine(syntax->Edit().blockCount() - 2, {});
+    Draw(frame, "syntax-" + look);
+  }
+  frame.resize(1100, 700);
+  frame.OpenPath(data);
+}
+
+void PictureOfOutputOptions(CAppFrame& frame, const QString& look) {
+  TRVOUSTRUCT options;
+  options.nMatrixType = kCorrelations;
+  options.bSaveMatrix = 1;
+  options.strMatrixFile = "survey.km";
+  CDataOutDlg dialog(&frame, &options, kOutputFromMenu, kTestsWithOrdinal);
+  Draw(dialog, "output-options-" + look);
+  dialog.close();
 }
 
 void PictureOfData(CAppFrame& frame, const QString& look) {
@@ -106,6 +153,8 @@ int main(int argc, char** argv) {
     ChooseAppearance(look);
     PictureOfData(frame, name);
     PictureOfDialogs(frame, name);
+    PictureOfOutputOptions(frame, name);
+    PictureOfTexts(frame, name, files.last());
   }
   ChooseAppearance(Appearance::Light);
   PictureOfMenus(frame);
