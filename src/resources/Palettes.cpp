@@ -8,7 +8,7 @@ struct Shades {
 
 constexpr Shades kLight = {0xffeff1f4, 0xffffffff, 0xfff6f7f9, 0xffe9ecf0, 0xff1d2228, 0xff8b939d,
                            0xffffffff, 0xffc3c9d1, 0xff9aa3ae, 0xff2367b5, 0xff1d5fa8};
-constexpr Shades kDark = {0xff25282d, 0xff1b1e22, 0xff212429, 0xff30343a, 0xffe4e7eb, 0xff7d858f,
+constexpr Shades kDark = {0xff2b2f35, 0xff181b1f, 0xff1f2226, 0xff363b42, 0xffe4e7eb, 0xff7d858f,
                           0xff454b53, 0xff1a1c20, 0xff121417, 0xff3f8ae0, 0xff78b4f5};
 
 QPalette Made(const Shades& shades) {
@@ -39,6 +39,8 @@ QPalette Made(const Shades& shades) {
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
     palette.setColor(QPalette::Disabled, role, QColor(shades.dimText));
   }
+  // A field that cannot be typed into looks so.
+  palette.setColor(QPalette::Disabled, QPalette::Base, QColor(shades.button));
   palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(shades.mid));
   return palette;
 }

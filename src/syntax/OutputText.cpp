@@ -6,10 +6,12 @@
 #include <cstring>
 #include <unistd.h>
 
-#include "host/Text.h"
 #include "vexutils/BlockIo.h"
 
 namespace {
+
+// The engine sets the text of a warning flush behind this.
+constexpr std::string_view kWarning = "  WARNING: ";
 
 char Lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -114,10 +116,22 @@ std::optional<std::int64_t> COutputText::FindBefore(std::string_view text, bool 
   return found - all.begin();
 }
 
+// Does the line go on with a warning that began above it?
+bool COutputText::ContinuesWarning(std::int64_t line) const {
+  constexpr std::int64_t kLongestWarning = 20;  // lines
+  const std::int64_t last = std::max<std::int64_t>(0, line - kLongestWarning);
+  for (; line >= last; --line) {
+    const std::string_view text = Line(line);
+    if (text.starts_with(kWarning)) return true;
+    if (text.find_first_not_of(' ') != kWarning.size()) return false;
+  }
+  return false;
+}
+
 COutputText::Kind COutputText::KindOf(std::int64_t line) const {
   const std::string_view text = Line(line);
   if (IsRule(text, '-') || IsRule(text, '=')) return Kind::Rule;
-  if (Trimmed(text).starts_with("WARNING: ")) return Kind::Warning;
+  if (ContinuesWarning(line)) return Kind::Warning;
   if (text.starts_with("ERROR")) return Kind::Error;
   const bool underlined = line + 1 < LineCount() && !text.empty() && IsRule(Line(line + 1), '-');
   return underlined ? Kind::Heading : Kind::Plain;

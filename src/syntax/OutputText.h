@@ -44,6 +44,7 @@ class COutputText {
 
  private:
   void Index();
+  bool ContinuesWarning(std::int64_t line) const;
 
   CString bytes_;
   std::vector<std::int64_t> begins_ = {0, 0};  // of the lines, and one behind the last

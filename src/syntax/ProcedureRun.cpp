@@ -1,5 +1,6 @@
 #include "syntax/ProcedureRun.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -9,10 +10,12 @@
 #include <boost/format.hpp>
 
 #include "datadoc/DataDoc.h"
+#include "datadoc/VsfLayout.h"
 #include "host/Host.h"
 #include "host/Text.h"
 #include "syntax/PathNames.h"
 #include "syntax/SyntaxText.h"
+#include "vexutils/BlockIo.h"
 #include "vexutils/TempFile.h"
 
 namespace {
@@ -73,9 +76,22 @@ bool AreSafe(const RunPaths& paths) {
   return true;
 }
 
+// A data set, whatever its name says? A syntax of the user's may read one that is called .OUT.
+bool IsSystemFile(const CString& name) {
+  CDescriptor file;
+  std::array<char, kVsfHeaderWordBytes> word{};
+  return IsFile(name) && file.OpenForReading(name.c_str()) &&
+         ReadAt(file.Get(), 0, word.data(), word.size()) > 0 &&
+         FindVsfHeaderWord({word.data(), word.size()}) != nullptr;
+}
+
 // Removes what an earlier run left. False, with the reason on the status bar, when it is still
 // there: it must not be taken for this run's.
 bool RemoveOld(const CString& fileName) {
+  if (IsSystemFile(fileName)) {
+    WriteStatus(fileName + " is a data file; the run did not replace it");
+    return false;
+  }
   if (unlink(fileName.c_str()) == 0 || errno == ENOENT) return true;
   WriteStatus(fileName + ": " + std::strerror(errno));
   return false;

@@ -42,6 +42,8 @@ void CAppFrame::HandleTexts() {
       if (!app_.IsBusy() && currentText_ != nullptr) run(*currentText_);
     });
   }
+  // On many keyboards the plus sign needs the Shift key.
+  menus_->Action(kViewZoomIn)->setShortcuts({QKeySequence("Ctrl++"), QKeySequence("Ctrl+=")});
   app_.SetOpener([this](const QString& path) { return OpenPath(path); });
 }
 

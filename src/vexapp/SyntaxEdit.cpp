@@ -106,7 +106,10 @@ void CSyntaxEdit::MarkLine(int line, const QString& reason) {
   marked_ = line;
   reason_ = reason;
   const QTextBlock block = document()->findBlockByNumber(line - 1);
-  if (line > 0 && block.isValid()) setTextCursor(QTextCursor(block));
+  if (line > 0 && block.isValid()) {
+    setTextCursor(QTextCursor(block));
+    centerCursor();
+  }
   ShowMarks();
 }
 

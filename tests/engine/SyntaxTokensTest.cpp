@@ -1,9 +1,11 @@
 // What the syntax window colours is what the engine understands.
 #include <gtest/gtest.h>
 
+#include "engine/EngineData.h"
 #include "engine/syntax/Commands.h"
 #include "engine/syntax/Syntax.h"
 #include "engine/syntax/SyntaxTokens.h"
+#include "syntax/OutputText.h"
 
 namespace {
 
@@ -94,6 +96,19 @@ TEST(SyntaxTokens, EveryOptionOfTheTablesIsRead) {
         options.remove_prefix(std::min(size + 1, options.size()));
       }
     }
+  }
+}
+
+// The window marks the line by what the engine writes.
+class FailedLineTest : public EngineTest {};
+TEST_F(FailedLineTest, IsFoundInTheOutput) {
+  WriteDataFile(folder / "DATA.VSF", Describe({"x"}), {{1}, {2}, {4}});
+  const std::pair<const char*, int> cases[] = {
+      {"\n! c\nNONSENSE\nOU\n", 4}, {"\nSE y\nOU\n", 3}, {"\nOU\n", 0}, {"\nOU MA=XX\n", 3}};
+  for (const auto& [lines, wanted] : cases) {
+    WriteBytes(folder / "DATA.TRK", "!t\nSY='" + (folder / "DATA.VSF") + "'" + lines);
+    RunEngine(folder / "DATA.TRK", folder / "DATA.OUT", {});
+    EXPECT_EQ(ErrorLineIn(ReadBytes(folder / "DATA.OUT")), wanted) << lines;
   }
 }
 

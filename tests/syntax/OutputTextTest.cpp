@@ -53,12 +53,15 @@ TEST(OutputText, FindsForwardAndBackward) {
 
 TEST(OutputText, KnowsHeadingsWarningsAndErrors) {
   COutputText text;
-  text.Set("=====\n  Title\n=====\nCases\n-----\n\n  - 1\n  WARNING: few\nERROR in line 3\n-----");
+  text.Set(
+      "=====\n  Title\n=====\nCases\n-----\n\n  - 1\n  WARNING: few\n           more\n"
+      "ERROR in line 3\n-----\n           no warning");
   using Kind = COutputText::Kind;
-  const Kind wanted[] = {Kind::Rule,  Kind::Plain, Kind::Rule,    Kind::Heading, Kind::Rule,
-                         Kind::Plain, Kind::Plain, Kind::Warning, Kind::Error,   Kind::Rule};
-  ASSERT_EQ(text.LineCount(), 10);
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(text.KindOf(i), wanted[i]) << i;
+  const Kind wanted[] = {Kind::Rule,    Kind::Plain, Kind::Rule,  Kind::Heading,
+                         Kind::Rule,    Kind::Plain, Kind::Plain, Kind::Warning,
+                         Kind::Warning, Kind::Error, Kind::Rule,  Kind::Plain};
+  ASSERT_EQ(text.LineCount(), 12);
+  for (int i = 0; i < 12; ++i) EXPECT_EQ(text.KindOf(i), wanted[i]) << i;
 }
 
 TEST(OutputText, KeepsWhatItHadWhenAFileCannotBeRead) {

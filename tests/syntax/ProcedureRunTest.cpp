@@ -187,6 +187,17 @@ TEST_F(ProcedureRun, NothingTakesTheDataFilesPlace) {
   EXPECT_EQ(ReadBytes(data), "data");
 }
 
+// A syntax of the user's may read a data set whose name ends in .OUT.
+TEST_F(ProcedureRun, ADataSetIsNoOldOutput) {
+  const std::string bytes = "VEXC16 DATA SYSTEM FILE" + std::string(300, ' ');
+  WriteBytes(syntax, "SY='survey.OUT'\nOU\n");
+  WriteBytes(output, bytes);
+  EXPECT_EQ(RunSyntaxFile(syntax).state, ProcedureState::Failed);
+  EXPECT_EQ(Run(kEndRun).state, ProcedureState::Failed);
+  EXPECT_TRUE(host.engineRuns.empty());
+  EXPECT_EQ(ReadBytes(output), bytes);
+}
+
 TEST_F(ProcedureRun, BootstrappingPassesItsOwnRepetitions) {
   RunProcedure(
       document, [] { return kEndRun; },
