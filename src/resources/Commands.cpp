@@ -123,6 +123,8 @@ constexpr MENUENTRY kMainMenu[] = {
     {kStatistics, "", kSeparator, nullptr, nullptr},
     {kStatistics, "Run S&yntax", kStatisticsRunSyntax, "F5",
      "Save this syntax, run the engine on it and open the output"},
+    {kStatistics, "En&gine...", kStatisticsEngine, nullptr,
+     "Choose the program that the procedures run"},
 
     {kGraphs, "&Univariate...", 9031, nullptr, "Draw one variable"},
     {kGraphs, "&Bivariate...", 9032, nullptr, "Draw two variables"},

@@ -42,6 +42,7 @@ inline constexpr int kDataDeleteVariable = 9028;
 inline constexpr int kDataDeleteCase = 9029;
 inline constexpr int kDataSort = 34064;
 inline constexpr int kStatisticsRunSyntax = 40037;
+inline constexpr int kStatisticsEngine = 40038;
 inline constexpr int kStatisticsScreening = 9248;
 inline constexpr int kStatisticsOutputOptions = 1226;
 inline constexpr int kWindowTabs = 40020;

@@ -25,16 +25,20 @@ CString NamedEngine(const CString& setting) {
 
 }  // namespace
 
-CString FindEngine(const CString& setting, CString& reason) {
-  CString engine = NamedEngine(setting);
+bool CanBeRun(const CString& engine, CString& reason) {
   std::error_code error;
   if (std::filesystem::is_directory(engine, error)) {
     errno = EISDIR;
   } else if (access(engine.c_str(), X_OK) == 0) {
-    return engine;
+    return true;
   }
   reason = "The engine " + engine + " cannot be run: " + std::strerror(errno);
-  return {};
+  return false;
+}
+
+CString FindEngine(const CString& setting, CString& reason) {
+  CString engine = NamedEngine(setting);
+  return CanBeRun(engine, reason) ? engine : CString();
 }
 
 int RunEngine(const CString& engine, const CString& syntaxFile, const CString& outputFile,

@@ -10,6 +10,9 @@ class CProgress;
 // run is an error, never passed over. Empty, with the reason, when there is none.
 CString FindEngine(const CString& setting, CString& reason);
 
+// Is it a program that we may run? When not, the reason names it.
+bool CanBeRun(const CString& engine, CString& reason);
+
 // Runs `engine` and comes back when it has ended, telling `progress` meanwhile; when that asks to
 // stop, the run is cancelled. Names without a folder are those of `folder` (empty: ours). The
 // result is as CEngineProcess::Result has it; `reason` as Reason().

@@ -18,6 +18,7 @@
 #include "vexapp/Appearance.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Display.h"
+#include "vexapp/EngineDlg.h"
 #include "vexapp/ProcedureCommands.h"
 #include "vexapp/StartPage.h"
 #include "vexapp/TextWindow.h"
@@ -136,6 +137,7 @@ void CAppFrame::HandleCommands() {
   Handle(kWindowNext, &CAppFrame::Next);
   Handle(kWindowPrevious, &CAppFrame::Previous);
   Handle(kWindowCloseAll, &CAppFrame::CloseAll);
+  Handle(kStatisticsEngine, &CAppFrame::AskForEngine);
   Handle(kHelpAbout, &CAppFrame::ShowAbout);
 
   QAction* const leave = menus_->Action(kFileExit);
@@ -263,6 +265,10 @@ void CAppFrame::ShowContextMenu(int type, const QPoint& point) {
 
 void CAppFrame::ShowAbout() {
   CAboutDlg(this).exec();
+}
+
+void CAppFrame::AskForEngine() {
+  CEngineDlg(this).exec();
 }
 
 void CAppFrame::RestoreWindow() {

@@ -65,6 +65,7 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void UpdateCell();
   void ShowContextMenu(int type, const QPoint& point);
   void ShowAbout();
+  void AskForEngine();
   void RestoreWindow();
   void StoreWindow();
 

@@ -17,11 +17,6 @@ constexpr const char* kEngine = "engine/program";
 
 constexpr int kWidestCell = 60;  // what the settings file may ask for
 
-// The engine's program; empty means the one beside this program.
-CString EngineSetting() {
-  return PathBytes(QSettings().value(kEngine).toString());
-}
-
 void WriteStatus(const CString& text) {
   CMainFrame* const frame = APPUTIL_GetMainFrame();
   CStatusBar* const bar = frame != nullptr ? frame->GetStatusBar() : nullptr;
@@ -47,11 +42,19 @@ void CAppUtil::SetDisplaySettings(const DisplaySettings& display) {
   settings.setValue(kAlignment, display.alignment);
 }
 
+QString CAppUtil::ChosenEngine() {
+  return QSettings().value(kEngine).toString();
+}
+
+void CAppUtil::ChooseEngine(const QString& program) {
+  QSettings().setValue(kEngine, program);
+}
+
 int CAppUtil::RunServer(const char* syntaxPath, const char* outputPath, unsigned int, int, int,
                         int) {
   CString reason;
   WriteStatus({});
-  const CString engine = FindEngine(EngineSetting(), reason);
+  const CString engine = FindEngine(PathBytes(ChosenEngine()), reason);
   int result = -1;
   if (!engine.empty()) {
     const QFileInfo syntax(PathText(syntaxPath));

@@ -15,6 +15,9 @@ class CAppUtil final : public CVexAppUtil {
 
   DisplaySettings GetDisplaySettings() const override;
   void SetDisplaySettings(const DisplaySettings& settings) override;
+  // The engine's program as the user chose it; empty: the one beside this program.
+  static QString ChosenEngine();
+  static void ChooseEngine(const QString& program);
   // Shows the engine's progress, with Cancel. The window lives on meanwhile; documents are locked.
   int RunServer(const char* syntaxPath, const char* outputPath, unsigned int server, int option1,
                 int option2, int option3) override;

@@ -291,6 +291,18 @@ void COutputView::contextMenuEvent(QContextMenuEvent* event) {
   menu.exec(event->globalPos());
 }
 
+// These keys are the view's own, whatever command of the menu has them for the data.
+bool COutputView::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.matches(QKeySequence::Copy) || key.matches(QKeySequence::SelectAll)) {
+      event->accept();
+      return true;
+    }
+  }
+  return QAbstractScrollArea::event(event);
+}
+
 void COutputView::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) return Copy();
   if (event->matches(QKeySequence::SelectAll)) return SelectAll();

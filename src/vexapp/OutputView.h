@@ -31,6 +31,7 @@ class COutputView final : public QAbstractScrollArea {
   void SelectAll();
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;

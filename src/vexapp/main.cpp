@@ -28,7 +28,8 @@ QStringList FilesToOpen(const QCoreApplication& application) {
   parser.addPositionalArgument(
       "files",
       QCoreApplication::translate("main",
-                                  "Data sets to open; files of other programs are imported."),
+                                  "Data sets, outputs and syntaxes to open; files of other "
+                                  "programs are imported."),
       "[FILE...]");
   parser.process(application);
   return parser.positionalArguments();

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QPdfWriter>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -113,9 +114,21 @@ TEST_F(TextWindowsTest, RunServerTellsResultAndReason) {
   EXPECT_LT(run(), 0);
   EXPECT_TRUE(Status().contains("absent cannot be run: No such file or directory"));
   unsetenv("VEX_ENGINE");
-  QSettings().setValue("engine/program", QString::fromStdString(folder / "mine"));
+  const QString mine = QString::fromStdString(folder / "engine");
+  driver.Then([&](QDialog& dialog) {
+    dialog.findChild<QRadioButton*>("otherRadio")->click();
+    dialog.findChild<QLineEdit*>("pathEdit")->setText(mine + "x");
+    dialog.accept();
+    dialog.findChild<QLineEdit*>("pathEdit")->setText(mine);
+    dialog.accept();
+  });
+  driver.ThenPress(QMessageBox::Ok);  // there is no such program
+  Trigger(kStatisticsEngine);
+  EXPECT_TRUE(driver.Texts().last().contains("enginex cannot be run"));
+  EXPECT_EQ(run(), 0);
+  std::filesystem::remove(folder / "engine");
   EXPECT_LT(run(), 0);
-  EXPECT_TRUE(Status().contains("mine cannot be run"));
+  EXPECT_TRUE(Status().contains("engine cannot be run"));
 }
 
 TEST_F(TextWindowsTest, TheWindowLivesDuringARunThatCanBeCancelled) {

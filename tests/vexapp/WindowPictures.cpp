@@ -20,6 +20,7 @@
 #include "vexapp/AppFrame.h"
 #include "vexapp/Appearance.h"
 #include "vexapp/DataWindow.h"
+#include "vexapp/EngineDlg.h"
 #include "vexapp/OutputWindow.h"
 #include "vexapp/ProgressDlg.h"
 #include "vexapp/SampleData.h"
@@ -91,6 +92,12 @@ void PictureOfTexts(CAppFrame& frame, const QString& look, const QString& data) 
   frame.OpenPath(data);
 }
 
+void PictureOfEngine(CAppFrame& frame, const QString& look) {
+  CEngineDlg dialog(&frame);
+  Draw(dialog, "engine-" + look);
+  dialog.close();
+}
+
 void PictureOfOutputOptions(CAppFrame& frame, const QString& look) {
   TRVOUSTRUCT options;
   options.nMatrixType = kCorrelations;
@@ -154,6 +161,7 @@ int main(int argc, char** argv) {
     PictureOfData(frame, name);
     PictureOfDialogs(frame, name);
     PictureOfOutputOptions(frame, name);
+    PictureOfEngine(frame, name);
     PictureOfTexts(frame, name, files.last());
   }
   ChooseAppearance(Appearance::Light);
