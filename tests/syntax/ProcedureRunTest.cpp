@@ -62,6 +62,36 @@ TEST_F(ProcedureRun, RefusesWhatIsNotSaved) {
   }
 }
 
+TEST_F(ProcedureRun, NeedsVariablesAndRawData) {
+  const struct {
+    std::int32_t variables;
+    std::int32_t secondType;
+    std::int32_t dataType;
+    std::int32_t matrixType;
+    bool any, ordinal;
+  } cases[] = {
+      {2, kOrdinal, kSystemDataFile, 0, true, true},
+      {2, kContinuous, kSystemDataFile, 0, true, false},
+      {1, kOrdinal, kSystemDataFile, 0, true, false},  // what lies behind does not count
+      {0, kOrdinal, kSystemDataFile, 0, false, false},
+      {2, kOrdinal, kDsfFile, 0, false, false},
+      {2, kOrdinal, kTextFile, 1, false, false},
+      {2, kOrdinal, kTextFile, 0, true, true},
+  };
+  for (const auto& c : cases) {
+    TORVIKSTRUCT& set = *document.GetTorvik();
+    set.variables = c.variables;
+    set.variable[0].type = kContinuous;
+    set.variable[1].type = c.secondType;
+    EXTERNDATA kind;
+    kind.data_type = c.dataType;
+    kind.ma_type = c.matrixType;
+    document.SetExternData(kind);
+    EXPECT_EQ(CanRunProcedure(document), c.any) << c.variables << c.dataType;
+    EXPECT_EQ(CanRunProcedure(document, true), c.ordinal) << c.variables << c.dataType;
+  }
+}
+
 TEST_F(ProcedureRun, EndCodesChooseWhatHappens) {
   const struct {
     int endCode;

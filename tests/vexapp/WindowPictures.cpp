@@ -8,6 +8,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <clocale>
 #include <cstdio>
 
@@ -70,6 +71,12 @@ void PictureOfTexts(CAppFrame& frame, const QString& look, const QString& data) 
     output->findChild<QLineEdit*>("findEdit")->setText("skewness");
     output->FindNext(true);
     Draw(frame, "output-find-" + look);
+    QTimer::singleShot(500, output, [look] {
+      auto* const preview = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      Draw(*preview, "preview-" + look);
+      preview->reject();
+    });
+    output->PrintPreview();
     output->View().ScrollTo(output->View().Text().LineCount());
     Draw(frame, "output-end-" + look);
   }

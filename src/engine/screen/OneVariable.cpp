@@ -127,9 +127,7 @@ void WriteContinuousSection(ENGINERUN& run, const SCREENVARIABLES& variables,
   report.Subsection("Range");
   report.Table(range);
   if (tests.rows.empty()) return;
-  report.Subsection(
-      "Tests of univariate normality (chi-square: skewness and kurtosis, 2 degrees "
-      "of freedom)");
+  report.Subsection("Tests of univariate normality (chi-square: both together, 2 df)");
   report.Table(tests);
   for (const std::size_t i : variables.numeric) {
     const SCREENVARIABLE& variable = variables.all[i];
