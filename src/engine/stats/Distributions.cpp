@@ -4,6 +4,7 @@
 #include <limits>
 #include <numbers>
 
+#include <boost/math/special_functions/beta.hpp>
 #include <boost/math/special_functions/erf.hpp>
 #include <boost/math/special_functions/gamma.hpp>
 
@@ -66,6 +67,22 @@ double ChiSquareUpper(double x, double df) {
   if (x <= 0 || df <= 0) return 1;
   if (std::isinf(x)) return 0;
   return boost::math::gamma_q(df / 2, x / 2, Quiet());
+}
+
+double StudentTwoSided(double t, double df) {
+  if (df <= 0) return 1;
+  if (std::isinf(t)) return 0;
+  // The smaller of the two arguments keeps its digits.
+  const double square = t * t;
+  return square > df ? boost::math::ibeta(df / 2, 0.5, df / (df + square), Quiet())
+                     : boost::math::ibetac(0.5, df / 2, square / (df + square), Quiet());
+}
+
+double FUpper(double f, double df1, double df2) {
+  if (!(f > 0) || df1 <= 0 || df2 <= 0) return 1;
+  if (std::isinf(f)) return 0;
+  return df1 * f > df2 ? boost::math::ibeta(df2 / 2, df1 / 2, df2 / (df2 + df1 * f), Quiet())
+                       : boost::math::ibetac(df1 / 2, df2 / 2, df1 * f / (df2 + df1 * f), Quiet());
 }
 
 double LogNormalCdf(double x) {

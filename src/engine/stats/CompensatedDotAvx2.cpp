@@ -1,0 +1,3 @@
+// Compiled with -mavx2 -mfma.
+#define VEX_KERNEL_NAMESPACE avx2
+#include "engine/stats/CompensatedDotCode.h"

@@ -1,0 +1,116 @@
+#include "engine/stats/CrossProducts.h"
+
+#include <cmath>
+#include <utility>
+
+#include "engine/stats/CompensatedDot.h"
+#include "engine/stats/Segments.h"
+
+namespace stats {
+
+namespace {
+
+std::size_t TriangleIndex(int i, int j) {
+  if (i < j) std::swap(i, j);
+  return static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2 +
+         static_cast<std::size_t>(j);
+}
+
+// What one group of cases adds up to.
+class CGroup {
+ public:
+  explicit CGroup(int variables)
+      : variables_(variables),
+        columns_((variables + 1) * kSegmentCases),
+        weighted_(2 * kSegmentCases),
+        high_(TriangleIndex(variables + 1, 0)),
+        low_(high_.size()) {}
+
+  void Add(const CSegment& segment) {
+    Turn(segment);
+    cases_ += segment.Cases();
+    finite_ = finite_ && segment.Finite();
+    // Beyond the cases stand zeros.
+    const std::int64_t count = (segment.Cases() + kLanes - 1) / kLanes * kLanes;
+    const CompensatedDot dot = ActiveCompensatedDot();
+    for (int i = 0; i <= variables_; ++i) {
+      const double* left = Column(i);
+      if (segment.Weighted()) left = TakeWeights(segment, i);
+      for (int j = 0; j <= i; ++j) {
+        const std::size_t at = TriangleIndex(i, j);
+        dot(left, Column(j), count, high_[at], low_[at]);
+        if (segment.Weighted()) {
+          double rest = 0, error = 0;
+          dot(left + kSegmentCases, Column(j), count, rest, error);
+          low_[at] += rest;
+        }
+      }
+    }
+  }
+
+  void AddTo(std::vector<Quad>& sums, std::int64_t& cases, bool& finite) const {
+    for (std::size_t at = 0; at < sums.size(); ++at) sums[at] += Quad(high_[at]) + low_[at];
+    cases += cases_;
+    finite = finite && finite_;
+  }
+
+ private:
+  double* Column(int j) { return columns_.Data() + j * kSegmentCases; }
+
+  // Variable after variable, the constant last.
+  void Turn(const CSegment& segment) {
+    for (int j = 0; j <= variables_; ++j) {
+      double* const to = Column(j);
+      const double* const from = j < variables_ ? segment.Panel(j / kLanes) + j % kLanes : nullptr;
+      for (std::int64_t k = 0; k < segment.Cases(); ++k)
+        to[k] = from != nullptr ? from[k * kLanes] : 1.0;
+      std::fill(to + segment.Cases(), to + kSegmentCases, 0.0);
+    }
+  }
+
+  // Weight times value, and behind it what the product has lost in rounding.
+  const double* TakeWeights(const CSegment& segment, int i) {
+    double* const to = weighted_.Data();
+    const double* const x = Column(i);
+    for (std::int64_t k = 0; k < kSegmentCases; ++k) {
+      const double weight = k < segment.Cases() ? segment.Weights()[k] : 0;
+      to[k] = weight * x[k];
+      to[kSegmentCases + k] = std::fma(weight, x[k], -to[k]);
+    }
+    return to;
+  }
+
+  int variables_;
+  CAlignedBuffer columns_;
+  CAlignedBuffer weighted_;
+  std::vector<double> high_, low_;
+  std::int64_t cases_ = 0;
+  bool finite_ = true;
+};
+
+}  // namespace
+
+CCrossProducts::CCrossProducts(int variables, int threads)
+    : variables_(variables), threads_(threads), sums_(TriangleIndex(variables + 1, 0), Quad(0)) {}
+
+void CCrossProducts::Add(const CaseBlock& block) {
+  CheckShape(block, variables_);
+  SumInGroups<CGroup>(
+      block, EDeletion::Listwise, threads_, [this] { return CGroup(variables_); },
+      [](CGroup& group, CSegment& segment) { group.Add(segment); },
+      [this](const CGroup& group) { group.AddTo(sums_, cases_, finite_); });
+}
+
+Quad CCrossProducts::Sum(int i, int j) const {
+  return sums_[TriangleIndex(i, j)];
+}
+
+Quad CCrossProducts::Mean(int i) const {
+  return Sum(i, variables_) / N();
+}
+
+Quad CCrossProducts::Centred(int i, int j) const {
+  return Sum(i, j) - Sum(i, variables_) * Sum(j, variables_) / N();
+}
+
+}  // namespace stats

@@ -1,0 +1,49 @@
+// Probit and logistic regression of ordinal variables by maximum likelihood.
+#pragma once
+
+#include <vector>
+
+#include <Eigen/Core>
+
+#include "engine/stats/RegressionCases.h"
+
+namespace stats {
+
+enum class ELink { Probit, Logistic };
+
+// P(y <= category j) = F(threshold_j - x' b), F being the standard normal or the logistic
+// distribution function (R. D. McKelvey and W. Zavoina, Journal of Mathematical Sociology 4, 1975,
+// 103-120; P. McCullagh, Journal of the Royal Statistical Society B 42, 1980, 109-142). With two
+// categories minus the threshold is the intercept of the binary model. Newton's method with the
+// observed information; the likelihood is concave.
+// Status: OneCategory; BadArgument (fewer than 2 categories, no x, a category without cases); those
+// of RegressorScale with `variable`; Boundary: the x separate the categories, so that there is no
+// maximum (`variable` is the x that runs away, -1 when it is a threshold); NotConverged.
+struct OrdinalRegressionResult {
+  EStatus status = EStatus::NoCases;
+  int variable = -1;
+  bool stopped = false;
+  double n = 0;
+  std::vector<double> frequency;  // by category
+  std::vector<double> threshold, thresholdError;
+  std::vector<double> slope, slopeError;
+  Eigen::MatrixXd covariance;  // of the thresholds, then the slopes: from the observed information
+  double logLikelihood = 0, logLikelihoodNull = 0;  // null: thresholds only
+  double ratio = 0, df = 0, p = 1;                  // likelihood ratio of the slopes
+  double mcFadden = 0, nagelkerke = 0;
+  double gradient = 0;  // largest, of the mean log-likelihood in standardised x
+  double smallestPivot = 1;
+  int iterations = 0;
+};
+
+OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass, int x, int categories,
+                                                  ELink link, int threads = 1);
+
+// The alternative parameterization: an intercept, and thresholds of which the first is 0.
+struct AlternativeParameters {
+  double intercept = 0, interceptError = 0;
+  std::vector<double> threshold, thresholdError;  // the first ones are 0
+};
+AlternativeParameters Alternative(const OrdinalRegressionResult& result);
+
+}  // namespace stats

@@ -1,0 +1,189 @@
+#include "engine/stats/RegressionCases.h"
+
+#include <cmath>
+
+#include <Eigen/Cholesky>
+
+#include "engine/stats/CrossProducts.h"
+#include "engine/stats/Parallel.h"
+
+namespace stats {
+
+using Eigen::Index;
+using Eigen::MatrixXd;
+using Eigen::VectorXd;
+
+RegressorScale ScaleRegressors(const RegressionPass& pass, int x, int threads) {
+  RegressorScale scale;
+  CCrossProducts sums(x, threads);
+  scale.stopped = !pass([&sums](const RegressionBlock& block) { sums.Add(block.x); });
+  scale.n = static_cast<double>(sums.N());
+  if (scale.stopped || sums.Cases() == 0) return scale;
+  scale.status = !sums.Finite()       ? EStatus::NotFinite
+                 : !(scale.n > 0)     ? EStatus::ZeroWeights
+                 : !(scale.n > x + 1) ? EStatus::TooFewCases
+                                      : EStatus::Ok;
+  if (scale.status != EStatus::Ok) return scale;
+  scale.mean.resize(x);
+  scale.sd.resize(x);
+  CQuadMatrix centred(x);
+  for (int i = 0; i < x; ++i) {
+    for (int j = 0; j < x; ++j) centred(i, j) = sums.Centred(i, j);
+    scale.mean(i) = static_cast<double>(sums.Mean(i));
+    scale.sd(i) = std::sqrt(static_cast<double>(centred(i, i) / (sums.N() - 1)));
+    constexpr double kNothing = 1e-28;
+    if (centred(i, i) > sums.Sum(i, i) * Quad(kNothing)) continue;
+    scale.status = EStatus::Constant;
+    scale.variable = i;
+    return scale;
+  }
+  // Newton's method works with 16 digits.
+  constexpr double kCollinear = 1e-13;
+  const CQuadCholesky factor(centred, kCollinear);
+  scale.smallestPivot = factor.SmallestPivot();
+  if (factor.Failed() < 0) return scale;
+  scale.status = EStatus::NotPositiveDefinite;
+  scale.variable = factor.Failed();
+  return scale;
+}
+
+CLikelihoodPass::CLikelihoodPass(const RegressorScale& scale, bool constant, int others,
+                                 int threads)
+    : mean_(scale.mean),
+      inverseSd_(scale.sd.cwiseInverse()),
+      constant_(constant),
+      columns_(static_cast<int>(scale.mean.size()) + (constant ? 1 : 0)),
+      others_(others),
+      threads_(threads) {}
+
+LikelihoodSums CLikelihoodPass::Empty() const {
+  const Index all = columns_ + others_;
+  return {0, VectorXd::Zero(all), MatrixXd::Zero(all, all)};
+}
+
+void CLikelihoodPass::ForPieces(std::int64_t pieces,
+                                const std::function<void(std::int64_t)>& work) const {
+  ParallelFor(threads_, pieces, work);
+}
+
+void CLikelihoodPass::Standardise(const CaseBlock& block, std::int64_t first, std::int64_t cases,
+                                  const VectorXd& slopes, Chunk& chunk) const {
+  if (chunk.x.rows() == 0) {
+    chunk.x.setZero(kChunkCases, columns_);
+    chunk.mixed.setZero(kChunkCases, others_);
+    chunk.slope.setZero(kChunkCases);
+    chunk.curve.setZero(kChunkCases);
+    if (constant_) chunk.x.col(columns_ - 1).setOnes();
+  }
+  for (Index j = 0; j < mean_.size(); ++j) {
+    const double* from = block.cells + first * block.stride + j;
+    double* const to = chunk.x.col(j).data();
+    for (std::int64_t k = 0; k < cases; ++k, from += block.stride)
+      to[k] = (*from - mean_(j)) * inverseSd_(j);
+  }
+  chunk.mixed.setZero();
+  chunk.predictor.noalias() = chunk.x * slopes;
+}
+
+void CLikelihoodPass::AddCase(const CaseLikelihood& one, double weight, std::int64_t k,
+                              Chunk& chunk, LikelihoodSums& sums) const {
+  sums.value += weight * one.value;
+  chunk.slope(k) = weight * one.slope;
+  chunk.curve(k) = weight * one.curve;
+  for (int o = 0; o < 2; ++o) {
+    if (one.other[o] < 0) continue;
+    const Index at = columns_ + one.other[o];
+    sums.gradient(at) += weight * one.otherSlope[o];
+    sums.hessian(at, at) += weight * one.otherCurve[o == 0 ? 0 : 2];
+    chunk.mixed(k, one.other[o]) = weight * one.mixed[o];
+  }
+  if (one.other[0] < 0 || one.other[1] < 0) return;
+  const Index a = columns_ + one.other[0];
+  const Index b = columns_ + one.other[1];
+  sums.hessian(a, b) += weight * one.otherCurve[1];
+  sums.hessian(b, a) += weight * one.otherCurve[1];
+}
+
+void CLikelihoodPass::AddChunk(const Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
+  const auto x = chunk.x.topRows(cases);
+  sums.gradient.head(columns_).noalias() += x.transpose() * chunk.slope.head(cases);
+  const MatrixXd scaled = chunk.curve.head(cases).asDiagonal() * x;
+  sums.hessian.topLeftCorner(columns_, columns_).noalias() += x.transpose() * scaled;
+  if (others_ == 0) return;
+  const MatrixXd mixed = x.transpose() * chunk.mixed.topRows(cases);
+  sums.hessian.topRightCorner(columns_, others_) += mixed;
+  sums.hessian.bottomLeftCorner(others_, columns_) += mixed.transpose();
+}
+
+NewtonResult MaximiseLikelihood(
+    VectorXd start, double n,
+    const std::function<bool(const VectorXd&, LikelihoodSums&)>& evaluate) {
+  constexpr int kMostIterations = 100;
+  constexpr int kMostHalvings = 40;
+  constexpr double kSmallGradient = 1e-13;
+  NewtonResult result;
+  result.parameters = std::move(start);
+  if (!evaluate(result.parameters, result.sums)) {
+    result.stopped = true;
+    return result;
+  }
+  LikelihoodSums next;
+  for (result.iterations = 1; result.iterations <= kMostIterations; ++result.iterations) {
+    const LikelihoodSums& at = result.sums;
+    if (!std::isfinite(at.value)) return result;
+    const double largest = at.gradient.cwiseAbs().maxCoeff() / n;
+    if (largest <= kSmallGradient) break;
+    const Eigen::LDLT<MatrixXd> factor(-at.hessian);
+    if (factor.info() != Eigen::Success || !factor.isPositive()) break;
+    VectorXd step = factor.solve(at.gradient);
+    if (!step.allFinite()) break;
+    // A likelihood that hardly rises while the parameters run on has no maximum.
+    const double rise = at.gradient.dot(step);
+    Index runaway = 0;
+    const double length = step.cwiseAbs().maxCoeff(&runaway);
+    constexpr double kHardlyRises = 1e-6;
+    constexpr double kRunsOn = 0.1;
+    constexpr int kFirstGlance = 6;
+    if (result.iterations > kFirstGlance && rise < kHardlyRises * n && length > kRunsOn) {
+      result.status = EStatus::Boundary;
+      result.runaway = static_cast<int>(runaway);
+      return result;
+    }
+    bool better = false;
+    for (int halvings = 0; halvings < kMostHalvings && !better; ++halvings, step /= 2) {
+      const VectorXd parameters = result.parameters + step;
+      if (!evaluate(parameters, next)) {
+        result.stopped = true;
+        return result;
+      }
+      // At the end rounding decides about the value, and the gradient about the rest.
+      const double rounding = 1e-13 * std::fabs(at.value);
+      better = std::isfinite(next.value) &&
+               (next.value > at.value + rounding ||
+                (next.value > at.value - rounding &&
+                 next.gradient.cwiseAbs().maxCoeff() / n < 0.999 * largest));
+      if (better) result.parameters = parameters;
+      if (!better && largest < 1e-11) break;
+    }
+    if (!better) break;
+    std::swap(result.sums, next);
+  }
+  // Without a maximum the gradient vanishes too: the last step then stays long, or every case is
+  // predicted with certainty.
+  constexpr double kCertain = 1e-6;
+  constexpr double kLongStep = 1e-3;
+  const VectorXd last = (-result.sums.hessian).ldlt().solve(result.sums.gradient);
+  const bool certain = result.sums.value > -kCertain * n && result.sums.value <= 0;
+  if (certain || !last.allFinite() || last.cwiseAbs().maxCoeff() > kLongStep) {
+    Index runaway = 0;
+    result.parameters.cwiseAbs().maxCoeff(&runaway);
+    result.runaway = static_cast<int>(runaway);
+    result.status = EStatus::Boundary;
+    return result;
+  }
+  constexpr double kEnough = 1e-9;
+  if (result.sums.gradient.cwiseAbs().maxCoeff() / n <= kEnough) result.status = EStatus::Ok;
+  return result;
+}
+
+}  // namespace stats

@@ -1,0 +1,325 @@
+#include <cmath>
+#include <random>
+
+#include "Oracle.h"
+#include "engine/stats/CensoredRegression.h"
+#include "engine/stats/LeastSquares.h"
+#include "engine/stats/OrdinalRegression.h"
+
+namespace {
+
+using oracle::ExpectClose;
+using oracle::Json;
+using stats::EStatus;
+
+const Json& Reference(const char* key) {
+  return oracle::Load("procedures.json").at(key);
+}
+
+stats::CCrossProducts Products(const oracle::Data& data, int threads = 1,
+                               const double* weights = nullptr) {
+  stats::CCrossProducts sums(data.Variables(), threads);
+  stats::CaseBlock block = data.Block();
+  block.weights = weights;
+  sums.Add(block);
+  return sums;
+}
+
+// The certified texts have 15 digits; 13 of them are asked for.
+void ExpectCertified(double value, const Json& text, const std::string& what) {
+  const double want = std::stod(text.get<std::string>());
+  EXPECT_NEAR(value, want, 1e-13 * std::fabs(want)) << what;
+}
+
+TEST(LeastSquares, AgreesWithTheCertifiedValues) {
+  const auto result = stats::EstimateLeastSquares(Products(oracle::ReadCsv("longley_nist.csv")), 0,
+                                                  {1, 2, 3, 4, 5, 6});
+  ASSERT_EQ(result.status, EStatus::Ok);
+  const Json& want = Reference("ols_longley_nist_certified");
+  for (std::size_t i = 0; i < 7; ++i) {
+    ExpectCertified(result.coefficient[i], want.at("coef")[i], "coefficient");
+    ExpectCertified(result.standardError[i], want.at("se")[i], "standard error");
+  }
+  ExpectCertified(result.residualSd, want.at("residual_sd"), "residual sd");
+  ExpectCertified(result.rSquare, want.at("r2"), "R-square");
+  ExpectCertified(result.f, want.at("F"), "F");
+  ExpectCertified(result.residualSquares, want.at("rss"), "residual squares");
+  ExpectCertified(result.regressionSquares, want.at("regression_ss"), "regression squares");
+}
+
+// Polynomials of degree 5 on 0 ... 20, as in the Wampler problems of the same collection: the
+// certified coefficients are 1 (first), 10^-i (second), without residuals. An offset of the
+// powers' sum makes the problem of the third: residuals of +-100000 that are orthogonal to them do
+// not exist, so exact ones are used.
+TEST(LeastSquares, KeepsItsDigitsWithPowersOfX) {
+  for (const double base : {1.0, 0.1}) {
+    oracle::Data data{{"y", "x1", "x2", "x3", "x4", "x5"}, {}};
+    for (int x = 0; x <= 20; ++x) {
+      long double y = 0, factor = 1, power = 1;
+      std::vector<double> powers;
+      for (int i = 0; i <= 5; ++i, factor *= base, power *= x) {
+        y += factor * power;
+        if (i > 0) powers.push_back(static_cast<double>(power));
+      }
+      data.cells.push_back(static_cast<double>(y));
+      data.cells.insert(data.cells.end(), powers.begin(), powers.end());
+    }
+    const auto result = stats::EstimateLeastSquares(Products(data), 0, {1, 2, 3, 4, 5});
+    ASSERT_EQ(result.status, EStatus::Ok);
+    for (int i = 0; i <= 5; ++i) {
+      EXPECT_NEAR(result.coefficient[static_cast<std::size_t>(i)], std::pow(base, i),
+                  1e-9 * std::pow(base, i))
+          << i;
+    }
+    EXPECT_GT(result.rSquare, 1 - 1e-14);
+  }
+}
+
+TEST(LeastSquares, AgreesWithTheReference) {
+  const oracle::Data data = oracle::ReadCsv("mtcars.csv").Select({"mpg", "wt", "hp", "qsec"});
+  const auto result = stats::EstimateLeastSquares(Products(data), 0, {1, 2, 3});
+  ASSERT_EQ(result.status, EStatus::Ok);
+  const Json& want = Reference("ols_mtcars");
+  const char* const names[] = {"(Intercept)", "wt", "hp", "qsec"};
+  for (std::size_t i = 0; i < 4; ++i) {
+    ExpectClose(result.coefficient[i], want.at("coef").at(names[i]), 1e-11, names[i]);
+    ExpectClose(result.standardError[i], want.at("se").at(names[i]), 1e-11, names[i]);
+    ExpectClose(result.t[i], want.at("t").at(names[i]), 1e-11, names[i]);
+  }
+  ExpectClose(result.adjustedRSquare, want.at("adj_r2"), 1e-11, "adjusted");
+  ExpectClose(result.f, want.at("F"), 1e-11, "F");
+  ExpectClose(result.logLikelihood, want.at("loglik"), 1e-11, "log-likelihood");
+  // Simple regression: VIF 1, and the two tests are one.
+  const auto simple = stats::EstimateLeastSquares(Products(data), 0, {1});
+  EXPECT_NEAR(simple.varianceInflation[0], 1, 1e-14);
+  EXPECT_NEAR(simple.pF, simple.p[1], 1e-12 * simple.pF);
+}
+
+TEST(LeastSquares, WeightsCountCasesAndThreadsDoNotMatter) {
+  std::mt19937 random(4);
+  std::normal_distribution<double> normal;
+  oracle::Data data{{"y", "a", "b"}, {}}, repeated{data.names, {}};
+  std::vector<double> weights;
+  for (int k = 0; k < 20'000; ++k) {
+    const double a = 1e6 + normal(random), b = normal(random) / 3;
+    const double row[] = {a - b + normal(random), a, b};
+    weights.push_back(static_cast<double>(k % 4) * 0.5);
+    data.cells.insert(data.cells.end(), row, row + 3);
+    for (int w = 0; w < k % 4; ++w) repeated.cells.insert(repeated.cells.end(), row, row + 3);
+  }
+  const auto one = stats::EstimateLeastSquares(Products(data, 1, weights.data()), 0, {1, 2});
+  const auto two = stats::EstimateLeastSquares(Products(data, 2, weights.data()), 0, {1, 2});
+  const auto plain = stats::EstimateLeastSquares(Products(repeated), 0, {1, 2});
+  EXPECT_EQ(one.coefficient, two.coefficient);
+  EXPECT_EQ(one.standardError, two.standardError);
+  EXPECT_NEAR(2 * one.n, plain.n, 1e-9);
+  for (std::size_t i = 0; i < 3; ++i)
+    EXPECT_NEAR(one.coefficient[i], plain.coefficient[i], 1e-13 * std::fabs(plain.coefficient[i]));
+}
+
+TEST(LeastSquares, NamesWhatCannotBeEstimated) {
+  //                            y  a  b  c (b + a)  d (constant)
+  const oracle::Data data{{"y", "a", "b", "c", "d"},
+                          {1, 1.1, 4, 5.1, 7, 2, 2.7, 1, 3.7, 7, 4, 3.2, 5, 8.2,  7,
+                           3, 4.3, 2, 6.3, 7, 9, 5.9, 2, 7.9, 7, 8, 6.6, 7, 13.6, 7}};
+  const auto sums = Products(data);
+  struct {
+    int y;
+    std::vector<int> x;
+    EStatus status;
+    int variable;
+  } const cases[] = {{0, {1, 2, 3}, EStatus::NotPositiveDefinite, 2},
+                     {0, {1, 4}, EStatus::Constant, 1},
+                     {4, {1}, EStatus::Constant, -1},
+                     {0, {}, EStatus::BadArgument, -1},
+                     {0, {1, 2}, EStatus::Ok, -1}};
+  for (const auto& c : cases) {
+    const auto result = stats::EstimateLeastSquares(sums, c.y, c.x);
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_EQ(result.variable, c.variable);
+  }
+  EXPECT_EQ(stats::EstimateTwoStage(sums, 0, {1, 2}, {3}).status, EStatus::BadArgument);
+  EXPECT_EQ(stats::EstimateTwoStage(sums, 0, {1, 2}, {1, 4}).status, EStatus::NotPositiveDefinite);
+  EXPECT_EQ(stats::EstimateLeastSquares(stats::CCrossProducts(2), 0, {1}).status, EStatus::NoCases);
+}
+
+TEST(TwoStage, AgreesWithTheReference) {
+  const oracle::Data data =
+      oracle::ReadCsv("cigarettes1995.csv");  // lpacks lrprice lrincome tdiff rtax
+  const auto result = stats::EstimateTwoStage(Products(data), 0, {1, 2}, {2, 3, 4});
+  ASSERT_EQ(result.status, EStatus::Ok);
+  const Json& want = Reference("tsls_cigarettes");
+  const char* const names[] = {"(Intercept)", "lrprice", "lrincome"};
+  for (std::size_t i = 0; i < 3; ++i) {
+    ExpectClose(result.coefficient[i], want.at("coef").at(names[i]), 1e-10, names[i]);
+    ExpectClose(result.standardError[i], want.at("se_nk").at(names[i]), 1e-10, names[i]);
+  }
+  ExpectClose(result.residualSd, want.at("residual_sd_nk"), 1e-10, "residual sd");
+  ExpectClose(result.rSquare, want.at("r2_1_minus_rss_tss"), 1e-10, "R-square");
+  ASSERT_EQ(result.firstStages.size(), 1U);
+  EXPECT_EQ(result.firstStages[0].df1, 2);
+  EXPECT_GT(result.firstStages[0].f, 10);
+  EXPECT_EQ(result.dfSargan, 1);
+}
+
+// x as its own instruments: ordinary least squares.
+TEST(TwoStage, WithTheRegressorsAsInstrumentsIsOneStage) {
+  const oracle::Data data = oracle::ReadCsv("mtcars.csv");
+  const auto sums = Products(data);
+  const auto two = stats::EstimateTwoStage(sums, 0, {3, 5}, {5, 3});
+  const auto one = stats::EstimateLeastSquares(sums, 0, {3, 5});
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(two.coefficient[i], one.coefficient[i], 1e-13 * std::fabs(one.coefficient[i]));
+    EXPECT_NEAR(two.standardError[i], one.standardError[i], 1e-13 * one.standardError[i]);
+  }
+  EXPECT_TRUE(two.firstStages.empty());
+}
+
+// Cases of a file: y is its first variable, or for categories one counted from `lowest`.
+class Cases {
+ public:
+  Cases(const oracle::Data& data, int lowest) : x_{{}, {}} {
+    x_.names.assign(data.names.begin() + 1, data.names.end());
+    for (std::int64_t k = 0; k < data.Cases(); ++k) {
+      const double* row = data.cells.data() + k * data.Variables();
+      if (std::any_of(row, row + data.Variables(), [](double v) { return std::isnan(v); }))
+        continue;
+      y_.push_back(row[0]);
+      codes_.push_back(static_cast<std::uint8_t>(row[0] - lowest));
+      x_.cells.insert(x_.cells.end(), row + 1, row + data.Variables());
+    }
+  }
+  int X() const { return x_.Variables(); }
+  std::vector<double>& Y() { return y_; }
+  stats::RegressionPass Pass() const {
+    return [this](const std::function<void(const stats::RegressionBlock&)>& work) {
+      work({x_.Block(), y_.data(), 1, codes_.data()});
+      return true;
+    };
+  }
+
+ private:
+  oracle::Data x_;
+  std::vector<double> y_;
+  std::vector<std::uint8_t> codes_;
+};
+
+const std::vector<std::string> kAffairs = {"age", "yearsmarried", "religiousness", "occupation",
+                                           "rating"};
+
+Cases Affairs(const char* y) {
+  std::vector<std::string> names = {y};
+  names.insert(names.end(), kAffairs.begin(), kAffairs.end());
+  return {oracle::ReadCsv("affairs.csv").Select(names), 0};
+}
+
+TEST(OrdinalRegression, OfTwoCategoriesAgreesWithTheReferences) {
+  const Cases cases = Affairs("any");
+  for (const bool probit : {true, false}) {
+    const auto result = stats::EstimateOrdinalRegression(
+        cases.Pass(), cases.X(), 2, probit ? stats::ELink::Probit : stats::ELink::Logistic);
+    ASSERT_EQ(result.status, EStatus::Ok);
+    EXPECT_LT(result.gradient, 1e-12);
+    const Json& want = Reference(probit ? "probit_affairs" : "logit_affairs");
+    const auto alternative = stats::Alternative(result);
+    ExpectClose(alternative.intercept, want.at("coef").at("(Intercept)"), 1e-7, "intercept");
+    const Json& errors = want.at("se_observed_information");
+    ExpectClose(alternative.interceptError, errors.at("(Intercept)"), 1e-7, "its error");
+    for (std::size_t j = 0; j < kAffairs.size(); ++j) {
+      ExpectClose(result.slope[j], want.at("coef").at(kAffairs[j]), 1e-7, kAffairs[j]);
+      ExpectClose(result.slopeError[j], errors.at(kAffairs[j]), 1e-7, kAffairs[j]);
+    }
+    ExpectClose(result.logLikelihood, want.at("loglik"), 1e-10, "log-likelihood");
+    ExpectClose(result.logLikelihoodNull, want.at("loglik_null"), 1e-10, "without x");
+    ExpectClose(result.ratio, want.at("LR"), 1e-8, "ratio");
+  }
+}
+
+TEST(OrdinalRegression, OfSixCategoriesAgreesWithTheReferences) {
+  const Cases cases(oracle::ReadCsv("survey.csv").Select({"A2", "age", "gender", "education"}), 1);
+  for (const bool probit : {true, false}) {
+    const auto link = probit ? stats::ELink::Probit : stats::ELink::Logistic;
+    const auto result = stats::EstimateOrdinalRegression(cases.Pass(), 3, 6, link, 2);
+    ASSERT_EQ(result.status, EStatus::Ok);
+    const Json& want = Reference(probit ? "ordered_probit_A2" : "ordered_logit_A2");
+    ExpectClose(result.n, want.at("n"), 0, "n");
+    const char* const cuts[] = {"1|2", "2|3", "3|4", "4|5", "5|6"};
+    for (std::size_t j = 0; j < 5; ++j) {
+      ExpectClose(result.threshold[j], want.at("thresholds").at(cuts[j]), 1e-7, cuts[j]);
+      ExpectClose(result.thresholdError[j], want.at("se").at(cuts[j]), 1e-7, cuts[j]);
+    }
+    const char* const names[] = {"age", "gender", "education"};
+    for (std::size_t j = 0; j < 3; ++j) {
+      ExpectClose(result.slope[j], want.at("coef").at(names[j]), 1e-7, names[j]);
+      ExpectClose(result.slopeError[j], want.at("se").at(names[j]), 1e-7, names[j]);
+    }
+    ExpectClose(result.logLikelihood, want.at("loglik"), 1e-10, "log-likelihood");
+    const auto again = stats::EstimateOrdinalRegression(cases.Pass(), 3, 6, link, 1);
+    EXPECT_EQ(again.slope, result.slope);
+  }
+}
+
+TEST(OrdinalRegression, ReportsSeparationByTheVariable) {
+  std::mt19937 random(2);
+  std::normal_distribution<double> normal;
+  for (const bool complete : {true, false}) {
+    oracle::Data data{{"y", "noise", "x"}, {}};
+    for (int k = 0; k < 200; ++k) {
+      const double x = normal(random);
+      // Complete: y is the sign of x. Quasi-complete: y is 1 whenever a rare x is 1.
+      const double row[] = {
+          complete ? (x > 0 ? 1.0 : 0.0) : (k % 2 == 0 || k % 20 == 1 ? 1.0 : 0.0), normal(random),
+          complete ? x : (k % 20 == 1 ? 1.0 : 0.0)};
+      data.cells.insert(data.cells.end(), row, row + 3);
+    }
+    const Cases cases(data, 0);
+    for (const auto link : {stats::ELink::Probit, stats::ELink::Logistic}) {
+      const auto result = stats::EstimateOrdinalRegression(cases.Pass(), 2, 2, link);
+      EXPECT_EQ(result.status, EStatus::Boundary);
+      EXPECT_EQ(result.variable, 1);
+    }
+  }
+}
+
+TEST(CensoredRegression, AgreesWithTheReferences) {
+  for (const bool above : {false, true}) {
+    Cases cases = Affairs("affairs");
+    const Json& want = Reference(above ? "censored_affairs_0_4" : "censored_affairs_left0");
+    stats::CensoringLimits limits;
+    limits.lower = 0;
+    if (above) {
+      limits.upper = 4;
+      for (double& y : cases.Y()) y = std::min(y, 4.0);
+    }
+    const auto result = stats::EstimateCensoredRegression(cases.Pass(), cases.X(), limits);
+    ASSERT_EQ(result.status, EStatus::Ok);
+    ExpectClose(result.below, want.at("n_left"), 0, "below");
+    EXPECT_EQ(result.above, want.at("n_right").get<double>());
+    std::vector<std::string> names = {"(Intercept)"};
+    names.insert(names.end(), kAffairs.begin(), kAffairs.end());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      ExpectClose(result.coefficient[i], want.at("coef").at(names[i]), 1e-7, names[i]);
+      ExpectClose(result.standardError[i], want.at("se_observed_information").at(names[i]), 1e-7,
+                  names[i]);
+    }
+    ExpectClose(result.sd, want.at("sigma"), 1e-7, "sd");
+    ExpectClose(result.logSdError, want.at("se_log_sigma"), 1e-7, "error of log sd");
+    ExpectClose(result.logLikelihood, want.at("loglik"), 1e-10, "log-likelihood");
+  }
+}
+
+// Nothing censored: least squares, with the variance's divisor n.
+TEST(CensoredRegression, WithoutCensoringIsLeastSquares) {
+  const oracle::Data data = oracle::ReadCsv("mtcars.csv").Select({"mpg", "wt", "hp"});
+  const Cases cases(data, 0);
+  const auto censored = stats::EstimateCensoredRegression(cases.Pass(), 2, {});
+  const auto plain = stats::EstimateLeastSquares(Products(data), 0, {1, 2});
+  ASSERT_EQ(censored.status, EStatus::Ok);
+  for (std::size_t i = 0; i < 3; ++i)
+    EXPECT_NEAR(censored.coefficient[i], plain.coefficient[i],
+                1e-10 * std::fabs(plain.coefficient[i]));
+  EXPECT_NEAR(censored.sd, plain.residualSd * std::sqrt(29.0 / 32), 1e-10);
+  EXPECT_NEAR(censored.logLikelihood, plain.logLikelihood, 1e-10);
+}
+
+}  // namespace
