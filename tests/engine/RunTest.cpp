@@ -189,9 +189,13 @@ TEST_F(RunTest, SavesAsymptoticVariancesOfMixedVariables) {
 TEST_F(RunTest, SavesThresholds) {
   ASSERT_EQ(Run("SE 4 5\nOU XT TH=" + (folder / "th")), ERUNRESULT::Done) << Output();
   std::ifstream th(folder / "th");
-  std::vector<double> found((std::istream_iterator<double>(th)), std::istream_iterator<double>());
-  ASSERT_EQ(found.size(), 6U);
-  EXPECT_TRUE(found[0] < found[1] && found[1] < found[2] && found[3] < found[4]);
+  for (const char* name : {"o1", "o2"}) {
+    double found[3] = {};
+    std::string mark, variable;
+    ASSERT_TRUE(th >> found[0] >> found[1] >> found[2] >> mark >> variable);
+    EXPECT_TRUE(found[0] < found[1] && found[1] < found[2]);
+    EXPECT_EQ(mark + variable, CString("!") + name);
+  }
 }
 
 TEST_F(RunTest, RefusesOutputsThatAreInputsBeforeWriting) {
@@ -240,7 +244,7 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
       {"SE 1 2\nOU MA=AM AC=x", 3, "are those of covariances or correlations"},
       {"SE 1 2\nOU TH=x", 3, "no variable is ordinal"},
       {"SE 1 2\nOU MA=CM SM=/no/such/folder/x", 3, "cannot be written"},
-      {"FA NF=2\nOU", 2, "Exploratory factor analysis (FA) is not built into this engine yet"},
+      {"EM 1 2\nOU", 2, "Multiple imputation by EM (EM) is not built into this engine yet"},
       {"MC 1 2 RP=3\nOU", 2, "Multiple imputation by MCMC (MC) is not built"},
       {"OU BS=10 SF=50", 2, "Bootstrapping (BS) is not built"},
   };

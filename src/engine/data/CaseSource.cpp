@@ -98,11 +98,14 @@ CCaseSource::CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t se
   if (IsVariableNumber(file.Data(), job.data.weightVariable)) {
     weightVariable_ = job.data.weightVariable - 1;
   }
-  missing_.reserve(width_);
-  for (std::size_t i = 0; i < width_; ++i) missing_.emplace_back(job.data, i);
 }
 
 void CCaseSource::PrepareColumns() {
+  // Procedures may have added variables since the last pass.
+  width_ = static_cast<std::size_t>(job_.data.variables);
+  missing_.clear();
+  missing_.reserve(width_);
+  for (std::size_t i = 0; i < width_; ++i) missing_.emplace_back(job_.data, i);
   columnMissing_.clear();
   columnCodes_.clear();
   sameMissing_ = true;
@@ -267,6 +270,10 @@ void CCaseSource::TransformOnce(Part& part, std::uint64_t repetition) const {
       }
       continue;
     }
+    if (const auto* const function = std::get_if<CASEFUNCTION>(&job_.transformations[t])) {
+      if (repetition == static_cast<std::uint64_t>(repetition_)) Apply(*function, part);
+      continue;
+    }
     const auto& compute = std::get<COMPUTE>(job_.transformations[t]);
     part.clean.resize(part.raw.size());
     for (const std::int32_t variable : compute.expression.Variables()) {
@@ -282,6 +289,24 @@ void CCaseSource::TransformOnce(Part& part, std::uint64_t repetition) const {
                                     {seed_, repetition, t}, part.results.data());
     for (std::size_t i = 0; i < cases; ++i) {
       part.raw[i * width_ + static_cast<std::size_t>(compute.target)] = part.results[i];
+    }
+  }
+}
+
+// What is no finite number becomes missing.
+void CCaseSource::Apply(const CASEFUNCTION& function, Part& part) const {
+  std::vector<double> inputs(function.inputs.size());
+  std::vector<double> outputs(function.outputs.size());
+  for (std::size_t i = 0; i < part.numbers.size(); ++i) {
+    double* const row = part.raw.data() + i * width_;
+    for (std::size_t j = 0; j < inputs.size(); ++j) {
+      const auto variable = static_cast<std::size_t>(function.inputs[j]);
+      const bool none = missing_[variable](row[variable]) || !std::isfinite(row[variable]);
+      inputs[j] = none ? kMissing : row[variable];
+    }
+    function.compute(inputs.data(), outputs.data());
+    for (std::size_t j = 0; j < outputs.size(); ++j) {
+      row[function.outputs[j]] = std::isfinite(outputs[j]) ? outputs[j] : kMissing;
     }
   }
 }

@@ -87,6 +87,7 @@ class CCaseSource {
   std::size_t Select(Part& part) const;
   void Transform(Part& part) const;
   void TransformOnce(Part& part, std::uint64_t repetition) const;
+  void Apply(const CASEFUNCTION& function, Part& part) const;
   bool PutRow(Part& part, const double* row, std::size_t place);
   void PutCodes(Part& part, double* cells, std::size_t place);
   bool TakeWeight(Part& part, const double* row, std::size_t place);

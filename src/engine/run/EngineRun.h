@@ -9,7 +9,7 @@
 #include "engine/run/Progress.h"
 
 struct ENGINERUN {
-  const JOB& job;
+  JOB& job;  // of this repetition: procedures may add to it
   const CDataFile& file;
   CCaseSource& source;
   CReport& report;

@@ -8,6 +8,8 @@
 #include <random>
 
 #include "engine/data/DataFile.h"
+#include "engine/procedures/ProcedureTable.h"
+#include "engine/procedures/RunProcedures.h"
 #include "engine/run/EngineRun.h"
 #include "engine/run/FileIdentity.h"
 #include "engine/run/Interrupt.h"
@@ -111,12 +113,14 @@ class CRun {
                "Leave out BS=, SF= and BM=."};
       return false;
     }
-    if (job_.procedures.empty()) return true;
-    const PROCEDURE& first = job_.procedures.front();
-    fault = {first.line.number, CString(Trimmed(first.line.text)),
-             ProcedureName(first) + " is not built into this engine yet",
-             "Leave the line out to screen the data, or run the syntax with another engine."};
-    return false;
+    for (const PROCEDURE& procedure : job_.procedures) {
+      if (RunnerOf(procedure) != nullptr) continue;
+      fault = {procedure.line.number, CString(Trimmed(procedure.line.text)),
+               ProcedureName(procedure) + " is not built into this engine yet",
+               "Leave the line out to screen the data, or run the syntax with another engine."};
+      return false;
+    }
+    return true;
   }
 
   bool OpenOutputs(FAULT& fault) {
@@ -130,7 +134,11 @@ class CRun {
     files_.AddOutput("AC", output.covarianceFile);
     files_.AddOutput("AV", output.varianceFile);
     files_.AddOutput("RA", output.dataFile);
-    files_.AddOutput("TH", output.thresholdFile);
+    if (ReadsThresholds(job_)) {
+      files_.AddInput("the file of the thresholds (TH)", output.thresholdFile);
+    } else {
+      files_.AddOutput("TH", output.thresholdFile);
+    }
     files_.AddOutput("BM", output.sampleMomentFile);
     if (files_.Create(fault)) return true;
     fault.line = output.line.number;
@@ -162,12 +170,13 @@ class CRun {
         report_.Section("Repetition " + std::to_string(r + 1) + " of " +
                         std::to_string(repetitions));
       }
-      CCaseSource source(file_, job_, seed, r, options_.threads);
-      ENGINERUN run{job_, file_, source, report_, files_, progress_, options_.threads, r, seed, {}};
-      const bool screened = ScreenData(run, fault);
+      JOB job = job_;
+      CCaseSource source(file_, job, seed, r, options_.threads);
+      ENGINERUN run{job, file_, source, report_, files_, progress_, options_.threads, r, seed, {}};
+      const bool done = job.procedures.empty() ? ScreenData(run, fault) : RunProcedures(run, fault);
       for (const FAULT& found : run.faults) report_.Error(found);
       failed_ = !run.faults.empty();
-      if (!screened || failed_) return false;
+      if (!done || failed_) return false;
       WriteOut();
     }
     return true;

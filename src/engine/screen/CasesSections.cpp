@@ -90,23 +90,27 @@ void WritePatterns(const ENGINERUN& run, const SCREENVARIABLES& variables) {
 
 }  // namespace
 
-void WriteDataSection(const ENGINERUN& run, const SCREENVARIABLES& variables) {
+const char* DeletionText(bool listwise) {
+  return listwise ? "listwise deletion" : "pairwise deletion";
+}
+
+void WriteDataHeading(const ENGINERUN& run, std::size_t variables, const char* deletion) {
   const JOB& job = run.job;
   run.report.Section("Data");
   run.report.Line("  Data file:         " + TextForDisplay(run.file.Name()));
-  run.report.Line("  Variables:         " + std::to_string(variables.all.size()) + " of " +
+  run.report.Line("  Variables:         " + std::to_string(variables) + " of " +
                   std::to_string(job.data.variables));
   if (run.source.HasWeights()) {
     const auto weight = static_cast<std::size_t>(run.source.WeightVariable());
     run.report.Line("  Weight variable:   " + TextForDisplay(job.data.variable[weight].name));
   }
-  run.report.Line(CString("  Missing values:    ") +
-                  (variables.IsListwise() ? "listwise deletion" : "pairwise deletion"));
+  run.report.Line(CString("  Missing values:    ") + deletion);
   for (const SyntaxLine& line : job.selectionLines) {
     run.report.Line("  Selection:         " + TextForDisplay(Trimmed(line.text)));
   }
   bool random = false;
   for (const TRANSFORMATION& transformation : job.transformations) {
+    if (std::holds_alternative<CASEFUNCTION>(transformation)) continue;
     const auto* const compute = std::get_if<COMPUTE>(&transformation);
     const SyntaxLine& line =
         compute != nullptr ? compute->line : std::get<RECODE>(transformation).line;
@@ -115,24 +119,33 @@ void WriteDataSection(const ENGINERUN& run, const SCREENVARIABLES& variables) {
   }
   if (random) run.report.Line("  Random numbers:    seed " + std::to_string(run.seed));
   run.report.Gap();
-  WriteCaseCounts(run, variables);
+}
+
+void WriteDataWarnings(const ENGINERUN& run, const CASECOUNTS& counts) {
+  const JOB& job = run.job;
   if (run.file.Contents().damaged) {
     run.report.Warning("The data file is damaged: it promises " +
                        std::to_string(run.file.Contents().statedRecords) +
                        " cases, and not everything is there. What is there was used.");
   }
-  if (variables.counts.infinite > 0) {
-    run.report.Warning(std::to_string(variables.counts.infinite) +
+  if (counts.infinite > 0) {
+    run.report.Warning(std::to_string(counts.infinite) +
                        " cells are infinite. They count as missing.");
   }
-  for (std::size_t t = 0; t < variables.counts.undefined.size(); ++t) {
-    const std::int64_t count = variables.counts.undefined[t];
+  for (std::size_t t = 0; t < counts.undefined.size(); ++t) {
+    const std::int64_t count = counts.undefined[t];
     if (count == 0) continue;
     const SyntaxLine& line = std::get<COMPUTE>(job.transformations[t]).line;
     run.report.Warning("Line " + std::to_string(line.number) + " (" +
                        TextForDisplay(Trimmed(line.text)) + ") has no finite result for " +
                        std::to_string(count) + " cases. They get a missing value.");
   }
+}
+
+void WriteDataSection(const ENGINERUN& run, const SCREENVARIABLES& variables) {
+  WriteDataHeading(run, variables.all.size(), DeletionText(variables.IsListwise()));
+  WriteCaseCounts(run, variables);
+  WriteDataWarnings(run, variables.counts);
 }
 
 void WriteMissingSection(const ENGINERUN& run, const SCREENVARIABLES& variables) {

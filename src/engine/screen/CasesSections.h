@@ -4,5 +4,11 @@
 
 #include "engine/screen/Variables.h"
 
+// The section's first lines, and its warnings about cells of the last pass; between them stands
+// what became of the cases.
+void WriteDataHeading(const ENGINERUN& run, std::size_t variables, const char* deletion);
+// "listwise deletion", "pairwise deletion"
+const char* DeletionText(bool listwise);
+void WriteDataWarnings(const ENGINERUN& run, const CASECOUNTS& counts);
 void WriteDataSection(const ENGINERUN& run, const SCREENVARIABLES& variables);
 void WriteMissingSection(const ENGINERUN& run, const SCREENVARIABLES& variables);

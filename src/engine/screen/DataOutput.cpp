@@ -12,7 +12,11 @@
 namespace {
 
 std::vector<std::int32_t> SavedVariables(const JOB& job) {
-  if (!job.selected.empty()) return job.selected;
+  if (!job.selected.empty()) {
+    std::vector<std::int32_t> variables = job.selected;
+    variables.insert(variables.end(), job.added.begin(), job.added.end());
+    return variables;
+  }
   std::vector<std::int32_t> variables;
   for (std::int32_t i = 0; i < job.data.variables; ++i) {
     if (!job.selection.Drops(i)) variables.push_back(i);

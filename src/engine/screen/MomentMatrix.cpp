@@ -1,5 +1,6 @@
 #include "engine/screen/MomentMatrix.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "engine/screen/Faults.h"
@@ -152,8 +153,9 @@ bool CheckPolychorics(const ENGINERUN& run, const SCREENVARIABLES& variables,
 }
 
 bool ComputeNumeric(const ENGINERUN& run, const SCREENVARIABLES& variables,
-                    const stats::CMoments& moments, stats::MomentMatrix& numeric, FAULT& fault) {
-  numeric = stats::ComputeMoments(moments, KindOf(run.job.output.moments));
+                    const stats::CMoments& moments, MOMENTS kind, stats::MomentMatrix& numeric,
+                    FAULT& fault) {
+  numeric = stats::ComputeMoments(moments, KindOf(kind));
   if (numeric.status == stats::EStatus::Ok) return true;
   CString whom;
   if (numeric.variable >= 0) whom = " (" + Numeric(variables, numeric.variable).name + ")";
@@ -220,15 +222,15 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
   return true;
 }
 
-bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
+bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables, MOMENTS kind,
                   const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
                   const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
                   ANALYSISMOMENTS& out, FAULT& fault) {
-  const MOMENTS kind = run.job.output.moments;
   stats::MomentMatrix numeric;
   if (RefuseCensored(run, variables, fault)) return false;
   if (polychoric != nullptr && !CheckPolychorics(run, variables, *polychoric, fault)) return false;
-  if (moments != nullptr && !ComputeNumeric(run, variables, *moments, numeric, fault)) return false;
+  if (moments != nullptr && !ComputeNumeric(run, variables, *moments, kind, numeric, fault))
+    return false;
   const CMomentBuilder builder(kind, variables, numeric, results.numeric, polychoric, polyserial);
   const std::size_t p = variables.all.size();
   const std::size_t rows = p + (kind == MOMENTS::Augmented ? 1 : 0);
@@ -242,6 +244,12 @@ bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
       out.matrix(At(i), At(j)) = out.matrix(At(j), At(i)) = builder.Element(i, j);
     }
   }
+  out.smallestN = variables.Weight();
+  if (moments != nullptr) out.smallestN = std::min(out.smallestN, numeric.smallestN);
+  if (polychoric != nullptr) {
+    for (const auto& pair : polychoric->pairs) out.smallestN = std::min(out.smallestN, pair.n);
+  }
+  for (const auto& pair : polyserial) out.smallestN = std::min(out.smallestN, pair.n);
   if (kind == MOMENTS::Augmented) {
     out.matrix.row(At(p)).head(At(p)) = out.means;
     out.matrix.col(At(p)).head(At(p)) = out.means;

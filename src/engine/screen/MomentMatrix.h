@@ -16,6 +16,7 @@ struct ANALYSISMOMENTS {
   Eigen::MatrixXd matrix;  // of the kind that was asked for; augmented: one row more
   Eigen::VectorXd means;
   Eigen::VectorXd deviations;  // divisor n - 1
+  double smallestN = 0;        // over all elements
 };
 
 // Correlations of ordinal variables with numeric ones: ordinal after ordinal, one for each numeric
@@ -27,8 +28,9 @@ using POLYSERIALRESULTS = std::vector<stats::PolyserialResult>;
 bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
                          POLYSERIALRESULTS& results, FAULT& fault);
 
-// `moments` may be null without numeric variables, `polychoric` without pairs of ordinal ones.
-bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables,
+// `results` are asked for by the kinds with divisor n only. `moments` may be null without numeric
+// variables, `polychoric` without pairs of ordinal ones.
+bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables, MOMENTS kind,
                   const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
                   const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
                   ANALYSISMOMENTS& out, FAULT& fault);
@@ -45,4 +47,5 @@ void WriteAsymptoticSection(ENGINERUN& run, const SCREENVARIABLES& variables,
 // The files SM, ME, SD, AC, AV and TH, as far as they are asked for.
 void SaveMoments(ENGINERUN& run, const ANALYSISMOMENTS& moments);
 void SaveAsymptotic(ENGINERUN& run, const stats::AsymptoticCovarianceResult& result);
-void SaveThresholds(ENGINERUN& run, const ONEVARIABLERESULTS& results);
+void SaveThresholds(ENGINERUN& run, const SCREENVARIABLES& variables,
+                    const ONEVARIABLERESULTS& results);

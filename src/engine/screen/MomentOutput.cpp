@@ -2,6 +2,7 @@
 
 #include "engine/screen/Faults.h"
 #include "engine/screen/MomentMatrix.h"
+#include "engine/screen/ThresholdFile.h"
 #include "host/Numbers.h"
 
 namespace {
@@ -193,12 +194,12 @@ void SaveAsymptotic(ENGINERUN& run, const stats::AsymptoticCovarianceResult& res
   }
 }
 
-void SaveThresholds(ENGINERUN& run, const ONEVARIABLERESULTS& results) {
+void SaveThresholds(ENGINERUN& run, const SCREENVARIABLES& variables,
+                    const ONEVARIABLERESULTS& results) {
   COutputFile* const file = run.files.Find("TH");
   if (file == nullptr) return;
-  CNumberWriter writer(*file);
-  for (const stats::ThresholdResult& thresholds : results.thresholds) {
-    for (const double threshold : thresholds.threshold) writer.Put(threshold);
-    writer.EndLine();
+  for (std::size_t i = 0; i < results.thresholds.size(); ++i) {
+    WriteThresholdLine(*file, variables.all[variables.ordinal[i]].name,
+                       results.thresholds[i].threshold);
   }
 }

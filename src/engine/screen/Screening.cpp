@@ -39,7 +39,7 @@ class CScreening {
     WriteSingleVariables();
     if (!WriteTogether(fault)) return false;
     if (!WriteMoments(fault)) return false;
-    SaveThresholds(run_, results_);
+    if (run_.job.procedures.empty()) SaveThresholds(run_, variables_, results_);
     return !run_.faults.empty() || SaveData(run_, fault);
   }
 
@@ -63,7 +63,7 @@ class CScreening {
                output_.moments != MOMENTS::Correlations) {
       fault = OutputFault(run_, "asymptotic covariances are those of covariances or correlations",
                           "Ask for MA=CM or MA=KM, or leave out AC, AV, PA and PV.");
-    } else if (!output_.thresholdFile.empty() && ordinal == 0) {
+    } else if (run_.job.procedures.empty() && !output_.thresholdFile.empty() && ordinal == 0) {
       fault = OutputFault(run_, "TH asks for thresholds, and no variable is ordinal",
                           "Leave out TH, or select ordinal variables.");
     } else if (!output_.sampleMomentFile.empty()) {
@@ -178,7 +178,7 @@ class CScreening {
     if (needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial_, fault))
       return false;
     ANALYSISMOMENTS moments;
-    if (!BuildMoments(run_, variables_, results_, moments_ ? &*moments_ : nullptr,
+    if (!BuildMoments(run_, variables_, output_.moments, results_, moments_ ? &*moments_ : nullptr,
                       polychoric_ ? &*polychoric_ : nullptr, polyserial_, moments, fault)) {
       return false;
     }

@@ -36,7 +36,8 @@ bool ChooseVariables(const ENGINERUN& run, std::vector<std::int32_t>& chosen, FA
   return false;
 }
 
-// The categories that are defined, ascending and each once; empty when there are none.
+}  // namespace
+
 std::vector<double> DefinedCategories(const TORVIKSTRUCT& data, std::int32_t variable) {
   const auto index = static_cast<std::size_t>(variable);
   std::vector<double> values;
@@ -48,6 +49,14 @@ std::vector<double> DefinedCategories(const TORVIKSTRUCT& data, std::int32_t var
   values.erase(std::unique(values.begin(), values.end()), values.end());
   return values;
 }
+
+CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable) {
+  const CString name(
+      Trimmed(TextForDisplay(data.variable[static_cast<std::size_t>(variable)].name)));
+  return name.empty() ? "VAR" + std::to_string(variable + 1) : name;
+}
+
+namespace {
 
 bool NoCases(const ENGINERUN& run, const SCREENVARIABLES& variables, FAULT& fault) {
   const CASECOUNTS& counts = variables.counts;
@@ -120,20 +129,24 @@ void ArrangeColumns(ENGINERUN& run, SCREENVARIABLES& variables) {
 
 bool FindScreenVariables(ENGINERUN& run, SCREENVARIABLES& variables, std::vector<CString>& warnings,
                          FAULT& fault) {
+  VARIABLELIST chosen;
+  return ChooseVariables(run, chosen, fault) &&
+         FindListedVariables(run, chosen, variables, warnings, fault);
+}
+
+bool FindListedVariables(ENGINERUN& run, const VARIABLELIST& list, SCREENVARIABLES& variables,
+                         std::vector<CString>& warnings, FAULT& fault) {
   const TORVIKSTRUCT& data = run.job.data;
-  std::vector<std::int32_t> chosen;
-  if (!ChooseVariables(run, chosen, fault)) return false;
   variables = SCREENVARIABLES();
   variables.deletion =
       data.deletion == kPairwise ? stats::EDeletion::Pairwise : stats::EDeletion::Listwise;
   std::vector<CASECOLUMN> columns;
   std::vector<bool> wanted;
-  for (const std::int32_t i : chosen) {
+  for (const std::int32_t i : list) {
     SCREENVARIABLE variable;
     variable.variable = i;
     const VARSTRUCT& record = data.variable[static_cast<std::size_t>(i)];
-    variable.name = Trimmed(TextForDisplay(record.name));
-    if (variable.name.empty()) variable.name = "VAR" + std::to_string(i + 1);
+    variable.name = ShownName(data, i);
     variable.type = record.type;
     if (variable.type < kOrdinal || variable.type > kFixed) {
       warnings.push_back("Variable " + variable.name + " has the unknown type " +

@@ -41,6 +41,14 @@ struct SCREENVARIABLES {
 // Warnings about types go to the report's list through `warnings`.
 bool FindScreenVariables(ENGINERUN& run, SCREENVARIABLES& variables, std::vector<CString>& warnings,
                          FAULT& fault);
+// The same for these variables, in this order.
+bool FindListedVariables(ENGINERUN& run, const VARIABLELIST& list, SCREENVARIABLES& variables,
+                         std::vector<CString>& warnings, FAULT& fault);
+
+// What outputs call a variable, counted from 0.
+CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable);
+// The categories that are defined, ascending and each once; empty when there are none.
+std::vector<double> DefinedCategories(const TORVIKSTRUCT& data, std::int32_t variable);
 
 // "ordinal", "continuous", "censored above" ...
 const char* TypeText(std::int32_t type);

@@ -97,17 +97,21 @@ void ReadRC(COMMANDCONTEXT& context) {
 }
 
 constexpr COMMAND kCommands[] = {
-    {"SE", ReadSE, {}},
-    {"SC", ReadSelection, {}, "CASE ODD EVEN"},
-    {"SD", ReadSelection, {}},
-    {"OR", ReadType<kOrdinal>, {}},
-    {"CO", ReadType<kContinuous>, {}},
-    {"CA", ReadType<kCensoredAbove>, {}},
-    {"CB", ReadType<kCensoredBelow>, {}},
-    {"CE", ReadType<kCensoredBoth>, {}},
-    {"FI", ReadType<kFixed>, {}},
-    {"NE", ReadNE, {}},
-    {"RC", ReadRC, {}, "OLD= NEW="},
+    {"SE", ReadSE, {}, {}, "SE list"},
+    {"SC",
+     ReadSelection,
+     {},
+     "CASE ODD EVEN",
+     "SC list < value (or >, =), or SC CASE ODD, EVEN, < n, > n"},
+    {"SD", ReadSelection, {}, {}, "SD list < value (or >, =)"},
+    {"OR", ReadType<kOrdinal>, {}, {}, "OR list"},
+    {"CO", ReadType<kContinuous>, {}, {}, "CO list"},
+    {"CA", ReadType<kCensoredAbove>, {}, {}, "CA list"},
+    {"CB", ReadType<kCensoredBelow>, {}, {}, "CB list"},
+    {"CE", ReadType<kCensoredBoth>, {}, {}, "CE list"},
+    {"FI", ReadType<kFixed>, {}, {}, "FI list"},
+    {"NE", ReadNE, {}, {}, "NE name = expression"},
+    {"RC", ReadRC, {}, "OLD= NEW=", "RC list OLD=a,b-c NEW=d"},
 };
 
 const COMMAND* FindIn(std::span<const COMMAND> table, std::string_view word) {
@@ -142,8 +146,13 @@ bool ReadCommand(const SyntaxLine& line, CVariableNames& names, JOB& job, FAULT&
   CWords words(line, names, command->singleCharacters);
   COMMANDCONTEXT context{line, words, names, job};
   command->read(context);
-  if (!words.Ok()) fault = words.Fault();
-  return words.Ok();
+  if (words.Ok()) return true;
+  fault = words.Fault();
+  if (fault.remedy.empty()) {
+    fault.remedy = "Write " + CString(command->form) +
+                   "; a list holds numbers, names, or ranges of them as in 3-7 or A1-A5.";
+  }
+  return false;
 }
 
 template <typename Procedure>

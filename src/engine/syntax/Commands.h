@@ -25,6 +25,7 @@ struct COMMAND {
   // The words that the line may hold beside its variables, blanks between them; "NF=" stands for a
   // word that begins so.
   std::string_view options = {};
+  std::string_view form = {};  // of the line, for messages
 };
 
 // The commands that prepare the data.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <variant>
 #include <vector>
 
@@ -31,7 +32,15 @@ struct COMPUTE {
   CExpression expression;
 };
 
-using TRANSFORMATION = std::variant<COMPUTE, RECODE>;
+// New values that a procedure found: a function of the values of a case.
+struct CASEFUNCTION {
+  VARIABLELIST inputs;
+  VARIABLELIST outputs;
+  // Values in, values out; missing ones are NaN. Called from several threads.
+  std::function<void(const double* inputs, double* outputs)> compute;
+};
+
+using TRANSFORMATION = std::variant<COMPUTE, RECODE, CASEFUNCTION>;
 
 struct JOB {
   JOBHEADER header;
@@ -44,8 +53,10 @@ struct JOB {
   SyntaxLine selectedLine;             // the first of them
   CCaseSelection selection;
   std::vector<SyntaxLine> selectionLines;
-  std::vector<TRANSFORMATION> transformations;  // in the order of their lines
-  std::vector<PROCEDURE> procedures;            // none: screening
+  // In the order of their lines; behind them what procedures of this repetition add.
+  std::vector<TRANSFORMATION> transformations;
+  std::vector<PROCEDURE> procedures;  // none: screening
+  VARIABLELIST added;                 // variables that procedures made; RA saves them as well
   OUTPUTLINE output;
 
   std::int64_t Repetitions() const {

@@ -183,22 +183,24 @@ void ReadCR(COMMANDCONTEXT& context) {
   ReadRegression(context, REGRESSION::Method::Censored, false);
 }
 
-constexpr COMMAND kProcedures[] = {{"FA", ReadFA, {}, "NF= MR FS"},
-                                   {"OFA", ReadOFA, {}, "NOR POM NF="},
-                                   {"PC", ReadPC, {}, "NC= KM PS"},
-                                   {"HT", ReadHT, {}},
-                                   {"ET", ReadET, {}},
-                                   {"FT", ReadFT, {}},
-                                   {"MT", ReadMT, {}},
-                                   {"NS", ReadNS, {}},
-                                   {"EM", ReadEM, {}, "IT= CC= TC="},
-                                   {"MC", ReadMC, {}, "IT= CC= TC= RP="},
-                                   {"RG", ReadRG, {}, "ON"},
-                                   {"TS", ReadTS, {}, "ON WITH"},
-                                   {"PR", ReadPR, {}, "ON AP"},
-                                   {"LO", ReadLO, {}, "ON AP"},
-                                   {"CR", ReadCR, {}, "ON"},
-                                   {"IMPUTE", ReadIMPUTE, "()", "VR= XL XN"}};
+constexpr COMMAND kProcedures[] = {
+    {"FA", ReadFA, {}, "NF= MR FS", "FA NF=k MR FS"},
+    {"OFA", ReadOFA, {}, "NOR POM NF=", "OFA NOR NF=k or OFA POM NF=k"},
+    {"PC", ReadPC, {}, "NC= KM PS", "PC NC=k KM PS"},
+    {"HT", ReadHT, {}, {}, "HT variable variable"},
+    {"ET", ReadET, {}, {}, "ET list"},
+    {"FT", ReadFT, {}, {}, "FT variable"},
+    {"MT", ReadMT, {}, {}, "MT list"},
+    {"NS", ReadNS, {}, {}, "NS list"},
+    {"EM", ReadEM, {}, "IT= CC= TC=", "EM list IT=n CC=c TC=t"},
+    {"MC", ReadMC, {}, "IT= CC= TC= RP=", "MC list IT=n CC=c TC=t RP=m"},
+    {"RG", ReadRG, {}, "ON", "RG y list ON x list"},
+    {"TS", ReadTS, {}, "ON WITH", "TS y list ON x list WITH list of instruments"},
+    {"PR", ReadPR, {}, "ON AP", "PR y list ON x list AP"},
+    {"LO", ReadLO, {}, "ON AP", "LO y list ON x list AP"},
+    {"CR", ReadCR, {}, "ON", "CR y list ON x list"},
+    {"IMPUTE", ReadIMPUTE, "()", "VR= XL XN", "IMPUTE (list) (list) VR=v XL or XN"},
+};
 
 struct NameOf {
   const char* operator()(const FACTORANALYSIS&) const { return "Exploratory factor analysis (FA)"; }

@@ -1,0 +1,101 @@
+#include "engine/procedures/CensoredRegression.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "engine/procedures/RegressionData.h"
+#include "engine/stats/CensoredRegression.h"
+#include "engine/stats/Distributions.h"
+
+namespace {
+
+using stats::EStatus;
+
+bool FindLimits(CRegressionData& data, std::int32_t type, stats::CensoringLimits& limits,
+                FAULT& fault) {
+  double low = HUGE_VAL, high = -HUGE_VAL;
+  const bool done = data.Pass(
+      [&](const stats::RegressionBlock& cases) {
+        for (std::int64_t k = 0; k < cases.x.cases; ++k) {
+          low = std::min(low, cases.y[k * cases.yStride]);
+          high = std::max(high, cases.y[k * cases.yStride]);
+        }
+      },
+      fault);
+  if (type != kCensoredAbove) limits.lower = low;
+  if (type != kCensoredBelow) limits.upper = high;
+  return done;
+}
+
+void WriteFit(ENGINERUN& run, const stats::CensoringLimits& limits,
+              const stats::CensoredRegressionResult& result) {
+  CReport& report = run.report;
+  const auto side = [&](const char* name, double limit, double cases) {
+    return CString(name) + (std::isfinite(limit) ? " (at " + report.Number(limit) + ")" : "") +
+           (cases == 0 && !std::isfinite(limit) ? ": not censored" : "");
+  };
+  CFactTable facts;
+  facts.Add("n", CReport::Count(result.n));
+  facts.Add(side("Censored below", limits.lower, result.below), CReport::Count(result.below));
+  facts.Add(side("Censored above", limits.upper, result.above), CReport::Count(result.above));
+  facts.Add("Log-likelihood", report.Number(result.logLikelihood));
+  facts.Add("Residual standard deviation", report.Number(result.sd));
+  facts.Add("its standard error", report.Number(result.sdError));
+  facts.Write(report);
+}
+
+void WriteEstimates(ENGINERUN& run, const CRegressionData& data,
+                    const stats::CensoredRegressionResult& result) {
+  CReport& report = run.report;
+  TABLE table;
+  table.narrowest = static_cast<std::size_t>(report.Numbers().width);
+  table.columns = {
+      {"Variable", true}, {"Estimate", false}, {"Std. error", false}, {"z", false}, {"p", false}};
+  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
+    const double z = result.coefficient[i] / result.standardError[i];
+    table.rows.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1),
+                          report.Number(result.coefficient[i]),
+                          report.Number(result.standardError[i]), report.Number(z),
+                          CReport::Probability(stats::NormalTwoSided(z))});
+  }
+  report.Subsection("Coefficients");
+  report.Table(table);
+}
+
+}  // namespace
+
+bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
+  const auto& regression = std::get<REGRESSION>(procedure.what);
+  for (const std::int32_t y : regression.y) {
+    CRegressionData data(run, procedure, regression.x);
+    const std::int32_t type = run.job.data.variable[static_cast<std::size_t>(y)].type;
+    if (type < kCensoredAbove || type > kCensoredBoth) {
+      fault = ProcedureFault(procedure,
+                             "the y variable " + ShownName(run.job.data, y) + " is " +
+                                 TypeText(type) + ", not censored",
+                             "Say how it is censored by a line CA (above), CB (below) or CE (both) "
+                             "before this one, or use RG, PR or LO.");
+      return false;
+    }
+    stats::CensoringLimits limits;
+    if (!data.Prepare(y, false, fault) || !FindLimits(data, type, limits, fault)) return false;
+    const auto result = stats::EstimateCensoredRegression(
+        [&](const auto& work) { return data.Pass(work, fault); },
+        static_cast<int>(regression.x.size()), limits, run.threads);
+    if (result.stopped) return false;
+    data.WriteHeading("Censored regression of " + data.YName() + " on " +
+                      NameList(run.job.data, regression.x));
+    if (result.status != EStatus::Ok) {
+      fault = data.FaultOf(result.status, result.variable);
+      return false;
+    }
+    run.report.Paragraph(
+        "Maximum likelihood under normal residuals; the limits are the smallest and the largest "
+        "value of y. Standard errors from the observed information.");
+    run.report.Gap();
+    WriteFit(run, limits, result);
+    WriteEstimates(run, data, result);
+    data.WarnOfCollinearity(result.smallestPivot);
+  }
+  return true;
+}

@@ -1,0 +1,231 @@
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "datadoc/VsfReader.h"
+#include "engine/EngineData.h"
+#include "vexutils/BlockIo.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class ProceduresTest : public EngineTest {
+ protected:
+  // 400 cases: x1 to x4 of one factor, y of x1 and x2, two ordinal variables with four categories,
+  // one with two, y censored below, a constant, x1 + x2.
+  void SetUp() override {
+    TORVIKSTRUCT data =
+        Describe({"x1", "x2", "x3", "x4", "y", "o1", "o2", "two", "floor", "same", "sum", "sign"});
+    for (const std::size_t ordinal : {5, 6, 7, 11}) data.variable[ordinal].type = kOrdinal;
+    data.variable[8].type = kCensoredBelow;
+    std::mt19937 random(17);
+    std::normal_distribution<double> normal;
+    for (int i = 0; i < 400; ++i) {
+      const double common = normal(random);
+      std::vector<double> row;
+      for (int j = 0; j < 4; ++j) row.push_back(common + normal(random));
+      const auto category = [&] {
+        return 1 + std::floor(std::clamp(common + normal(random), -1.9, 1.9) + 2);
+      };
+      row.push_back(2 + row[0] - .5 * row[1] + normal(random));
+      row.push_back(category());
+      row.push_back(category());
+      row.push_back(common + normal(random) > 0 ? 1 : 0);
+      row.push_back(std::max(row[4], 1.5));
+      row.push_back(7);
+      row.push_back(row[0] + row[1]);
+      row.push_back(row[2] > 0 ? 1 : 0);
+      rows.push_back(std::move(row));
+    }
+    rows[5][0] = -999999;
+    Data(data, rows);
+    description = data;
+  }
+
+  // The variables of a saved data file, case after case.
+  std::vector<double> Saved(const std::string& name, VsfContents& contents) const {
+    CDescriptor file;
+    EXPECT_TRUE(file.OpenForReading(name.c_str()));
+    EXPECT_EQ(ReadVsf(file.Get(), contents), VsfStatus::Ok);
+    std::vector<double> cells(static_cast<std::size_t>(contents.data.variables) *
+                              static_cast<std::size_t>(contents.data.records));
+    EXPECT_EQ(ReadAt(file.Get(), contents.cellsOffset, cells.data(), cells.size() * 8),
+              static_cast<std::int64_t>(cells.size() * 8));
+    return cells;
+  }
+
+  std::vector<std::vector<double>> rows;
+  TORVIKSTRUCT description;
+};
+
+const char* const kAll =
+    "SE 1-4 6 7\nFA NF=1\nPC KM\nRG y ON x1 x2 x3\nTS y ON x1 x2 WITH x2 x3 x4\n"
+    "PR o1 two ON x1 x2\nLO o1 two ON x1 x2 AP\nCR floor ON x1 x2\nHT o1 o2\nET o1 o2\n"
+    "NS x1 o1\nMT o2\nOU IX=3";
+
+TEST_F(ProceduresTest, AllRunTogetherWithinThePageForAnyNumberOfThreads) {
+  ASSERT_EQ(Run(kAll), ERUNRESULT::Done) << Output();
+  const std::string output = Output();
+  for (const char* part :
+       {"Exploratory factor analysis", "Principal components of the correlation matrix",
+        "Regression of y on x1, x2 and x3", "Two-stage least squares: y on x1 and x2",
+        "Probit regression of two on x1 and x2", "Logistic regression of o1 on x1 and x2",
+        "Censored regression of floor on x1 and x2", "Homogeneity test for o1 and o2",
+        "Equal thresholds of o1 and o2", "Normal scores", "Marginal thresholds",
+        "End of the run."}) {
+    EXPECT_THAT(output, HasSubstr(part));
+  }
+  EXPECT_THAT(output, Not(HasSubstr("nan")));
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("  Data file:")) {
+      EXPECT_LE(line.size(), 80U) << line;
+    }
+  }
+  ASSERT_EQ(Run(kAll, 2), ERUNRESULT::Done);
+  EXPECT_EQ(Output(), output);
+}
+
+TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
+  struct {
+    const char* lines;
+    const char* cause;
+  } const cases[] = {
+      {"RG ON x1\nOU", "expected y variables before ON"},
+      {"RG y ON\nOU", "expected x variables"},
+      {"RG y ON y x1\nOU", "stands on both sides of ON"},
+      {"RG y ON same\nOU", "the x variable same has one value only"},
+      {"RG same ON x1\nOU", "the y variable same has one value only"},
+      {"RG y ON x1 x2 sum\nOU", "the x variable sum is collinear"},
+      {"SC CASE < 3\nRG y ON x1 x2\nOU", "no more cases than coefficients"},
+      {"LO sign ON x3\nOU", "the x variable x3 separates the categories of sign"},
+      {"PR sign ON x1 x3\nOU", "the x variable x3 separates the categories of sign"},
+      {"PR same ON x1\nOU", "variable same has one category only"},
+      {"PR y ON x1\nOU", "more than 15 different values"},
+      {"LO two ON x1 x2 sum\nOU", "is collinear"},
+      {"CR y ON x1\nOU", "is continuous, not censored"},
+      {"CR floor ON same\nOU", "has one value only"},
+      {"TS y ON x1 x2 WITH x3\nOU", "is not identified: it has 2 x variables and only 1"},
+      {"TS y ON x1 x2 WITH x3 same\nOU", "is not identified"},
+      {"TS y ON x1 WITH y\nOU", "stands among the x variables or instruments"},
+      {"HT o1 two\nOU", "the variables have different categories: o1 has 1 2 3 4, and two has 0 1"},
+      {"ET o1 two\nOU", "the variables have different categories"},
+      {"ET y x1\nOU", "more than 15 different values"},
+      {"SE 1-4\nFA NF=2\nOU", "2 factors of 4 variables have fewer than 0 degrees of freedom"},
+      {"SE 1-4\nFA NF=9\nOU", "9 factors of 4 variables"},
+      {"SE 1-3 11\nFA NF=1\nOU", "is not positive definite"},
+      {"SE 1 2 10\nFA NF=1\nOU", "variable has one value only"},
+      {"SE 1 2\nPC NC=3\nOU", "3 components are asked for, and there are 2 variables"},
+      {"NS same\nOU", "variable same has no normal scores"},
+      {"MT same\nOU", "has one category only"},
+      {"FT o1\nOU", "FT needs the file"},
+      {"FT o1\nOU TH=/no/such/file", "cannot be read"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Run(c.lines), ERUNRESULT::Failed) << c.lines;
+    const std::string output = UnwrappedOutput();
+    EXPECT_THAT(output, HasSubstr(c.cause)) << c.lines;
+    EXPECT_THAT(output, HasSubstr("Remedy:")) << c.lines;
+    EXPECT_THAT(output, Not(HasSubstr("nan"))) << c.lines;
+  }
+}
+
+TEST_F(ProceduresTest, SavesScoresBehindTheSelectedVariables) {
+  const std::string name = folder / "scores.vsf";
+  ASSERT_EQ(Run("SE 1-4\nFA NF=1 FS\nPC NC=2 PS\nOU IX=1 RA=" + name), ERUNRESULT::Done)
+      << Output();
+  VsfContents contents;
+  const std::vector<double> cells = Saved(name, contents);
+  ASSERT_EQ(contents.data.variables, 7);
+  EXPECT_EQ(contents.data.variable[4].name, "FACTOR1");
+  EXPECT_EQ(contents.data.variable[6].name, "PC2");
+  EXPECT_EQ(contents.data.variable[4].type, kContinuous);
+  ASSERT_EQ(contents.data.records, 400);
+  double sum[3] = {}, product = 0;
+  for (std::size_t i = 0; i < 400; ++i) {
+    const double* const row = cells.data() + 7 * i;
+    EXPECT_EQ(row[4] == -999999, i == 5);
+    if (i == 5) continue;
+    for (int k = 0; k < 3; ++k) sum[k] += row[4 + k];
+    product += row[5] * row[6];
+  }
+  for (const double s : sum) EXPECT_NEAR(s, 0, 1e-9);
+  EXPECT_NEAR(product, 0, 1e-8);  // components do not correlate
+}
+
+TEST_F(ProceduresTest, NormalScoresReplaceValuesForTheRestOfTheRun) {
+  const std::string name = folder / "ns.vsf";
+  const std::string matrix = folder / "km";
+  ASSERT_EQ(Run("SE o1 o2 y\nNS o1 y\nOU MA=KM XM XT SM=" + matrix + " RA=" + name),
+            ERUNRESULT::Done)
+      << Output();
+  VsfContents contents;
+  const std::vector<double> cells = Saved(name, contents);
+  EXPECT_EQ(contents.data.variable[0].type, kContinuous);
+  EXPECT_EQ(contents.data.variable[1].type, kOrdinal);
+  // One score a category, ascending; the correlation of the matrix is that of the saved values.
+  std::map<double, double> scores;
+  double sums[5] = {};
+  for (std::size_t i = 0; i < 400; ++i) {
+    const double o = cells[3 * i], y = cells[3 * i + 2];
+    EXPECT_EQ(scores.try_emplace(rows[i][5], o).first->second, o);
+    sums[0] += o, sums[1] += y, sums[2] += o * o, sums[3] += y * y, sums[4] += o * y;
+  }
+  ASSERT_EQ(scores.size(), 4U);
+  EXPECT_TRUE(scores[1] < scores[2] && scores[2] < scores[3] && scores[3] < scores[4]);
+  const double r =
+      (sums[4] - sums[0] * sums[1] / 400) /
+      std::sqrt((sums[2] - sums[0] * sums[0] / 400) * (sums[3] - sums[1] * sums[1] / 400));
+  std::ifstream file(matrix);
+  double element = 0;
+  for (int i = 0; i < 4; ++i) file >> element;
+  EXPECT_NEAR(element, r, 1e-10);
+}
+
+TEST_F(ProceduresTest, ThresholdsAreSavedAndReadBack) {
+  const std::string th = folder / "th";
+  ASSERT_EQ(Run("MT o1 o2\nOU TH=" + th), ERUNRESULT::Done) << Output();
+  const std::string saved = ReadBytes(th);
+  ASSERT_EQ(Run("FT o2\nOU TH=" + th), ERUNRESULT::Done) << Output();
+  EXPECT_THAT(Output(), HasSubstr("Standard normal: these thresholds are its own       0.000"));
+  EXPECT_EQ(ReadBytes(th), saved);
+  ASSERT_EQ(Run("ET o1 o2\nOU TH=" + th), ERUNRESULT::Done) << Output();
+  EXPECT_NE(ReadBytes(th), saved);
+  struct {
+    const char* content;
+    const char* cause;
+  } const bad[] = {{"1 2 3 ! other\n", "holds no thresholds of variable o1"},
+                   {"1 2 ! o1\n", "the file holds 2 thresholds, and o1 has 4 categories"},
+                   {"1 2 3\n1 2 3\n", "several variables without names"},
+                   {"1 x 3 ! o1\n", "that is no number"},
+                   {"", "holds no thresholds"},
+                   {"1 3 2 ! o1\n", "do not ascend"}};
+  for (const auto& b : bad) {
+    WriteBytes(th, b.content);
+    EXPECT_EQ(Run("FT o1\nOU TH=" + th), ERUNRESULT::Failed) << b.content;
+    EXPECT_THAT(UnwrappedOutput(), HasSubstr(b.cause));
+  }
+  WriteBytes(th, "-1 0 1\n");
+  EXPECT_EQ(Run("FT o1\nOU TH=" + th), ERUNRESULT::Done) << Output();
+}
+
+// Listwise deletion takes the cases that are complete in the whole line.
+TEST_F(ProceduresTest, RegressionsUseTheCasesThatTheDeletionLeaves) {
+  rows[7][5] = -999999;  // o1
+  for (const bool pairwise : {false, true}) {
+    description.deletion = pairwise ? kPairwise : 0;
+    Data(description, rows);
+    ASSERT_EQ(Run("RG y o1 ON x1\nOU"), ERUNRESULT::Done) << Output();
+    const std::string output = Output();
+    const std::string first = output.substr(0, output.find("Regression of o1"));
+    EXPECT_THAT(first, HasSubstr(pairwise ? "Cases used                   399"
+                                          : "Cases used                   398"));
+  }
+}
+
+}  // namespace
