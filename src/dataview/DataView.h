@@ -170,6 +170,8 @@ class CDataView final : public CView, public CDataTableClient {
   CString RedoText() const;
   bool Undo();
   bool Redo();
+  // Off for programs that never undo: what a step takes away is then not kept.
+  void SetUndoable(bool undoable) { undoable_ = undoable; }
   // The document has been saved: undoing to here makes it unmodified again.
   void OnDocumentSaved() { journal_.MarkSaved(); }
 
@@ -224,5 +226,6 @@ class CDataView final : public CView, public CDataTableClient {
   CString headingPattern_;
   double valueClipboard_ = 0;
   TableCell committed_;
+  bool undoable_ = true;
   bool active_ = false;
 };

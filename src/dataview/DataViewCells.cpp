@@ -296,7 +296,7 @@ bool CDataView::WriteRange(const CellRange& range, std::span<const double> value
 bool CDataView::KeepCells(const CellRange& range, std::span<const double> values, EditStep& step) {
   constexpr std::int64_t kMany = 1 << 20;
   errno = 0;
-  if (!journal_.Begin(false)) return false;
+  if (!undoable_ || !journal_.Begin(false)) return false;
   step.payload = journal_.PayloadOffset();
   step.payloadBytes = range.Cells() * static_cast<std::int64_t>(kCellBytes);
   const auto progress =

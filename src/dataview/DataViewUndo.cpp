@@ -111,6 +111,7 @@ CString CDataView::RedoText() const {
 }
 
 void CDataView::TellThatUndoEnds() {
+  if (!undoable_) return;
   journal_.Clear();
   document_.WriteStatusInfo("There is no room to keep what was changed: it cannot be undone.");
 }
@@ -137,7 +138,7 @@ bool CDataView::Perform(EditStep& step, TORVIKSTRUCT after) {
   const bool slow = RewritesCells(step);
   auto progress = slow ? Host().StartProgress(TextOf(step.kind).doing) : nullptr;
   const double share = KeepsPayload(step.kind) ? 0.4 : 0;
-  bool kept = journal_.Begin(true);
+  bool kept = undoable_ && journal_.Begin(true);
   errno = 0;
   if (kept && !SaveForUndo(step, progress ? PartOf(*progress, 0, share) : CellProgress())) {
     const bool stopped = errno == ECANCELED;

@@ -40,6 +40,18 @@ int OpenLocked(const CString& name) {
   return file;
 }
 
+// Lets two files change names. Some file systems write a new file to disk before it may take
+// another one's name, which a scratch file does not need and which takes as long as the writing; to
+// an exchange they do not do that.
+bool Exchange(const CString& a, const CString& b) {
+#ifdef RENAME_EXCHANGE
+  return renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
+#else
+  (void)a, (void)b;
+  return false;
+#endif
+}
+
 bool IsUnlocked(const CString& name) {
   const CDescriptor file(open(name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
   return file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
@@ -120,8 +132,10 @@ bool CScratchFile::IsInPlace() const {
 bool CScratchFile::Replace(CWorkFile& work) {
   // The cells are not those any more that the description speaks of.
   RemoveDescription(name_);
-  if (std::rename(work.name_.c_str(), name_.c_str()) != 0) return false;
-  work.name_.clear();
+  if (!Exchange(work.name_, name_)) {
+    if (std::rename(work.name_.c_str(), name_.c_str()) != 0) return false;
+    work.name_.clear();
+  }
   if (stream_ != nullptr) std::fclose(stream_);
   stream_ = nullptr;
   if (lock_ >= 0) close(lock_);

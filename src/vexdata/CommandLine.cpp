@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "vexdata/Commands.h"
+#include "vexdata/EditArguments.h"
 #include "vexdata/OutputArguments.h"
 #include "vexdata/ProcedureArguments.h"
 #include "vexdata/TerminalHost.h"
@@ -151,6 +152,7 @@ class Parser {
   CTerminalHost& host_;
   CLI::App app_{"Data sets of the Vex package from the command line", "vexdata"};
   std::function<int()> command_;
+  CEditArguments edits_{app_, command_};
   bool quiet_ = false;
   bool json_ = false;
   CString info_;

@@ -2,6 +2,7 @@
 // before.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -51,6 +52,56 @@ struct RunOptions {
   bool overwrite = false;  // the new data of a procedure may replace a file
 };
 
+// Commands that change a data set: where the result goes, and in which layout.
+struct EditTarget {
+  CString file;
+  CString output;  // empty: `file` itself
+  CString layout;  // "old", "new" or empty for that of `file`
+  bool overwrite = false;
+};
+
+struct SortOptions {
+  EditTarget target;
+  CString by;  // a variable
+  bool descending = false;
+};
+
+struct DefineOptions {
+  EditTarget target;
+  CString variables;   // a list; for a new name one variable
+  CString rename;      // empty: none
+  CString type;        // one of kVariableTypes, or empty
+  CString missing;     // "9,99,90 to 98" or "none"; empty: unchanged
+  CString categories;  // "1=low,2=high" or "none"; empty: unchanged
+  bool weight = false;
+  bool group = false;
+};
+
+struct InsertOptions {
+  EditTarget target;
+  std::int64_t cases = 0;  // one of the two counts is above 0
+  std::int32_t variables = 0;
+  CString before;  // a case number or a variable; with `after` empty too: at the end
+  CString after;
+  std::vector<CString> names;
+};
+
+struct DeleteOptions {
+  EditTarget target;
+  CString cases;      // "5", "3-20" or "3-"
+  CString variables;  // a list
+};
+
+struct SelectOptions {
+  EditTarget target;
+  std::vector<CString> lines;
+  bool tellOnly = false;
+};
+
+// The words for the variable types, by their codes.
+inline constexpr const char* kVariableTypes[] = {"ordinal", "continuous", "censored-above",
+                                                 "censored-below", "censored-both"};
+
 int ListFormats(bool json);
 int ImportFile(const ImportOptions& options);
 int ShowInfo(const CString& fileName, bool json);
@@ -60,3 +111,8 @@ int ExportFile(const ExportOptions& options);
 // Is there an output line among those typed?
 bool HasOutputLine(const RunOptions& options);
 int RunData(const RunOptions& options);
+int SortData(const SortOptions& options);
+int DefineVariables(const DefineOptions& options);
+int InsertData(const InsertOptions& options);
+int DeleteData(const DeleteOptions& options);
+int SelectCases(const SelectOptions& options);
