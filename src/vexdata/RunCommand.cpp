@@ -6,6 +6,7 @@
 #include "host/Host.h"
 #include "host/Text.h"
 #include "syntax/ProcedureRun.h"
+#include "syntax/transform/TransformCheck.h"
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
 #include "vexdata/ProcedureArguments.h"
@@ -37,7 +38,9 @@ ProcedureJob JobOf(CDataDoc& document, const RunOptions& options) {
 // order.
 bool Prepare(const TORVIKSTRUCT& data, ProcedureChoices& choices, bool overwrite) {
   if (!FindChosenVariables(data, choices)) return false;
-  if (const auto problem = CheckChoices(data, choices)) {
+  auto problem = CheckChoices(data, choices);
+  if (!problem) problem = TransformProblem(data, choices);
+  if (problem) {
     AfxMessageBox(problem->text);
     return false;
   }

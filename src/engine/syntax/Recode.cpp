@@ -65,20 +65,28 @@ bool ParsePair(CWords& words, RECODE::PAIR& pair) {
 
 }  // namespace
 
-double RECODE::NewValue(double cell, bool missing) const {
-  for (const PAIR& pair : pairs) {
-    for (const RANGE& range : pair.old) {
+std::optional<std::size_t> RECODE::PairOf(double cell, bool missing) const {
+  for (std::size_t pair = 0; pair < pairs.size(); ++pair) {
+    for (const RANGE& range : pairs[pair].old) {
       const bool fits =
           range.single ? cell == range.low : !missing && range.low <= cell && cell <= range.high;
-      if (fits) return pair.value;
+      if (fits) return pair;
     }
   }
-  return cell;
+  return std::nullopt;
+}
+
+double RECODE::NewValue(double cell, bool missing) const {
+  const auto pair = PairOf(cell, missing);
+  return pair ? pairs[*pair].value : cell;
 }
 
 bool ParseRecode(CWords& words, RECODE& recode) {
   recode.variables = words.TakeVariables("variables to recode", {kOld, kNew});
-  if (!words.Ok()) return false;
+  return words.Ok() && ParseRecodePairs(words, recode);
+}
+
+bool ParseRecodePairs(CWords& words, RECODE& recode) {
   do {
     RECODE::PAIR pair;
     if (!ParsePair(words, pair)) return false;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "datadoc/Missing.h"
@@ -25,9 +26,13 @@ struct RECODE {
   std::vector<std::int32_t> variables;  // counted from 0
   std::vector<PAIR> pairs;
 
+  // Which of the pairs is applied to a cell; none: it stays.
+  std::optional<std::size_t> PairOf(double cell, bool missing) const;
   // The value that a cell gets.
   double NewValue(double cell, bool missing) const;
 };
 
 // Reads "list OLD=a,b-c NEW=d", the last two once or several times.
 bool ParseRecode(CWords& words, RECODE& recode);
+// Reads what follows the list.
+bool ParseRecodePairs(CWords& words, RECODE& recode);
