@@ -249,6 +249,15 @@ TEST(ProcedureProblems, AreToldBeforeAnythingIsWritten) {
   }
 }
 
+TEST(ProcedureProblems, ThresholdFilesAreLookedForBesideTheData) {
+  const TempFolder folder;
+  WriteBytes(folder / "my.th", "0 1\n");
+  const FixThresholdChoices choices{kO12, "my.th"};
+  EXPECT_TRUE(CheckChoices(SixVariables(), choices));
+  EXPECT_FALSE(CheckChoices(SixVariables(), choices, folder.Path()));
+  EXPECT_FALSE(CheckChoices(SixVariables(), FixThresholdChoices{kO12, folder / "my.th"}, "/"));
+}
+
 TEST(ProcedureProblems, EqualNamesAreRefused) {
   TORVIKSTRUCT data = SixVariables();
   data.variable[4].name = "c1";
@@ -264,18 +273,4 @@ TEST(Procedures, RememberedChoicesForgetVariablesThatAreGone) {
     ForgetAbsent(SixVariables(), *choices);
   EXPECT_EQ(std::get<RegressionChoices>(regression).y, NameList{"c1"});
   EXPECT_EQ(std::get<HomogeneityChoices>(homogeneity).pairs, (NameList{"o2", "o3"}));
-}
-
-TEST(Procedures, ThresholdCommandsWantAnOrdinalVariable) {
-  TORVIKSTRUCT data = SixVariables();
-  data.variables = 3;
-  for (auto& variable : data.variable) variable.type = kContinuous;
-  for (const int command : {9244, 9243, 9249, 34044, 1250, 1236}) {
-    const ProcedureEntry* const procedure = FindProcedure(command);
-    ASSERT_NE(procedure, nullptr);
-    EXPECT_EQ(IsAvailable(*procedure, data),
-              command == 34044 || command == 1250 || command == 1236);
-    EXPECT_TRUE(IsAvailable(*procedure, SixVariables()));
-    EXPECT_FALSE(IsAvailable(*procedure, TORVIKSTRUCT()));
-  }
 }

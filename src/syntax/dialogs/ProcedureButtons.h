@@ -1,5 +1,5 @@
-// The row of buttons at the foot of a procedure's dialog: Output Options and Syntax at the left,
-// Run (the default button) and Cancel at the right. A .ui file promotes a QWidget to it.
+// The row of buttons at the foot of a procedure's dialog: Output Options, Syntax and Help at the
+// left, Run (the default button) and Cancel at the right. A .ui file promotes a QWidget to it.
 #pragma once
 
 #include <QWidget>
@@ -13,6 +13,7 @@ class CProcedureButtons final : public QWidget {
   explicit CProcedureButtons(QWidget* parent = nullptr);
 
   void HideOutputOptions();
+  void SetOutputOptionsEnabled(bool enabled);
   // Run and Syntax can be pressed when the dialog's choice is complete.
   void SetComplete(bool complete);
 
@@ -21,10 +22,12 @@ class CProcedureButtons final : public QWidget {
   void CancelAsked();
   void OutputOptionsAsked();
   void SyntaxAsked();
+  void HelpAsked();
 
  private:
   QPushButton* output_;
   QPushButton* syntax_;
+  QPushButton* help_;
   QPushButton* run_;
   QPushButton* cancel_;
 };

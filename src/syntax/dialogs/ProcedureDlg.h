@@ -33,10 +33,12 @@ class CProcedureDlg : public QDialog {
   // The `tests` argument of the output options: by the types of all variables.
   virtual int OutputTests() const;
 
+  // Run or Syntax was pressed: tells the problem, or closes.
+  virtual void EndWith(int endCode);
+
   CDataDoc& Document() const { return document_; }
 
  private:
-  void EndWith(int endCode);
   void AskForOutputOptions();
 
   CDataDoc& document_;

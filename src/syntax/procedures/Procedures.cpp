@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 
 #include "syntax/OutputDialog.h"
 #include "syntax/procedures/ChoiceChecks.h"
@@ -31,7 +32,7 @@ ProcedureEntry Recode() {
 
 using Table = std::array<ProcedureEntry, std::variant_size_v<ProcedureChoices>>;
 
-const Table& Procedures() {
+const Table& ProcedureTable() {
   static const Table table = {
       Entry(34044, "Exploratory Factor Analysis", kOutputOther, FactorAnalysisChoices()),
       Entry(34077, "Ordinal Factor Analysis", kOutputOther, OrdinalFactorChoices()),
@@ -73,34 +74,42 @@ std::optional<ChoiceProblem> CheckNames(const TORVIKSTRUCT& data, const NameList
 
 }  // namespace
 
+std::span<const ProcedureEntry> Procedures() {
+  return ProcedureTable();
+}
+
 const ProcedureEntry& EntryOf(const ProcedureChoices& choices) {
-  return Procedures()[choices.index()];
+  return ProcedureTable()[choices.index()];
 }
 
 const ProcedureEntry* FindProcedure(int command) {
-  const Table& table = Procedures();
+  const Table& table = ProcedureTable();
   const auto* const found = std::find_if(
       table.begin(), table.end(),
       [command](const ProcedureEntry& procedure) { return procedure.command == command; });
   return found == table.end() ? nullptr : found;
 }
 
-bool IsAvailable(const ProcedureEntry& procedure, const TORVIKSTRUCT& data) {
-  if (data.variables < 1) return false;
-  return !procedure.needsOrdinal || TestsFor(data, {}) == kTestsWithOrdinal;
-}
-
 ProcedureText TextOf(const TORVIKSTRUCT& data, const ProcedureChoices& choices) {
   return std::visit([&](const auto& chosen) { return TextOf(data, chosen); }, choices);
 }
 
-std::optional<ChoiceProblem> CheckChoices(const TORVIKSTRUCT& data,
-                                          const ProcedureChoices& choices) {
+std::optional<ChoiceProblem> CheckChoices(const TORVIKSTRUCT& data, const ProcedureChoices& choices,
+                                          const CString& folder) {
   ProcedureChoices copy = choices;
   for (const NameList* list : ListsOf(copy)) {
     if (auto problem = CheckNames(data, *list)) return problem;
   }
-  return std::visit([&](const auto& chosen) { return ProblemOf(data, chosen); }, choices);
+  const auto check = [&](auto& chosen) {
+    // Thresholds are read: the file is looked for where the engine will look.
+    if constexpr (requires { chosen.thresholdFile; }) {
+      if (!folder.empty() && !chosen.thresholdFile.empty()) {
+        chosen.thresholdFile = (std::filesystem::path(folder) / chosen.thresholdFile).string();
+      }
+    }
+    return ProblemOf(data, chosen);
+  };
+  return std::visit(check, copy);
 }
 
 ProcedureJob JobOf(const TORVIKSTRUCT& data, const TRVOUSTRUCT& options,

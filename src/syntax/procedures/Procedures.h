@@ -2,6 +2,7 @@
 // dialogs, the command line and the tests go through here.
 #pragma once
 
+#include <span>
 #include <variant>
 
 #include "syntax/ProcedureRun.h"
@@ -35,20 +36,19 @@ struct ProcedureEntry {
   ProcedureChoices initial;  // the dialog's choices the first time
 };
 
-// In the order of the alternatives of ProcedureChoices.
+// All of them, in the order of the alternatives of ProcedureChoices.
+std::span<const ProcedureEntry> Procedures();
 const ProcedureEntry& EntryOf(const ProcedureChoices& choices);
 // Null when the command is no procedure with a dialog.
 const ProcedureEntry* FindProcedure(int command);
 
-// Can the command be used on this data set? The document's holding raw data is the caller's to ask.
-bool IsAvailable(const ProcedureEntry& procedure, const TORVIKSTRUCT& data);
-
 // The procedure's part of the syntax file.
 ProcedureText TextOf(const TORVIKSTRUCT& data, const ProcedureChoices& choices);
 
-// What is to be said before anything is written; empty when the choices are in order.
-std::optional<ChoiceProblem> CheckChoices(const TORVIKSTRUCT& data,
-                                          const ProcedureChoices& choices);
+// What is to be said before anything is written; empty when the choices are in order. Names of
+// files without a folder are those of `folder` (empty: the current one).
+std::optional<ChoiceProblem> CheckChoices(const TORVIKSTRUCT& data, const ProcedureChoices& choices,
+                                          const CString& folder = {});
 
 // The lines of a run: the procedure's, then the output line made of `options`.
 ProcedureJob JobOf(const TORVIKSTRUCT& data, const TRVOUSTRUCT& options,
