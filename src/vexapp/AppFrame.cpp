@@ -170,7 +170,9 @@ void CAppFrame::HandleProcedures() {
     });
   }
   // Variables and their types change without the window's knowledge.
-  connect(menus_->Menu("&Statistics"), &QMenu::aboutToShow, this, &CAppFrame::UpdateActions);
+  for (const char* menu : {"&Statistics", "&Transformation"}) {
+    connect(menus_->Menu(menu), &QMenu::aboutToShow, this, &CAppFrame::UpdateActions);
+  }
 }
 
 void CAppFrame::BuildAppearanceMenu() {

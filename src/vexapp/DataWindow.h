@@ -1,11 +1,13 @@
 // One data window: a document, its view and the grid.
 #pragma once
 
+#include <map>
 #include <memory>
 
 #include "datadoc/DataDoc.h"
 #include "dataview/DataView.h"
 #include "dataview/table/DataViewTbl.h"
+#include "syntax/procedures/Procedures.h"
 #include "vexapp/FrameWindow.h"
 
 class CVexApp;
@@ -36,6 +38,8 @@ class CDataWindow final : public CFrameWindow {
   QString CellDescription() const;
   QString SizeDescription() const;
   void AskForCase();  // Go to Case
+  // What was chosen last in the procedures' dialogs, by command.
+  std::map<int, ProcedureChoices>& LastChoices() { return lastChoices_; }
 
  signals:
   void CellChanged();
@@ -53,5 +57,6 @@ class CDataWindow final : public CFrameWindow {
   CDataDoc document_;
   CDataViewTbl* table_;
   std::unique_ptr<CDataView> view_;
+  std::map<int, ProcedureChoices> lastChoices_;
   int menuType_ = -1;  // of the last right click that hit something
 };

@@ -1,7 +1,8 @@
 // The commands that work on a data window's data set through the procedures' run: which there are,
-// what each needs, and what it does. A new procedure is a row in ProcedureCommands.cpp.
+// what each needs, and what it does.
 #pragma once
 
+#include <functional>
 #include <span>
 
 class CDataWindow;
@@ -9,7 +10,7 @@ class CDataWindow;
 struct PROCEDURECOMMAND {
   int number;         // of the menu
   bool needsOrdinal;  // enabled only with at least one ordinal variable
-  void (*run)(CDataWindow& window);
+  std::function<void(CDataWindow& window)> run;
 };
 
 std::span<const PROCEDURECOMMAND> ProcedureCommands();
