@@ -134,6 +134,12 @@ TEST(ProcedureLines, BootstrappingPassesRepetitionsAndRewind) {
   }
 }
 
+TEST(ProcedureLines, RecodingHasTheOtherSpelling) {
+  const TORVIKSTRUCT data = SixVariables();
+  EXPECT_STREQ(JobOf(data, {}, RecodeChoices()).noOutput, kNoOutputOfRecode);
+  EXPECT_STREQ(JobOf(data, {}, ComputeChoices()).noOutput, kNoOutput);
+}
+
 TEST(ProcedureLines, TestsFollowTheChosenVariables) {
   const struct {
     ProcedureChoices choices;

@@ -1,8 +1,12 @@
 // The procedures' dialogs: controls against the lines that are written, and the messages. What the
 // choices come to has tests of its own.
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTableWidget>
+#include <QTest>
 
 #include "datadoc/DocumentFixture.h"
 #include "syntax/dialogs/ProcedureDialogs.h"
@@ -37,7 +41,8 @@ QStringList Items(QDialog& dialog, const QString& name) {
   return texts;
 }
 
-// "list0=A,B" adds variables, "select=A,B" selects them, "factors=2" types, "scores" clicks.
+// "list0=A,B" adds variables, "select=A,B" selects them, "factors=2" types, "scores" clicks;
+// "rules=1-3|0" fills the last row of a table.
 void Do(QDialog& dialog, const QString& step) {
   const QString name = step.section('=', 0, 0);
   const QString value = step.section('=', 1);
@@ -48,6 +53,13 @@ void Do(QDialog& dialog, const QString& step) {
     Find<QPushButton>(dialog, name + "AddButton").click();
   } else if (auto* const edit = qobject_cast<QLineEdit*>(&widget)) {
     edit->setText(value);
+  } else if (auto* const text = qobject_cast<QPlainTextEdit*>(&widget)) {
+    text->setPlainText(value);
+  } else if (auto* const table = qobject_cast<QTableWidget*>(&widget)) {
+    const int row = table->rowCount() - 1;
+    for (int column = 0; column < 2; ++column) {
+      table->item(row, column)->setText(value.section('|', column, column));
+    }
   } else if (auto* const box = qobject_cast<QComboBox*>(&widget)) {
     box->setCurrentIndex(value.toInt());
   } else {
@@ -300,7 +312,8 @@ TEST_F(ProcedureDialogs, WhatCannotBeChosenSaysWhy) {
 }
 
 TEST_F(AppFrameTest, StatisticsCommandsOpenTheirDialogsAndRememberTheirChoices) {
-  ASSERT_TRUE(frame.OpenPath(Sample("survey.VSF")));
+  const QString path = Sample("survey.VSF");
+  ASSERT_TRUE(frame.OpenPath(path));
   for (const ProcedureEntry& procedure : Procedures()) {
     const QString title = procedure.title;
     driver.Then([title](QDialog& dialog) {
@@ -315,6 +328,7 @@ TEST_F(AppFrameTest, StatisticsCommandsOpenTheirDialogsAndRememberTheirChoices) 
     for (const char* step : {"list0=x2", "factors=3", "syntaxButton"}) Do(dialog, step);
   });
   Trigger(34044);
+  frame.OpenPath(path);  // the syntax window came up
   driver.Then([](QDialog& dialog) {
     EXPECT_EQ(Items(dialog, "list0"), Steps("x2"));
     EXPECT_EQ(Find<QLineEdit>(dialog, "factors").text(), "3");
@@ -328,6 +342,112 @@ TEST_F(AppFrameTest, StatisticsCommandsOpenTheirDialogsAndRememberTheirChoices) 
   });
   Trigger(34044);
   EXPECT_TRUE(driver.AllAnswered());
+}
+
+TEST_F(ProcedureDialogs, NewDataNeverTakeAFileUnasked) {
+  WriteBytes(folder / "there.VSF", "x");
+  const auto dialog = Open(ComputeChoices{{{"y", "A + 1"}}, "survey.VSF"});
+  driver.Then([&](QDialog&) {
+    Do(*dialog, "runButton");
+    EXPECT_EQ(host.LastMessage(), "The new data cannot take the place of the data file.");
+    Do(*dialog, "expression=A + G");
+    Do(*dialog, "newData=there.VSF");
+    Do(*dialog, "runButton");
+    EXPECT_TRUE(host.LastMessage().starts_with("y: ")) << host.LastMessage();
+    Do(*dialog, "expression=A + B");
+    host.answers = {MessageAnswer::No, MessageAnswer::Yes};
+    Do(*dialog, "runButton");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(host.LastMessage(), "there.VSF exists already.\nDo you want to replace it?");
+    Do(*dialog, "runButton");
+  });
+  EXPECT_EQ(RunProcedureDialog(document, *dialog).state, ProcedureState::Done);
+  EXPECT_EQ(Written(), "NE y = A + B\nOU RA=there.VSF XT XM \n");
+}
+
+TEST_F(ProcedureDialogs, WithoutOutputEachSaysSoInItsSpelling) {
+  host.engineOutput = std::nullopt;
+  const auto compute = Open(ComputeChoices{{{"y", "A"}}, "new.VSF"});
+  EXPECT_EQ(Run(*compute, {"runButton"}), ProcedureState::Failed);
+  EXPECT_EQ(host.LastMessage(), "Serious errors occured, no output file available!");
+  const auto recode = Open(RecodeChoices{{"A"}, {{"1", "2"}}, "new.VSF"});
+  EXPECT_EQ(Run(*recode, {"runButton"}), ProcedureState::Failed);
+  EXPECT_EQ(host.LastMessage(), "Serious errors occurred, no output file available!");
+}
+
+std::vector<double> Column(CDataWindow& window, int column) {
+  std::vector<double> values;
+  for (int row = 0; row < window.Document().GetRecnum(); ++row) {
+    values.push_back(window.Table().ValueText({row, column}).toDouble());
+  }
+  return values;
+}
+
+// Cell (r, c) of the sample is r + c / 100; the first cell of every seventh case is missing.
+TEST_F(AppFrameTest, ComputedDataAreWrittenByTheEngineAndOpened) {
+  ASSERT_TRUE(frame.OpenPath(Sample("survey.VSF", 8)));
+  const std::string newData = folder / "new.VSF";
+  const std::string before = ReadBytes(folder / "survey.VSF");
+  driver.Then([&](QDialog& dialog) {
+    auto& state = Find<QLabel>(dialog, "stateLabel");
+    for (const char* step : {"target=y", "expression=x1 + 2 * x9"}) Do(dialog, step);
+    EXPECT_TRUE(state.text().contains("x9")) << state.text().toStdString();
+    Do(dialog, "expression=x1 + 2 * x2");
+    EXPECT_EQ(state.text(), "The expression is in order.");
+    for (const char* step : {"newButton", "target=x3", "expression=ABS(-y)"}) Do(dialog, step);
+    Do(dialog, "newData=new.VSF");
+    Do(dialog, "runButton");
+  });
+  driver.ThenPress(QMessageBox::Yes);  // open the new data
+  Trigger(1236);
+  ASSERT_TRUE(driver.AllAnswered());
+  ASSERT_TRUE(frame.CurrentWindow() != nullptr && frame.CurrentWindow()->Holds(newData.c_str()));
+  CDataWindow& window = *frame.CurrentWindow();
+  EXPECT_EQ(window.Table().ColumnHeading(3), "y");
+  std::vector<double> expected;
+  for (int r = 0; r < 8; ++r) expected.push_back(r == 6 ? -999999 : r + 2 * (r + 0.01));
+  for (const int column : {2, 3}) {
+    const std::vector<double> values = Column(window, column);
+    for (std::size_t r = 0; r < 8; ++r) EXPECT_NEAR(values[r], expected[r], 1e-12) << r;
+  }
+  EXPECT_EQ(ReadBytes(folder / "survey.VSF"), before);
+}
+
+TEST_F(AppFrameTest, TheCellsOfARecodingAreCounted) {
+  ASSERT_TRUE(frame.OpenPath(Sample("survey.VSF", 9)));
+  const auto dialog =
+      MakeProcedureDialog(frame.CurrentWindow()->Document(), RecodeChoices(), nullptr);
+  dialog->show();
+  const auto& counted = Find<QLabel>(*dialog, "countedLabel");
+  const auto waitFor = [&counted](const char* text) {
+    for (int i = 0; i < 300 && !counted.text().contains(text); ++i) QTest::qWait(10);
+  };
+  for (const char* step : {"list0=x1", "rules=0-4|1", "addRuleButton", "rules=HI-5|2"}) {
+    Do(*dialog, step);
+  }
+  waitFor("OLD=");
+  EXPECT_TRUE(counted.text().contains("OLD=")) << counted.text().toStdString();
+  Do(*dialog, "rules=5-HI|2");
+  waitFor("stay");
+  EXPECT_EQ(counted.text(), "Cells that stay as they are: 1 (all 9 cases counted)");
+  const auto& rules = Find<QTableWidget>(*dialog, "rules");
+  EXPECT_EQ(rules.item(0, 2)->text() + ' ' + rules.item(1, 2)->text(), "5 3");
+}
+
+TEST_F(AppFrameTest, RecodedDataAreWrittenByTheEngineAndOpened) {
+  ASSERT_TRUE(frame.OpenPath(Sample("survey.VSF", 9)));
+  driver.Then([](QDialog& dialog) {
+    for (const char* step : {"list0=x1", "rules=0-4|1", "addRuleButton", "rules=5-HI|2",
+                             "newData=new.VSF", "runButton"}) {
+      Do(dialog, step);
+    }
+  });
+  driver.ThenPress(QMessageBox::Yes);  // open the new data
+  Trigger(1233);
+  ASSERT_TRUE(driver.AllAnswered());
+  ASSERT_NE(frame.CurrentWindow(), nullptr);
+  EXPECT_EQ(Column(*frame.CurrentWindow(), 0),
+            (std::vector<double>{1, 1, 1, 1, 1, 2, -999999, 2, 2}));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTest>
 #include <clocale>
 #include <cstdio>
 
@@ -22,6 +23,8 @@ namespace {
 
 void Draw(QWidget& window, const QString& file) {
   window.show();
+  // Until the cells of a recoding are counted.
+  QTest::qWait(window.findChild<QWidget*>("rules") != nullptr ? 600 : 0);
   QApplication::processEvents();
   window.grab().save(file);
   window.close();
@@ -49,7 +52,9 @@ std::vector<ProcedureChoices> Examples() {
           probit,
           fixed,
           LogisticChoices{{"gender"}, {"age", "A1"}, true},
-          CensoredChoices{}};
+          CensoredChoices{},
+          ComputeChoices{{{"total", "(A1 + A2 + A3) / 3"}, {"logage", "LOG(age)"}}, "new.VSF"},
+          RecodeChoices{{"A1"}, {{"1,2", "1"}, {"3-HI", "2"}}, "new.VSF"}};
 }
 
 void DrawAll(CDataDoc& document, const QDir& folder, const QString& look) {

@@ -52,7 +52,7 @@ QWidget* CDataRecodeDlg::BuildRules() {
   auto* const box = new QWidget(this);
   auto* const grid = new QGridLayout(box);
   grid->setContentsMargins(0, 0, 0, 0);
-  auto* const label = new QLabel(tr("&Old and new values:"), box);
+  auto* const label = new QLabel(tr("Old and &new values:"), box);
   rules_ = new QTableWidget(0, kColumns, box);
   rules_->setObjectName("rules");
   rules_->setHorizontalHeaderLabels({tr("Old values"), tr("New value"), tr("Cells")});
@@ -142,10 +142,10 @@ void CDataRecodeDlg::Count() {
                     : QString());
   }
   if (counts) {
-    state = (counts->all ? tr("%L2 cells stay as they are (all %L1 cases)")
-                         : tr("%L2 cells stay as they are (the first %L1 cases)"))
-                .arg(counts->cases)
-                .arg(counts->others);
+    state = (counts->all ? tr("Cells that stay as they are: %L1 (all %L2 cases counted)")
+                         : tr("Cells that stay as they are: %L1 (the first %L2 cases counted)"))
+                .arg(counts->others)
+                .arg(counts->cases);
   }
   counted_->setText(state);
 }

@@ -39,4 +39,7 @@ void CProbitThresholdsDlg::AddVariables(const QString& itemText, NameList& names
   };
   target.whyNot = tr("Only the ordinal variables of the regression");
   Form().AddList(target, names);
+  for (int variable = 0; variable < data_.variables; ++variable) {
+    if (!target.accepts(variable)) Form().Chooser().SetUnusable(variable, target.whyNot);
+  }
 }
