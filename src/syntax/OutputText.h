@@ -27,7 +27,10 @@ class COutputText {
   struct Place {
     std::int64_t line = 0;
     std::int64_t byte = 0;  // in its line
-    auto operator<=>(const Place&) const = default;
+    bool operator==(const Place&) const = default;
+    bool operator<(const Place& other) const {
+      return line != other.line ? line < other.line : byte < other.byte;
+    }
   };
   std::int64_t OffsetOf(const Place& place) const;
   Place PlaceOf(std::int64_t offset) const;
