@@ -5,16 +5,20 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "datadoc/DataSet.h"
 #include "datadoc/ExternData.h"
+#include "datadoc/FormatStatement.h"
+#include "datadoc/TextOpening.h"
 #include "host/Framework.h"
 #include "host/Host.h"
 #include "syntax/OutputOptions.h"
 #include "transfer/Exportable.h"
 
 class CDataView;
+class CSideFile;
 
 // File operations return 1 for success and 0 for failure; the user has then been told why.
 class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long> {
@@ -93,10 +97,25 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   int SaveVSFFile(const CString& fileName);
   // Writes in the layout of `kind` (1 old, 2 new) without asking.
   int SaveVSFFile(const CString& fileName, int kind);
+  // Reads the group of EXTERNDATA of a DSF file: the lower triangle of its matrix, zeros above it,
+  // and one more row.
   int OpenDSFFile(const CString& fileName);
+  // Writes the group into a DSF file that is there and has as many variables. Where that changes
+  // what is read as this or a neighbouring group, the file as it was is kept beside it.
   int SaveDSFFile(const CString& fileName);
+  // Reads a text data file, cases or a moment matrix, by the EXTERNDATA that was set. A format
+  // statement on its first line counts unless one was handed in. Without variables the statement
+  // says how many there are, without records the file does. What was read as 0 because it is no
+  // number is told in a note.
   int OpenASCIIFile(const CString& fileName);
+  // Writes a text data file that OpenASCIIFile reads back to the same values. A value that its
+  // field cannot hold is told, with its case and variable, and nothing is written.
   int SaveASCIIFile(const CString& fileName);
+  // Opens a free-format text file as the dialog's answer says.
+  int OpenFreeFormatFile(const CString& fileName, const ASC2VSF& choice);
+  // Fills `ranges`, which gets as many entries as there are variables and 10 more, with the fields
+  // of the format statement of EXTERNDATA and returns their number.
+  int GetRangeFromFormat(std::vector<RANGE_KTQ>& ranges) const;
   // Writes all cells as text, 16 characters a cell and a record a line.
   int CopyDataToAscii(const CString& fileName);
 
@@ -140,6 +159,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
 
  protected:
   std::vector<FileDialogRow> SaveAsRows() const override;
+  void OnSaveAsRowChosen(int row) override;
   long GetAppRecordCount() const override { return data_.records; }
   bool WantsNamesLine() const override { return exportNames_; }
   void ReportError(const CString& text) override;
@@ -155,6 +175,17 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   void ResetDescription();
   void SizeRecordBuffer();
   bool FillScratchFile(CDataView& view) const;
+  bool CopyDsfGroup(int file, std::int64_t offset, std::int32_t variables, std::int64_t nameBytes,
+                    CDataView& view, const CString& title);
+  CString WhyNotSaveGroup(int file) const;
+  bool ReplaceDsfGroup(int old, int scratch, CSideFile& target, const CString& fileName);
+  CString FindTextFields(int file, std::int64_t& begin, std::vector<RANGE_KTQ>& fields);
+  CString TakeFormatStatement(std::string_view line);
+  int ReadTextFile(int file, std::int64_t begin, std::vector<RANGE_KTQ> fields, CDataView& view,
+                   const CString& fileName);
+  std::vector<CString> VariableNames() const;
+  bool WriteTextFile(int scratch, CSideFile& target, const CString& fileName,
+                     CString& problem) const;
 
   TORVIKSTRUCT data_;
   std::int32_t capacity_ = 16;
@@ -163,6 +194,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   std::vector<double> secondVector_;
   EXTERNDATA extern_;
   TRVOUSTRUCT outputOptions_;
+  TEXTFILETOP textTop_;  // what stands above the numbers of a text file
 
   bool exportNames_ = false;
   char exportDelimiter_ = 0;

@@ -4,6 +4,7 @@
 #include <boost/format.hpp>
 
 #include "datadoc/DataDoc.h"
+#include "datadoc/SaveAsKinds.h"
 #include "datadoc/VsfLayout.h"
 #include "dataview/DataView.h"
 #include "host/Host.h"
@@ -83,7 +84,11 @@ int CDataDoc::WriteFileOfKind(const CString& fileName) {
 }
 
 int CDataDoc::OnFileSaveAs() {
-  if (!CDocument::OnFileSaveAs()) return 0;
+  const EXTERNDATA before = extern_;
+  if (!CDocument::OnFileSaveAs()) {
+    extern_ = before;
+    return 0;
+  }
   // A recovery must not come back under the old name.
   if (CDataView* const view = GetDataView()) view->ReopenFile();
   return 1;
@@ -95,7 +100,13 @@ void CDataDoc::OnCloseDocument() {
 }
 
 std::vector<FileDialogRow> CDataDoc::SaveAsRows() const {
-  return {{"VEXMOR Data (*.VSF)", "*.VSF", "VSF"}};
+  std::vector<FileDialogRow> rows;
+  for (const SAVEASKIND& choice : SaveAsKinds(extern_, data_)) rows.push_back(choice.row);
+  return rows;
+}
+
+void CDataDoc::OnSaveAsRowChosen(int row) {
+  extern_ = SaveAsKinds(extern_, data_).at(static_cast<std::size_t>(row)).kind;
 }
 
 void CDataDoc::SetExtern(const EXTERNDATA& source, const std::vector<LABSTRUCT>& labels,

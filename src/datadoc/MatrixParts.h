@@ -1,0 +1,15 @@
+// The parts of a moment-matrix text file.
+#pragma once
+
+#include <vector>
+
+#include "datadoc/ExternData.h"
+
+enum class MatrixPart { Matrix, FirstVector, SecondVector };
+
+// The parts in the order in which they stand in the file: those at the places 1, 2, 3, up to the
+// first place that none has.
+std::vector<MatrixPart> MatrixParts(const EXTERNDATA& kind);
+
+// Rows of cells that the parts make: a row a variable for the matrix, one for each vector.
+std::int64_t MatrixRecords(const EXTERNDATA& kind, std::int32_t variables);

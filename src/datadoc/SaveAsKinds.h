@@ -1,0 +1,23 @@
+// Under which kinds of file a data set can be saved.
+#pragma once
+
+#include <vector>
+
+#include "datadoc/DataSet.h"
+#include "datadoc/ExternData.h"
+#include "host/Host.h"
+
+struct SAVEASKIND {
+  FileDialogRow row;
+  EXTERNDATA kind;
+};
+
+// The data set's own kind first. Cases go into a system data file or a text file; a moment matrix
+// into a text file or, with one row beside it, into a DSF file.
+std::vector<SAVEASKIND> SaveAsKinds(const EXTERNDATA& own, const TORVIKSTRUCT& data);
+
+// The rows of a dialog that opens files: every kind, then all files.
+std::vector<FileDialogRow> OpenRows();
+// The kind that row `row` of these stands for; for "all files" that of the extension: DSF, else a
+// system data file.
+EXTERNDATA KindOfOpenRow(int row, const CString& fileName);
