@@ -8,7 +8,7 @@ source scripts/lib.sh
 seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
-((${#targets[@]})) || targets=(vsf sav por dta sas7bdat xport engine_syntax)
+((${#targets[@]})) || targets=(vsf dsf format text sav por dta sas7bdat xport engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
 cmake --preset fuzz >/dev/null
@@ -20,7 +20,7 @@ mkdir -p "$found"
 
 # The first files of a corpus: other programs' small files, and what our writers make of some of the example.
 seed() {
-  mkdir -p "$corpus"/{vsf,sav,por,dta,sas7bdat,xport,engine_syntax}
+  mkdir -p "$corpus"/{vsf,dsf,format,text,sav,por,dta,sas7bdat,xport,engine_syntax}
   local file kind
   for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
     kind=${file##*.}
@@ -34,6 +34,11 @@ seed() {
     "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/$kind/ours.$kind" --overwrite --quiet
   done
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet
+  printf '(3F8.2, 2X / A4, 2I1, H1, D10.3)' >"$corpus/format/statement"
+  printf '\002\002(3F4.1)\n 1.5 225x  \n' >"$corpus/text/fixed"
+  printf '\000\001name 1 2.5\n1e5 -.3D2 1e-400\n' >"$corpus/text/free"
+  printf '\014\00112 3 4\n5 6\n' >"$corpus/text/matrix"
+  { printf '\000%-64s' 'VEXMOR SYSTEM DATA FILE' && printf '\0\0\0\0\001\0\0\0' && head -c 400 /dev/zero; } >"$corpus/dsf/one"
   printf "SY='data.VSF'\nSE 1-3\nSC 1 > 2\nOU MA=KM XM\n" >"$corpus/engine_syntax/screening"
 }
 seed

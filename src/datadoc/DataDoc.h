@@ -82,6 +82,8 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   int OnSaveDocument(const CString& fileName) override;
   void OnCloseDocument() override;
   int OnFileSaveAs() override;
+  // Asks for a name and becomes a system data file under it.
+  int SaveAsSystemDataFile();
   // Describes a new data set: variable n gets the texts of the n-th of `labels` (VARnnn and no
   // description where there are fewer). With `create` the scratch file is filled too, as by
   // OnNewExternFile.
@@ -111,8 +113,10 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   // Writes a text data file that OpenASCIIFile reads back to the same values. A value that its
   // field cannot hold is told, with its case and variable, and nothing is written.
   int SaveASCIIFile(const CString& fileName);
-  // Opens a free-format text file as the dialog's answer says.
-  int OpenFreeFormatFile(const CString& fileName, const ASC2VSF& choice);
+  // Opens a free-format text file, of cases unless `kind` says of a matrix, as the dialog's answer
+  // says.
+  int OpenFreeFormatFile(const CString& fileName, const ASC2VSF& choice,
+                         const EXTERNDATA& kind = EXTERNDATA());
   // Fills `ranges`, which gets as many entries as there are variables and 10 more, with the fields
   // of the format statement of EXTERNDATA and returns their number.
   int GetRangeFromFormat(std::vector<RANGE_KTQ>& ranges) const;
@@ -194,7 +198,8 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   std::vector<double> secondVector_;
   EXTERNDATA extern_;
   TRVOUSTRUCT outputOptions_;
-  TEXTFILETOP textTop_;  // what stands above the numbers of a text file
+  bool onlySystemFile_ = false;  // the kind that the save-as dialog offers
+  TEXTFILETOP textTop_;          // what stands above the numbers of a text file
 
   bool exportNames_ = false;
   char exportDelimiter_ = 0;

@@ -209,6 +209,16 @@ std::int64_t DsfReadOffset(std::int64_t variables, std::int64_t group, std::int6
   return offset + DsfGroupBytes(variables, nameBytes) <= fileBytes ? offset : -1;
 }
 
+std::int64_t CountDsfGroups(const CString& fileName) {
+  CDescriptor file;
+  if (!file.OpenForReading(fileName.c_str())) return 0;
+  const std::int64_t variables = StatedVariables(file.Get());
+  const std::int64_t fileBytes = FileBytes(file.Get());
+  if (!DsfFits(variables, fileBytes)) return 0;
+  const std::int64_t first = kDsfNamesOffset + DsfGroupBytes(variables, kDsfWrittenNameBytes);
+  return fileBytes < first ? 0 : 1 + (fileBytes - first) / DsfReadStride(variables);
+}
+
 int CDataDoc::OpenDSFFile(const CString& fileName) {
   CDataView* const view = GetDataView();
   if (view == nullptr) return 0;

@@ -99,14 +99,23 @@ void CDataDoc::OnCloseDocument() {
   CDocument::OnCloseDocument();
 }
 
+int CDataDoc::SaveAsSystemDataFile() {
+  onlySystemFile_ = true;
+  const int saved = OnFileSaveAs();
+  onlySystemFile_ = false;
+  return saved;
+}
+
 std::vector<FileDialogRow> CDataDoc::SaveAsRows() const {
+  if (onlySystemFile_) return {SystemDataRow()};
   std::vector<FileDialogRow> rows;
   for (const SAVEASKIND& choice : SaveAsKinds(extern_, data_)) rows.push_back(choice.row);
   return rows;
 }
 
 void CDataDoc::OnSaveAsRowChosen(int row) {
-  extern_ = SaveAsKinds(extern_, data_).at(static_cast<std::size_t>(row)).kind;
+  extern_ = onlySystemFile_ ? EXTERNDATA()
+                            : SaveAsKinds(extern_, data_).at(static_cast<std::size_t>(row)).kind;
 }
 
 void CDataDoc::SetExtern(const EXTERNDATA& source, const std::vector<LABSTRUCT>& labels,

@@ -251,21 +251,22 @@ std::vector<CString> CDataDoc::VariableNames() const {
   return names;
 }
 
-int CDataDoc::OpenFreeFormatFile(const CString& fileName, const ASC2VSF& choice) {
+int CDataDoc::OpenFreeFormatFile(const CString& fileName, const ASC2VSF& choice,
+                                 const EXTERNDATA& kind) {
   std::vector<LABSTRUCT> labels;
   TEXTFILETOP top;
-  top.names = choice.namesOnTop;
+  top.names = choice.namesOnTop && kind.ma_type < 1;
   CDescriptor file;
-  if (choice.namesOnTop && file.OpenForReading(fileName.c_str())) {
+  if (top.names && file.OpenForReading(fileName.c_str())) {
     const TEXTLINE line = ReadTextLine(file.Get(), 0);
     top.begin = line.next;
     for (CString& name : WordsOf(line.text)) {
       labels.push_back({TextForFile(TextForDisplay(name)), {}});
     }
   }
-  EXTERNDATA kind;
-  kind.data_type = kTextFile;
-  SetExtern(kind, labels, 0, std::clamp(choice.variables, 1, kMostTextVariables), false);
+  EXTERNDATA text = kind;
+  text.data_type = kTextFile;
+  SetExtern(text, labels, 0, std::clamp(choice.variables, 1, kMostTextVariables), false);
   textTop_ = top;
   if (OnOpenDocument(fileName)) return 1;
   ResetDescription();

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "host/Types.h"
+
 inline constexpr std::string_view kDsfHeaderText = "VEXMOR SYSTEM DATA FILE";
 inline constexpr std::size_t kDsfHeaderBytes = 64;  // the text, padded with blanks
 inline constexpr std::int64_t kDsfVariablesOffset = 68;
@@ -42,3 +44,6 @@ constexpr bool DsfFits(std::int64_t variables, std::int64_t fileBytes) {
 // group.
 std::int64_t DsfReadOffset(std::int64_t variables, std::int64_t group, std::int64_t nameBytes,
                            std::int64_t fileBytes);
+
+// How many groups the file holds for a reader of names of 16 bytes; 0 when it is no DSF file.
+std::int64_t CountDsfGroups(const CString& fileName);

@@ -7,10 +7,6 @@
 
 namespace {
 
-FileDialogRow SystemRow() {
-  return {"VEXMOR Data (*.VSF)", "*.VSF", "VSF"};
-}
-
 FileDialogRow DsfRow() {
   return {"VEXMOR Data System (*.DSF)", "*.DSF", "DSF"};
 }
@@ -48,7 +44,7 @@ std::vector<SAVEASKIND> MatrixChoices(const EXTERNDATA& own, const TORVIKSTRUCT&
 }
 
 std::vector<SAVEASKIND> CaseChoices(const EXTERNDATA& own) {
-  std::vector<SAVEASKIND> choices = {{SystemRow(), EXTERNDATA()},
+  std::vector<SAVEASKIND> choices = {{SystemDataRow(), EXTERNDATA()},
                                      {TextRow("Free Format Text"), KindOfType(kTextFile)}};
   if (own.fixedFormat != 0) {
     choices.push_back({TextRow("Fixed Columns Text"), own});
@@ -62,19 +58,33 @@ std::vector<SAVEASKIND> CaseChoices(const EXTERNDATA& own) {
 
 }  // namespace
 
+FileDialogRow SystemDataRow() {
+  return {"VEXMOR Data (*.VSF)", "*.VSF", "VSF"};
+}
+
 std::vector<SAVEASKIND> SaveAsKinds(const EXTERNDATA& own, const TORVIKSTRUCT& data) {
   const bool matrix = own.data_type == kDsfFile || own.ma_type >= 1;
   return matrix ? MatrixChoices(own, data) : CaseChoices(own);
 }
 
 std::vector<FileDialogRow> OpenRows() {
-  return {SystemRow(), TextRow("Text Data"), DsfRow(), {"All Files (*.*)", "*.*", ""}};
+  return {SystemDataRow(),
+          TextRow("Text Data"),
+          TextRow("Moment Matrix Text"),
+          DsfRow(),
+          {"All Files (*.*)", "*.*", ""}};
 }
 
-EXTERNDATA KindOfOpenRow(int row, const CString& fileName) {
+std::optional<EXTERNDATA> KindOfOpenRow(int row, const CString& fileName) {
+  constexpr int kText = 1;
+  constexpr int kMatrix = 2;
+  constexpr int kDsf = 3;
   const CString extension = std::filesystem::path(fileName).extension().string();
-  if (EqualIgnoringCase(extension, ".DSF")) return KindOfType(kDsfFile);
-  if (EqualIgnoringCase(extension, ".VSF")) return KindOfType(kSystemDataFile);
-  constexpr std::int32_t kTypes[] = {kSystemDataFile, kTextFile, kDsfFile, kSystemDataFile};
-  return KindOfType(kTypes[std::clamp(row, 0, 3)]);
+  if (EqualIgnoringCase(extension, ".VSF")) return std::nullopt;
+  if (row == kDsf || EqualIgnoringCase(extension, ".DSF")) return KindOfType(kDsfFile);
+  if (row != kText && row != kMatrix) return std::nullopt;
+  EXTERNDATA kind = KindOfType(kTextFile);
+  kind.ma_type = row == kMatrix ? 1 : 0;
+  kind.matrixPosition = row == kMatrix ? 1 : 0;
+  return kind;
 }

@@ -177,14 +177,10 @@ bool CDataView::ChooseVariable(EditKind kind, std::int32_t variable) {
 // A text or DSF file cannot hold the choice and is not written over: such a document becomes a
 // system data file under a name that the user gives.
 bool CDataView::SaveChoice() {
-  const EXTERNDATA old = document_.GetExtern();
-  if (old.data_type == kSystemDataFile && !document_.GetPathName().empty()) {
+  if (document_.GetExternType() == kSystemDataFile && !document_.GetPathName().empty()) {
     return document_.OnSaveDocument(document_.GetPathName()) == 1;
   }
-  document_.SetExternData(EXTERNDATA());
-  const bool saved = document_.OnFileSaveAs() == 1;
-  if (!saved) document_.SetExternData(old);
-  return saved;
+  return document_.SaveAsSystemDataFile() == 1;
 }
 
 std::optional<SelectionEffect> CDataView::PreviewSelection(const CStringList& lines) {

@@ -3,8 +3,10 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "datadoc/TextOpening.h"
 #include "host/Framework.h"
 #include "vexapp/Menus.h"
 #include "vexapp/RecentFiles.h"
@@ -77,7 +79,10 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void ExportCurrent();
   void OpenRecent(const QString& path);
   bool OpenImported(const QString& path);
-  bool OpenDocument(const QString& path, const EXTERNDATA& kind);
+  bool OpenDocument(const QString& path, const EXTERNDATA& kind,
+                    const std::optional<ASC2VSF>& text);
+  bool OpenAs(const QString& path, EXTERNDATA kind);
+  bool AskAboutKind(const QString& path, EXTERNDATA& kind, std::optional<ASC2VSF>& text);
   EXTERNDATA KindOf(const QString& path) const;
   QString WhyNotWriteTo(const QString& path) const;  // empty: it may be written
 

@@ -3,11 +3,18 @@
 #include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTimer>
+#include <algorithm>
+#include <limits>
 
+#include "datadoc/DsfLayout.h"
+#include "datadoc/SaveAsKinds.h"
+#include "datadoc/dialogs/Asc2VSFDlg.h"
+#include "datadoc/dialogs/MatrixTextDlg.h"
 #include "dataview/ScratchFile.h"
 #include "host/Host.h"
 #include "resources/Commands.h"
@@ -31,10 +38,6 @@ bool IsTextFile(const QString& path) {
   return HasExtension(path, "OUT") || HasExtension(path, "TRK");
 }
 
-FileDialogRow RowOf(const STUtils::file_type_info_t& type) {
-  return {type.displayName(), type.filter(), type.defaultExtension()};
-}
-
 QStringList LocalFiles(const QMimeData& data) {
   QStringList paths;
   for (const QUrl& url : data.urls()) {
@@ -48,15 +51,26 @@ QStringList LocalFiles(const QMimeData& data) {
 void CAppFrame::AskAndOpen() {
   FileDialogRequest request;
   request.title = tr("Open").toStdString();
-  request.rows = {RowOf(STUtils::SystemDataFileType()),
-                  {tr("Syntax and output files (*.TRK;*.OUT)").toStdString(), "*.TRK;*.OUT", "TRK"},
-                  RowOf(STUtils::AllFilesType())};
-  const QString path = current_ != nullptr       ? PathText(current_->Document().GetPathName())
-                       : currentText_ != nullptr ? currentText_->Path()
-                                                 : QString();
-  if (!path.isEmpty()) request.folder = PathBytes(QFileInfo(path).path());
+  request.rows = OpenRows();
+  request.rows.insert(
+      request.rows.end() - 1,
+      {tr("Syntax and output files (*.TRK;*.OUT)").toStdString(), "*.TRK;*.OUT", "TRK"});
+  request.selectedRow = -1;  // before the first: system data files, not the last row of a long list
+  const QString folderOf = current_ != nullptr       ? PathText(current_->Document().GetPathName())
+                           : currentText_ != nullptr ? currentText_->Path()
+                                                     : QString();
+  if (!folderOf.isEmpty()) request.folder = PathBytes(QFileInfo(folderOf).path());
   FileDialogChoice choice;
-  if (Host().AskForFile(request, choice)) OpenPath(PathText(choice.path));
+  if (!Host().AskForFile(request, choice)) return;
+  const QString path = PathText(choice.path);
+  const std::optional<EXTERNDATA> kind = KindOfOpenRow(choice.row, choice.path);
+  if (!kind) {
+    OpenPath(path);
+    return;
+  }
+  const EXTERNDATA known = KindOf(path);
+  const bool asBefore = known.data_type == kind->data_type && known.ma_type == kind->ma_type;
+  OpenAs(path, asBefore ? known : *kind);
 }
 
 EXTERNDATA CAppFrame::KindOf(const QString& path) const {
@@ -73,9 +87,53 @@ bool CAppFrame::OpenPath(const QString& path) {
     ActivateWindow(open);
     return true;
   }
+  const EXTERNDATA kind = KindOf(path);
+  if (kind.data_type != kSystemDataFile) return OpenAs(path, kind);
   const bool foreign = !HasExtension(path, "VSF") &&
                        STUtils::TypeOfFileName(PathBytes(path)) != STUtils::UNKNOWN_FILE_TYPE;
-  return foreign ? ImportPath(path) : OpenDocument(path, KindOf(path));
+  return foreign ? ImportPath(path) : OpenDocument(path, kind, {});
+}
+
+// A text or DSF file.
+bool CAppFrame::OpenAs(const QString& path, EXTERNDATA kind) {
+  if (app_.IsBusy()) return false;
+  if (CDataWindow* const open = WindowOf(path)) {
+    ActivateWindow(open);
+    return true;
+  }
+  std::optional<ASC2VSF> text;
+  return AskAboutKind(path, kind, text) && OpenDocument(path, kind, text);
+}
+
+// What the file does not say of itself: the group of a DSF file that has several, the order of a
+// matrix file's parts, the number of variables in free format. False when a dialog was cancelled.
+bool CAppFrame::AskAboutKind(const QString& path, EXTERNDATA& kind, std::optional<ASC2VSF>& text) {
+  if (kind.data_type == kDsfFile) {
+    const auto groups = static_cast<int>(std::min<std::int64_t>(
+        CountDsfGroups(PathBytes(path)), std::numeric_limits<std::int32_t>::max()));
+    if (groups < 2) return true;
+    bool chosen = false;
+    const int group = QInputDialog::getInt(
+        this, tr("Group"), tr("The file holds %L1 groups. Group to open:").arg(groups),
+        std::clamp(kind.group + 1, 1, groups), 1, groups, 1, &chosen);
+    kind.group = group - 1;
+    return chosen;
+  }
+  const TEXTFILELOOK look = LookAtTextFile(PathBytes(path));
+  if (!look.readable) return true;  // the document says so
+  const bool asks = !look.statement && kind.fixedFormat == 0;
+  if (kind.ma_type >= 1) {
+    CMatrixTextDlg dialog(kind, asks, look.proposal.variables, this);
+    if (dialog.exec() != QDialog::Accepted) return false;
+    kind = dialog.ChosenKind();
+    if (asks) text = ASC2VSF{dialog.Variables(), false};
+    return true;
+  }
+  if (!asks) return true;
+  CAsc2VSFDlg dialog(look.proposal, true, this);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  text = dialog.Chosen();
+  return true;
 }
 
 void CAppFrame::OpenPaths(const QStringList& paths) {
@@ -94,10 +152,11 @@ void CAppFrame::OpenRecent(const QString& path) {
   OpenPath(path);
 }
 
-bool CAppFrame::OpenDocument(const QString& path, const EXTERNDATA& kind) {
+bool CAppFrame::OpenDocument(const QString& path, const EXTERNDATA& kind,
+                             const std::optional<ASC2VSF>& text) {
   auto window = std::make_unique<CDataWindow>(app_);
   opening_ = window.get();
-  const bool opened = window->Open(path, kind);
+  const bool opened = text ? window->OpenText(path, kind, *text) : window->Open(path, kind);
   opening_ = nullptr;
   if (opened) AddDataWindow(std::move(window));
   return opened;

@@ -40,6 +40,15 @@ bool CDataWindow::Open(const QString& path, const EXTERNDATA& kind) {
   return true;
 }
 
+bool CDataWindow::OpenText(const QString& path, const EXTERNDATA& kind, const ASC2VSF& choice) {
+  const CBusy busy(app_);
+  const CWaitCursor wait;
+  const CString name = PathBytes(QFileInfo(path).absoluteFilePath());
+  if (!document_.OpenFreeFormatFile(name, choice, kind)) return false;
+  table_->SetCurrentCell({0, 0});
+  return true;
+}
+
 bool CDataWindow::Recover(const LeftOverScratch& left) {
   const CBusy busy(app_);
   if (!view_->Recover(left)) return false;

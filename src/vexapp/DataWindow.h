@@ -25,6 +25,8 @@ class CDataWindow final : public CFrameWindow {
 
   // False when the file could not be opened; the user has then been told.
   bool Open(const QString& path, const EXTERNDATA& kind);
+  // The same with a free-format text file, of cases or of a matrix.
+  bool OpenText(const QString& path, const EXTERNDATA& kind, const ASC2VSF& choice);
   // Takes over what a program that ended badly has left behind.
   bool Recover(const LeftOverScratch& left);
   // False when nothing was saved.

@@ -13,6 +13,7 @@
 #include "vexdata/EditArguments.h"
 #include "vexdata/OutputArguments.h"
 #include "vexdata/ProcedureArguments.h"
+#include "vexdata/SourceFile.h"
 #include "vexdata/TerminalHost.h"
 
 namespace {
@@ -76,7 +77,7 @@ class Parser {
   void AddExport() {
     CLI::App* const command =
         app_.add_subcommand("export", "Write the cases to a foreign or text file");
-    command->add_option("DATA", export_.source, "The system data file")->required();
+    AddSourceArguments(*command, export_.source);
     command->add_option("TARGET", export_.target, "The new file; - for standard output")
         ->required();
     command->add_option("--type", export_.type, "Code of the file type (see 'formats')")
@@ -88,27 +89,30 @@ class Parser {
   }
 
   void AddInfo() {
-    CLI::App* const command = app_.add_subcommand("info", "What a system data file describes");
-    command->add_option("DATA", info_, "The system data file")->required();
+    CLI::App* const command = app_.add_subcommand("info", "What a data file describes");
+    AddSourceArguments(*command, info_);
     command->add_flag("--json", json_, "As JSON");
     command->callback([this] { command_ = [this] { return ShowInfo(info_, json_); }; });
   }
 
   void AddShow() {
     CLI::App* const command = app_.add_subcommand("show", "Cells as text, a case a line");
-    command->add_option("DATA", show_.file, "The system data file")->required();
+    AddSourceArguments(*command, show_.source);
     command->add_option("--cases", show_.cases, "For example 1-20, 7 or 100-");
     command->add_option("--variables", show_.variables, "For example age,A1-A5 or 1-3");
     command->callback([this] { command_ = [this] { return ShowCells(show_); }; });
   }
 
   void AddConvert() {
-    CLI::App* const command =
-        app_.add_subcommand("convert", "Write a system data file in a chosen layout");
-    command->add_option("DATA", convert_.source, "The system data file")->required();
+    CLI::App* const command = app_.add_subcommand(
+        "convert", "Write a data set as another kind of file, or in another layout");
+    AddSourceArguments(*command, convert_.source);
     command->add_option("TARGET", convert_.target, "The new file")->required();
-    command->add_option("--layout", convert_.layout, "Names of 8 or of 16 characters")
-        ->required()
+    command->add_option("--to", convert_.to, "vsf, dsf or text; else as TARGET's extension says")
+        ->check(CLI::IsMember({"vsf", "dsf", "text"}));
+    command->add_option("--to-format", convert_.format, "Text: fixed columns, as \"(5F8.2)\"");
+    command
+        ->add_option("--layout", convert_.layout, "System data file: names of 8 or 16 characters")
         ->check(CLI::IsMember({"old", "new"}));
     command->add_flag("--overwrite", convert_.overwrite, "Replace an existing file");
     command->callback([this] { command_ = [this] { return ConvertFile(convert_); }; });
@@ -155,7 +159,7 @@ class Parser {
   CEditArguments edits_{app_, command_};
   bool quiet_ = false;
   bool json_ = false;
-  CString info_;
+  SourceOptions info_;
   ExportOptions export_;
   ImportOptions import_;
   ShowOptions show_;

@@ -20,21 +20,35 @@ struct ImportOptions {
   bool overwrite = false;
 };
 
-struct ShowOptions {
+// The file that a command reads, and what it cannot say of itself.
+struct SourceOptions {
   CString file;
+  CString kind;                // "vsf", "dsf" or "text"; empty: told from the name
+  std::int32_t variables = 0;  // of a text file; 0: not given
+  bool namesOnTop = false;
+  CString format;  // of fixed columns
+  CString parts;   // of a matrix text file
+  bool full = false;
+  std::int32_t group = 1;  // of a DSF file, counted from 1
+};
+
+struct ShowOptions {
+  SourceOptions source;
   CString cases;      // empty: all
   CString variables;  // empty: all
 };
 
 struct ConvertOptions {
-  CString source;
+  SourceOptions source;
   CString target;
-  CString layout;  // "old" or "new"
+  CString to;      // "vsf", "dsf" or "text"; empty: told from the target's name
+  CString layout;  // "old" or "new"; empty: not given
+  CString format;  // of a text file with fixed columns
   bool overwrite = false;
 };
 
 struct ExportOptions {
-  CString source;
+  SourceOptions source;
   CString target;
   int type = -1;      // -1: told from the target's name
   CString delimiter;  // of the text type that has none of its own
@@ -104,7 +118,7 @@ inline constexpr const char* kVariableTypes[] = {"ordinal", "continuous", "censo
 
 int ListFormats(bool json);
 int ImportFile(const ImportOptions& options);
-int ShowInfo(const CString& fileName, bool json);
+int ShowInfo(const SourceOptions& source, bool json);
 int ShowCells(const ShowOptions& options);
 int ConvertFile(const ConvertOptions& options);
 int ExportFile(const ExportOptions& options);

@@ -3,6 +3,7 @@
 #include "host/Host.h"
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
+#include "vexdata/SourceFile.h"
 #include "vexdata/SystemFile.h"
 
 int ExportFile(const ExportOptions& options) {
@@ -23,16 +24,12 @@ int ExportFile(const ExportOptions& options) {
     return kExitUsage;
   }
   if (!toStandardOutput && !MayWrite(options.target, options.overwrite)) return kExitFailed;
-  {
-    CDescriptor file;
-    VsfContents contents;
-    if (!OpenSystemFile(options.source, file, contents)) return kExitFailed;
-  }
   CDataDoc document;
   CDataView view(document);
-  if (!document.OnOpenDbmsDocument(options.source)) return kExitFailed;
+  if (!OpenSource(options.source, document)) return kExitFailed;
   document.SetExportNames(options.names);
   if (!options.delimiter.empty()) document.SetExportDelimiter(options.delimiter.front());
   CString target = options.target;
-  return document.Export(options.source, target, type) == STUtils::eOK ? kExitDone : kExitFailed;
+  return document.Export(options.source.file, target, type) == STUtils::eOK ? kExitDone
+                                                                            : kExitFailed;
 }

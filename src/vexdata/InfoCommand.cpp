@@ -4,10 +4,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "datadoc/DataDoc.h"
+#include "dataview/DataView.h"
 #include "host/Numbers.h"
 #include "host/Text.h"
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
+#include "vexdata/SourceFile.h"
 #include "vexdata/SystemFile.h"
 
 namespace {
@@ -40,6 +43,22 @@ ordered_json CategoriesAsJson(const TORVIKSTRUCT& data, std::size_t index) {
   return list;
 }
 
+// Of a file that has no header word.
+CString NameOfKind(const EXTERNDATA& kind) {
+  if (kind.data_type == kDsfFile) return "DSF file, group " + std::to_string(kind.group + 1);
+  return CString(kind.ma_type >= 1 ? "moment matrix text, " : "text, ") +
+         (kind.fixedFormat != 0 ? "fixed columns " + kind.formatStatement : "free format");
+}
+
+CString LayoutOf(const TORVIKSTRUCT& data) {
+  return data.format == kOldFormat ? "old" : "new";
+}
+
+// The layout is that of a system data file.
+bool IsSystemFile(const VsfContents& contents) {
+  return contents.data.format != kNoFormat;
+}
+
 void PrintJson(const VsfContents& contents) {
   const TORVIKSTRUCT& data = contents.data;
   auto variables = ordered_json::array();
@@ -51,16 +70,17 @@ void PrintJson(const VsfContents& contents) {
                          {"missing", MissingAsJson(variable.missing)},
                          {"categories", CategoriesAsJson(data, i)}});
   }
-  const ordered_json object = {{"header", contents.headerText},
-                               {"layout", data.format == kOldFormat ? "old" : "new"},
-                               {"settings", data.settings},
-                               {"settings_bytes", data.settingsBytes},
-                               {"group_variable", data.groupVariable},
-                               {"weight_variable", data.weightVariable},
-                               {"deletion", data.deletion == kListwise ? "listwise" : "pairwise"},
-                               {"cases", data.records},
-                               {"missing", MissingAsJson(data.missing)},
-                               {"variables", std::move(variables)}};
+  const ordered_json object = {
+      {"header", contents.headerText},
+      {"layout", IsSystemFile(contents) ? ordered_json(LayoutOf(data)) : ordered_json()},
+      {"settings", data.settings},
+      {"settings_bytes", data.settingsBytes},
+      {"group_variable", data.groupVariable},
+      {"weight_variable", data.weightVariable},
+      {"deletion", data.deletion == kListwise ? "listwise" : "pairwise"},
+      {"cases", data.records},
+      {"missing", MissingAsJson(data.missing)},
+      {"variables", std::move(variables)}};
   std::cout << object.dump(2) << '\n';
 }
 
@@ -111,8 +131,8 @@ void PrintVariable(const TORVIKSTRUCT& data, std::size_t index) {
 void PrintText(const CString& fileName, const VsfContents& contents) {
   const TORVIKSTRUCT& data = contents.data;
   std::cout << "File       " << fileName << '\n'
-            << "Header     " << contents.headerText << " ("
-            << (data.format == kOldFormat ? "old" : "new") << " layout)\n"
+            << (IsSystemFile(contents) ? "Header     " : "Kind       ") << contents.headerText
+            << (IsSystemFile(contents) ? " (" + LayoutOf(data) + " layout)\n" : "\n")
             << "Cases      " << data.records;
   if (contents.damaged)
     std::cout << "  (damaged: the header says " << contents.statedRecords << ')';
@@ -126,10 +146,19 @@ void PrintText(const CString& fileName, const VsfContents& contents) {
 
 }  // namespace
 
-int ShowInfo(const CString& fileName, bool json) {
-  CDescriptor file;
+int ShowInfo(const SourceOptions& source, bool json) {
   VsfContents contents;
-  if (!OpenSystemFile(fileName, file, contents)) return kExitFailed;
-  json ? PrintJson(contents) : PrintText(fileName, contents);
+  if (KindOfSource(source) == "vsf") {
+    CDescriptor file;
+    if (!OpenSystemFile(source.file, file, contents)) return kExitFailed;
+  } else {
+    CDataDoc document;
+    const CDataView view(document);
+    if (!OpenSource(source, document)) return kExitFailed;
+    contents.data = *document.GetTorvik();
+    contents.headerText = NameOfKind(document.GetExtern());
+    contents.statedRecords = contents.data.records;
+  }
+  json ? PrintJson(contents) : PrintText(source.file, contents);
   return kExitDone;
 }

@@ -2,11 +2,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "datadoc/DataDoc.h"
 #include "datadoc/Selections.h"
 #include "datadoc/TextDump.h"
+#include "dataview/DataView.h"
 #include "host/Host.h"
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
+#include "vexdata/SourceFile.h"
 #include "vexdata/SystemFile.h"
 
 namespace {
@@ -34,19 +37,28 @@ int ParseRange(const ShowOptions& options, const TORVIKSTRUCT& data, DumpRange& 
   return kExitDone;
 }
 
-}  // namespace
-
-int ShowCells(const ShowOptions& options) {
-  CDescriptor file;
-  VsfContents contents;
+int Print(const ShowOptions& options, const TORVIKSTRUCT& data, int file, std::int64_t offset) {
   DumpRange range;
-  if (!OpenSystemFile(options.file, file, contents)) return kExitFailed;
-  if (const int code = ParseRange(options, contents.data, range); code != kExitDone) return code;
+  if (const int code = ParseRange(options, data, range); code != kExitDone) return code;
   const auto print = [](std::string_view text) {
     return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   };
-  const bool shown = DumpCells(file.Get(), contents.cellsOffset, range, print);
-  if (shown && std::fflush(stdout) == 0) return kExitDone;
-  if (errno != EPIPE) AfxMessageBox(options.file + ": " + std::strerror(errno));
+  if (DumpCells(file, offset, range, print) && std::fflush(stdout) == 0) return kExitDone;
+  if (errno != EPIPE) AfxMessageBox(options.source.file + ": " + std::strerror(errno));
   return kExitFailed;
+}
+
+}  // namespace
+
+int ShowCells(const ShowOptions& options) {
+  if (KindOfSource(options.source) == "vsf") {
+    CDescriptor file;
+    VsfContents contents;
+    if (!OpenSystemFile(options.source.file, file, contents)) return kExitFailed;
+    return Print(options, contents.data, file.Get(), contents.cellsOffset);
+  }
+  CDataDoc document;
+  const CDataView view(document);
+  if (!OpenSource(options.source, document)) return kExitFailed;
+  return Print(options, *document.GetTorvik(), fileno(view.GetScratchStream()), 0);
 }
