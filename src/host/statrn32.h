@@ -57,6 +57,31 @@ int ST_CloseEnvironment(ST_ENV* env);
 // What a format can do. A code without a row is known to neither.
 bool ST_CanRead(std::int32_t type);
 bool ST_CanWrite(std::int32_t type);
+
+// One row of the table of formats. Texts are null where there is nothing to say; the sizes hold for
+// writing, and a count without a limit is the largest of its type.
+struct ST_FORMAT {
+  std::int32_t code;
+  const char* name;
+  bool canRead;
+  bool canWrite;
+  std::int64_t records;
+  std::int64_t variables;
+  std::int64_t nameBytes;
+  std::int64_t textBytes;        // 0: no texts
+  std::int64_t labelBytes;       // of a variable; 0: none
+  std::int64_t valueLabelBytes;  // 0: none
+  double largest;                // number by size
+  const char* dates;             // the kinds of dates that are read
+  const char* variants;          // the versions that are read and written
+  const char* remark;            // what else is lost when it is written
+  const char* notRead;           // why not, and what serves instead
+  const char* instead;           // what to write instead
+};
+// The formats in the order of their codes. ST_GetFormat fails for an index beyond the last.
+int ST_GetNFormats();
+int ST_GetFormat(int index, ST_FORMAT* out);
+
 // The format whose signature the first bytes of a file carry; -1 when none is recognised.
 std::int32_t ST_SniffFile(const char* name);
 
@@ -64,12 +89,25 @@ std::int32_t ST_SniffFile(const char* name);
 // expected. Empty text when there was none; never null.
 const char* ST_GetErrorMsg(ST_ENV* env);
 
+// What the last reading or writing left out or changed, one sentence a fact. Complete once all
+// records were read, or after ST_CloseFiles.
+int ST_GetNNotes(ST_ENV* env);
+const char* ST_GetNote(ST_ENV* env, int index);
+
 // --- Reading ---
 
 // Options of spreadsheet input, kept for the next ST_OpenInputFile: the row that holds the names
 // (counted from 0) and how types are told (2: from all rows).
 int ST_SetWksNameRow(ST_ENV* env, int row);
 int ST_SetWksReadMode(ST_ENV* env, int mode);
+// The encoding, as iconv knows it, of a file that does not name its own; and the sheet, member or
+// table that is wanted of a file with several. Both for the next ST_OpenInputFile; empty: the
+// reader's choice.
+int ST_SetInputEncoding(ST_ENV* env, const char* encoding);
+int ST_SetInputTable(ST_ENV* env, const char* table);
+// The sheets, members or tables of an open file; 0 where the format holds just one.
+int ST_GetNTables(ST_FILE* file);
+const char* ST_GetTableName(ST_FILE* file, int index);
 // 0 when names were found in the names row.
 int ST_GetWksNameStat(ST_FILE* file);
 
@@ -78,7 +116,8 @@ ST_FILE* ST_OpenInputFile(ST_ENV* env, std::int32_t type, const char* name);
 
 // Reads the whole dictionary. Returns the number of variables, negative on failure.
 int ST_ReadDict(ST_FILE* file);
-// Number of records; -1 when the format does not tell before the end.
+// Number of records, of a sheet whose names row was asked for with that row; -1 when the format
+// does not tell before the end.
 std::int64_t ST_GetNCases(ST_FILE* file);
 int ST_SelectAllVars(ST_FILE* file);
 int ST_InitReadOnly(ST_FILE* file);
@@ -124,6 +163,10 @@ int ST_AddUserValueLabel(ST_ENV* env, double value, const char* label);
 int ST_SetNCases(ST_ENV* env, std::int64_t cases);
 int ST_SetSasStyle(ST_ENV* env, int style);
 int ST_DBSetParm(ST_ENV* env, int parameter, int option, const char* value);
+
+// What of the data set described so far a file of this type cannot hold, one sentence a fact.
+int ST_GetNLosses(ST_ENV* env, std::int32_t type);
+const char* ST_GetLoss(ST_ENV* env, int index);
 
 // Null on failure. Names that the format does not allow are changed; ST_GetNRenamed and
 // ST_GetRenamed tell.

@@ -58,6 +58,10 @@ std::int64_t UnitMillis(DATE_KIND kind) {
     case DATE_KIND::DayMonth:
     case DATE_KIND::DayQuarter:
     case DATE_KIND::DayYear:
+    case DATE_KIND::DayMoment:
+    case DATE_KIND::SerialDate:
+    case DATE_KIND::SerialMoment:
+    case DATE_KIND::SerialTime:
       return kDayMillis;
     case DATE_KIND::SecondDate:
     case DATE_KIND::Seconds:
@@ -88,14 +92,25 @@ bool MillisOf(DATE_KIND kind, double value, std::int64_t* millis) {
   return true;
 }
 
+// Spreadsheets that count from 1900 count 1900-02-29, which there never was, as day 60: the days
+// before it stand one further from the epoch than their numbers say.
+std::int64_t LeapDayOf1900(DATE_KIND kind, std::int64_t epochDay, std::int64_t days) {
+  const bool serial = kind == DATE_KIND::SerialDate || kind == DATE_KIND::SerialMoment;
+  return serial && epochDay == kSerialEpochDay && days >= 1 && days < 60 ? 1 : 0;
+}
+
 bool MomentOf(DATE_KIND kind, std::int64_t epochDay, double value, MOMENT* moment) {
   std::int64_t millis = 0;
   if (!MillisOf(kind, value, &millis)) return false;
   const std::int64_t days = FloorDiv(millis, kDayMillis);
-  moment->day = epochDay + days;
+  moment->day = epochDay + days + LeapDayOf1900(kind, epochDay, days);
   moment->millis = millis - days * kDayMillis;
   moment->date = CivilOfDay(moment->day);
   return moment->date.year >= 1 && moment->date.year <= 9999;
+}
+
+bool IsTime(DATE_KIND kind) {
+  return kind == DATE_KIND::TimeOfDay || kind == DATE_KIND::SerialTime;
 }
 
 void AppendPadded(std::int64_t number, std::size_t digits, std::string* out) {
@@ -160,9 +175,12 @@ std::string MomentText(DATE_KIND kind, const MOMENT& moment) {
   switch (kind) {
     case DATE_KIND::DayDate:
     case DATE_KIND::SecondDate:
+    case DATE_KIND::SerialDate:
       return DateText(date);
     case DATE_KIND::Seconds:
     case DATE_KIND::Millis:
+    case DATE_KIND::DayMoment:
+    case DATE_KIND::SerialMoment:
       return DateText(date) + "T" + TimeText(moment.millis);
     case DATE_KIND::DayWeek:
     case DATE_KIND::SecondWeek:
@@ -228,11 +246,15 @@ std::int32_t DisplayOf(DATE_KIND kind) {
       return 0;
     case DATE_KIND::DayDate:
     case DATE_KIND::SecondDate:
+    case DATE_KIND::SerialDate:
       return ST_DISPLAY_DATE;
     case DATE_KIND::TimeOfDay:
+    case DATE_KIND::SerialTime:
       return ST_DISPLAY_TIME;
     case DATE_KIND::Seconds:
     case DATE_KIND::Millis:
+    case DATE_KIND::DayMoment:
+    case DATE_KIND::SerialMoment:
       return ST_DISPLAY_DATETIME;
     default:
       return ST_DISPLAY_OTHER;
@@ -242,7 +264,7 @@ std::int32_t DisplayOf(DATE_KIND kind) {
 bool CalendarParts(DATE_KIND kind, std::int64_t epochDay, double value, std::int32_t* part1,
                    std::int32_t* part2) {
   MOMENT moment;
-  if (!MomentOf(kind, kind == DATE_KIND::TimeOfDay ? 0 : epochDay, value, &moment)) return false;
+  if (!MomentOf(kind, IsTime(kind) ? 0 : epochDay, value, &moment)) return false;
   const std::int32_t display = DisplayOf(kind);
   if (display == ST_DISPLAY_TIME && moment.day != 0) return false;
   const CIVIL& date = moment.date;
@@ -257,7 +279,7 @@ std::string FormatDateValue(DATE_KIND kind, std::int64_t epochDay, double value)
   std::string text;
   std::int64_t millis = 0;
   MOMENT moment;
-  if (kind == DATE_KIND::TimeOfDay || kind == DATE_KIND::Duration) {
+  if (IsTime(kind) || kind == DATE_KIND::Duration) {
     if (MillisOf(kind, value, &millis)) {
       text = kind == DATE_KIND::Duration ? DurationText(millis) : TimeText(millis);
     }
@@ -267,6 +289,14 @@ std::string FormatDateValue(DATE_KIND kind, std::int64_t epochDay, double value)
     text = WholeNumberText(kind, value);
   }
   return text.empty() ? FormatShortest(value) : text;
+}
+
+bool SerialOfDate(std::int64_t year, std::int64_t month, std::int64_t day, double* serial) {
+  if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1 || day > 31) return false;
+  const std::int64_t number = DayOfCivil(year, static_cast<int>(month), static_cast<int>(day));
+  if (CivilOfDay(number).day != day) return false;  // such as 30 February
+  *serial = static_cast<double>(number - kSerialEpochDay);
+  return true;
 }
 
 }  // namespace statrn32

@@ -32,11 +32,39 @@ enum class DATE_KIND : std::uint8_t {
   YearNumber,     // the year itself
   WeekdayNumber,  // 1 (Sunday) to 7
   MonthNumber,    // 1 to 12
+  DayMoment,      // days since the epoch with a fraction, shown as date and time
+  SerialDate,     // the same two in a spreadsheet, which may count 1900-02-29 as a day
+  SerialMoment,
+  SerialTime,  // a fraction of a day, shown as a time
 };
 
 // Days from 1970-01-01 back to the epochs of the families.
-inline constexpr std::int64_t kSpssEpochDay = -141428;  // 1582-10-14
-inline constexpr std::int64_t kSasEpochDay = -3653;     // 1960-01-01; Stata's too
+inline constexpr std::int64_t kSpssEpochDay = -141428;       // 1582-10-14
+inline constexpr std::int64_t kSasEpochDay = -3653;          // 1960-01-01; Stata's too
+inline constexpr std::int64_t kSerialEpochDay = -25569;      // 1899-12-30: spreadsheets, Access
+inline constexpr std::int64_t kSerial1904EpochDay = -24107;  // 1904-01-01: JMP and spreadsheets
+inline constexpr std::int64_t kParadoxEpochDay = -719163;    // 0000-12-31
+inline constexpr std::int64_t kMatlabEpochDay = -719529;     // the day before 0000-01-01
+
+// Formats that write dates as text or as calendar numbers (dBASE, HTML, SQL) give them as serial
+// numbers from kSerialEpochDay: whole days, the time of day as a fraction.
+//
+// The serial number of a day; false when there is no such day or the year is not 1 to 9999.
+bool SerialOfDate(std::int64_t year, std::int64_t month, std::int64_t day, double* serial);
+
+// A date, a time or both as ISO 8601 writes them ("2020-01-31", "13:45:10.5",
+// "2020-01-31 13:45" with a blank or a T; a closing Z is left out of account). None when `text` is
+// anything else.
+struct ISO_MOMENT {
+  DATE_KIND kind = DATE_KIND::None;  // SerialDate, SerialMoment or SerialTime
+  double serial = 0;
+};
+ISO_MOMENT ParseIsoMoment(std::string_view text);
+
+// What a spreadsheet's number format shows ("dd.mm.yyyy", "[h]:mm:ss", "0.00"): SerialDate,
+// SerialMoment, SerialTime or None. Texts in quotes, in brackets and behind a backslash do not
+// count.
+DATE_KIND SheetDateKind(std::string_view format);
 
 // ST_DISPLAY_... of a kind; 0 for None.
 std::int32_t DisplayOf(DATE_KIND kind);

@@ -28,6 +28,7 @@ struct ST_FILE {
     std::int32_t display;
   };
   std::vector<COLUMN> columns;
+  std::vector<std::string> tables;
 
   // Of an output file.
   std::unique_ptr<statrn32::CWriter> writer;
@@ -40,6 +41,9 @@ struct ST_ENV {
   std::string error;
   std::unique_ptr<ST_FILE> input;
   std::unique_ptr<ST_FILE> output;
+  statrn32::READ_OPTIONS options;   // for the next input file
+  std::vector<std::string> notes;   // of files already read or closed
+  std::vector<std::string> losses;  // as ST_GetNLosses found them
   statrn32::DICTIONARY userDictionary;
   int userVariables = 0;  // announced; described ones stand in the dictionary
   std::int64_t cases = -1;
@@ -49,5 +53,8 @@ namespace statrn32 {
 
 // Stores the text of an error and gives `result`.
 int FailWith(ST_ENV* env, std::string text, int result = -1);
+
+// A text of a list; empty for an index that it does not have.
+const char* TextAt(const std::vector<std::string>& texts, int index);
 
 }  // namespace statrn32

@@ -1,5 +1,6 @@
 #include "statrn32/Formats.h"
 
+#include "statrn32/DbfFiles.h"
 #include "statrn32/SasFiles.h"
 #include "statrn32/SpssFiles.h"
 #include "statrn32/StataFiles.h"
@@ -16,45 +17,102 @@ bool IsMatlab(std::string_view first) {
   return first.substr(0, 10) == "MATLAB 5.0";
 }
 
+// Why a format is not read or written, and what serves instead.
+constexpr const char* kSasInstead =
+    "Please write a SAS Transport File (*.stx) or a SAS Program & Data File (*.sas), which that "
+    "program opens";
+constexpr const char* kSasV6NotRead =
+    "Its layout has never been published. Please write the data set as a SAS Transport File "
+    "(*.stx) there, which is read here";
+constexpr const char* kAccessInstead = "Please write comma delimited text, which Access imports";
+constexpr const char* kTextInstead =
+    "Please write comma delimited text (*.csv), which that program imports";
+constexpr const char* kLimdepNotRead =
+    "Its layout has never been published. Please write the data as comma delimited text (*.csv) "
+    "there";
+constexpr const char* kMinesetNotRead =
+    "Please bring its data file along as tab delimited text (*.txt), which it is";
+
 // In the order of the codes.
 constexpr FORMAT kFormats[] = {
-    {0, "Lotus 1-2-3", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {6, "dBASE", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {7, "Excel", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {9, "Gauss", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {10, "Paradox", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {11, "Quattro Pro", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {12, "SAS Transport File", IsTransport, ReadTransport, WriteTransport, &kTransportNames,
-     nullptr},
-    {13, "SPSS Portable File", IsPor, ReadPor, WritePor, &kPorNames, nullptr},
-    {14, "Stata", IsDta, ReadDta, WriteDta, &kDtaNames, nullptr},
-    {16, "Systat", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {17, "S-Plus", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {20, "SAS V6 Data File", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {21, "SigmaPlot File", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {22, "SPSS Data File", IsSav, ReadSav, WriteSav, &kSavNames, nullptr},
-    {23, "Access", IsAccess, nullptr, nullptr, nullptr,
-     "Please write comma delimited text, which Access imports"},
-    {25, "SQL Server (Sybase)", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {27, "Informix", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {28, "SQL Server (Microsoft)", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {29, "Matlab Matrix", IsMatlab, nullptr, nullptr, nullptr, nullptr},
-    {30, "Statistica", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {31, "HTML Table", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {32, "Epi Info", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {33, "LIMDEP for Windows", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {34, "Mineset", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {35, "JMP", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {36, "OSIRIS", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {37, "Minitab", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {38, "SAS Data File - Versions 7/8/9", IsSas7bdat, ReadSas7bdat, nullptr, nullptr,
-     "Please write a SAS Transport File (*.stx) or a SAS Program & Data File (*.sas), which that "
-     "program opens"},
-    {39, "SPSS 'Syntax' & Data File", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {40, "SAS Program & Data File", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {41, "Stata Program & Data File", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {42, "Oracle", nullptr, nullptr, nullptr, nullptr, nullptr},
-    {44, "DB2", nullptr, nullptr, nullptr, nullptr, nullptr},
+    {.code = 0, .name = "Lotus 1-2-3"},
+    {.code = 6,
+     .name = "dBASE",
+     .recognises = IsDbf,
+     .reader = ReadDbf,
+     .writer = WriteDbf,
+     .names = &kDbfNames,
+     .limits = &kDbfLimits,
+     .dates = "dates, date-times",
+     .variants = "dBASE II to 7 and FoxPro with memos; written as dBASE III"},
+    {.code = 7, .name = "Excel"},
+    {.code = 9, .name = "Gauss"},
+    {.code = 10, .name = "Paradox"},
+    {.code = 11, .name = "Quattro Pro"},
+    {.code = 12,
+     .name = "SAS Transport File",
+     .recognises = IsTransport,
+     .reader = ReadTransport,
+     .writer = WriteTransport,
+     .names = &kTransportNames,
+     .limits = &kTransportLimits,
+     .dates = "dates, times, date-times",
+     .variants = "versions 5 and 8; written as version 5"},
+    {.code = 13,
+     .name = "SPSS Portable File",
+     .recognises = IsPor,
+     .reader = ReadPor,
+     .writer = WritePor,
+     .names = &kPorNames,
+     .limits = &kPorLimits,
+     .dates = "dates, times, date-times"},
+    {.code = 14,
+     .name = "Stata",
+     .recognises = IsDta,
+     .reader = ReadDta,
+     .writer = WriteDta,
+     .names = &kDtaNames,
+     .limits = &kDtaLimits,
+     .dates = "dates, date-times, weeks, months, quarters, years",
+     .variants = "versions 104 to 119; written as version 118"},
+    {.code = 16, .name = "Systat"},
+    {.code = 17, .name = "S-Plus"},
+    {.code = 20, .name = "SAS V6 Data File", .notRead = kSasV6NotRead, .instead = kSasInstead},
+    {.code = 21, .name = "SigmaPlot File"},
+    {.code = 22,
+     .name = "SPSS Data File",
+     .recognises = IsSav,
+     .reader = ReadSav,
+     .writer = WriteSav,
+     .names = &kSavNames,
+     .limits = &kSavLimits,
+     .dates = "dates, times, date-times, weeks, months, quarters",
+     .variants = "plain, compressed and .zsav"},
+    {.code = 23, .name = "Access", .recognises = IsAccess, .instead = kAccessInstead},
+    {.code = 25, .name = "SQL Server (Sybase)"},
+    {.code = 27, .name = "Informix"},
+    {.code = 28, .name = "SQL Server (Microsoft)"},
+    {.code = 29, .name = "Matlab Matrix", .recognises = IsMatlab},
+    {.code = 30, .name = "Statistica"},
+    {.code = 31, .name = "HTML Table"},
+    {.code = 32, .name = "Epi Info"},
+    {.code = 33, .name = "LIMDEP for Windows", .notRead = kLimdepNotRead, .instead = kTextInstead},
+    {.code = 34, .name = "Mineset", .notRead = kMinesetNotRead, .instead = kTextInstead},
+    {.code = 35, .name = "JMP"},
+    {.code = 36, .name = "OSIRIS"},
+    {.code = 37, .name = "Minitab"},
+    {.code = 38,
+     .name = "SAS Data File - Versions 7/8/9",
+     .recognises = IsSas7bdat,
+     .reader = ReadSas7bdat,
+     .dates = "dates, times, date-times",
+     .variants = "uncompressed and compressed; labels from the catalogue beside the file",
+     .instead = kSasInstead},
+    {.code = 39, .name = "SPSS 'Syntax' & Data File"},
+    {.code = 40, .name = "SAS Program & Data File"},
+    {.code = 41, .name = "Stata Program & Data File"},
+    {.code = 42, .name = "Oracle"},
+    {.code = 44, .name = "DB2"},
 };
 
 // Names of the formats that can do something, for a message.
@@ -124,8 +182,10 @@ std::string WhyNotRecognised(std::int32_t code, std::string_view first) {
 std::string CannotReadText(std::int32_t code) {
   const FORMAT* const format = FindFormat(code);
   if (format == nullptr) return UnknownText(code);
-  return "Files of the type \"" + std::string(format->name) + "\" are not read. Types that are: " +
-         NamesWhere([](const FORMAT& f) { return f.reader != nullptr; });
+  const std::string text = "Files of the type \"" + std::string(format->name) + "\" are not read. ";
+  if (format->notRead != nullptr) return text + format->notRead;
+  return text +
+         "Types that are: " + NamesWhere([](const FORMAT& f) { return f.reader != nullptr; });
 }
 
 std::string CannotWriteText(std::int32_t code) {

@@ -29,6 +29,13 @@ struct RECORD_BLOCK {
   }
 };
 
+// What the caller asked for before a file is opened.
+struct READ_OPTIONS {
+  int nameRow = -1;      // the row of a sheet that holds the names; -1: not asked for
+  std::string encoding;  // of a file that does not name its own, as iconv knows it; empty: guessed
+  std::string table;     // the sheet, member or table wanted; empty: the reader's choice
+};
+
 // Used from one thread. A failure is told by Error(): one sentence with file, place and what was
 // expected.
 class CReader {
@@ -38,12 +45,21 @@ class CReader {
   CReader(const CReader&) = delete;
   CReader& operator=(const CReader&) = delete;
 
+  void SetOptions(const READ_OPTIONS& options) { options_ = options; }
   // Opens the file and looks at its first bytes.
   virtual bool Open(const std::string& name) = 0;
   virtual bool ReadDictionary(DICTIONARY* out) = 0;
   // The next records, valid until the next call; null at the end (Error() is empty) and on failure.
   // Records that could be read before a damaged place are given first.
   virtual const RECORD_BLOCK* NextBlock() = 0;
+  // The sheets, members or tables of an open file, of which one is read; empty where a format holds
+  // just one.
+  virtual std::vector<std::string> Tables() const { return {}; }
+  // Were the names of the variables found in the first row of a sheet?
+  virtual bool NamesFound() const { return false; }
+  // What had to be left out or was changed, one sentence a fact; complete at the end of the
+  // records.
+  virtual std::vector<std::string> Notes() const { return {}; }
   // 0 to 1; negative when unknown.
   virtual double Progress() const { return -1; }
   // Day number of the dates' epoch, counted from 1970-01-01.
@@ -54,12 +70,14 @@ class CReader {
   const std::string& Error() const { return error_; }
 
  protected:
+  const READ_OPTIONS& Options() const { return options_; }
   bool Fail(std::string error) {
     error_ = std::move(error);
     return false;
   }
 
  private:
+  READ_OPTIONS options_;
   std::string error_;
 };
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "host/Numbers.h"
 #include "statrn32/Environment.h"
@@ -49,26 +50,53 @@ int NextBlock(ST_FILE* file) {
     return 1;
   }
   file->ended = true;
+  file->env->notes = file->reader->Notes();
   return file->reader->Error().empty() ? 0 : FailWith(file->env, file->reader->Error());
 }
 
 }  // namespace
 
-// Kept for the formats that have rows of names.
-int ST_SetWksNameRow(ST_ENV* env, int /*row*/) {
-  return env != nullptr ? 0 : -1;
+int ST_SetWksNameRow(ST_ENV* env, int row) {
+  if (env == nullptr) return -1;
+  env->options.nameRow = row;
+  return 0;
 }
+
+// Types are always told from all rows.
 int ST_SetWksReadMode(ST_ENV* env, int /*mode*/) {
   return env != nullptr ? 0 : -1;
 }
-int ST_GetWksNameStat(ST_FILE* /*file*/) {
-  return -1;
+
+int ST_GetWksNameStat(ST_FILE* file) {
+  return file != nullptr && file->reader && file->reader->NamesFound() ? 0 : -1;
+}
+
+int ST_SetInputEncoding(ST_ENV* env, const char* encoding) {
+  if (env == nullptr || encoding == nullptr) return -1;
+  env->options.encoding = encoding;
+  return 0;
+}
+
+int ST_SetInputTable(ST_ENV* env, const char* table) {
+  if (env == nullptr || table == nullptr) return -1;
+  env->options.table = table;
+  return 0;
+}
+
+int ST_GetNTables(ST_FILE* file) {
+  return file != nullptr ? static_cast<int>(file->tables.size()) : -1;
+}
+
+const char* ST_GetTableName(ST_FILE* file, int index) {
+  return file != nullptr ? statrn32::TextAt(file->tables, index) : "";
 }
 
 ST_FILE* ST_OpenInputFile(ST_ENV* env, std::int32_t type, const char* name) {
   if (env == nullptr) return nullptr;
   env->error.clear();
   env->input.reset();
+  env->notes.clear();
+  const statrn32::READ_OPTIONS options = std::exchange(env->options, {});
   if (name == nullptr || *name == '\0') {
     FailWith(env, "No file name was given");
     return nullptr;
@@ -81,10 +109,12 @@ ST_FILE* ST_OpenInputFile(ST_ENV* env, std::int32_t type, const char* name) {
     auto file = std::make_unique<ST_FILE>();
     file->env = env;
     file->reader = statrn32::FindFormat(type)->reader();
+    file->reader->SetOptions(options);
     if (!file->reader->Open(name)) {
       FailWith(env, file->reader->Error());
       return nullptr;
     }
+    file->tables = file->reader->Tables();
     env->input = std::move(file);
   } catch (const std::bad_alloc&) {
     FailWith(env, std::string(name) + ": not enough memory");

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "host/Text.h"
+#include "statrn32/BesideFile.h"
+#include "statrn32/Formats.h"
 #include "statrn32/HeaderBytes.h"
 #include "statrn32/ReadStatDictionary.h"
 #include "statrn32/ReadStatReader.h"
@@ -13,8 +15,6 @@
 
 namespace statrn32 {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::string_view kSasMagic(
     "\0\0\0\0\0\0\0\0\0\0\0\0\xc2\xea\x81\x60\xb3\x14\x11\xcf\xbd\x92\x08\0\x09\xc7\x31\x8c\x18\x1f"
@@ -95,20 +95,9 @@ constexpr READSTAT_FORMAT kCatalogue = {
 // "stem.sas7bcat" or "stem_formats.sas7bcat" in the same folder, in either case; empty when there
 // is none.
 std::string FindCatalogue(const std::string& file) {
-  const fs::path path(file);
-  const std::string stem = path.stem().string();
-  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
-  std::error_code failed;
-  for (const std::string& wanted : {stem + ".sas7bcat", stem + "_formats.sas7bcat"}) {
-    if (fs::is_regular_file(folder / wanted, failed)) return (folder / wanted).string();
-    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end;
-         entry.increment(failed)) {
-      if (EqualIgnoringCase(entry->path().filename().string(), wanted)) {
-        return entry->path().string();
-      }
-    }
-  }
-  return {};
+  const std::string stem = std::filesystem::path(file).stem().string();
+  const std::string catalogue = FindInFolderOf(file, stem + ".sas7bcat");
+  return catalogue.empty() ? FindInFolderOf(file, stem + "_formats.sas7bcat") : catalogue;
 }
 
 // A variable names its format with a width ("GENDER1."), the catalogue without.
@@ -182,6 +171,11 @@ constexpr std::string_view kReserved[] = {
 }  // namespace
 
 constexpr NAME_RULES kTransportNames = {8, "_", "_", true, true, false, kReserved};
+constexpr LIMITS kTransportLimits = {.records = kMostRecords,
+                                     .variables = 9999,
+                                     .textBytes = 200,
+                                     .labelBytes = 40,
+                                     .largest = kLargestTransport};
 
 bool IsSas7bdat(std::string_view first) {
   return first.substr(0, 32) == kSasMagic;

@@ -11,6 +11,8 @@
 
 namespace statrn32 {
 
+struct LIMITS;
+
 bool IsSas7bdat(std::string_view first);
 bool IsTransport(std::string_view first);
 
@@ -20,5 +22,6 @@ std::unique_ptr<CReader> ReadTransport();
 std::unique_ptr<CWriter> WriteTransport();
 
 extern const NAME_RULES kTransportNames;
+extern const LIMITS kTransportLimits;
 
 }  // namespace statrn32

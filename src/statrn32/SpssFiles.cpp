@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/Text.h"
+#include "statrn32/Formats.h"
 #include "statrn32/HeaderBytes.h"
 #include "statrn32/ReadStatReader.h"
 #include "statrn32/ReadStatWriter.h"
@@ -195,6 +196,17 @@ constexpr std::string_view kReserved[] = {"ALL", "AND", "BY",  "EQ", "GE", "GT",
 
 constexpr NAME_RULES kSavNames = {64, "@", "@._$#", false, false, false, kReserved};
 constexpr NAME_RULES kPorNames = {8, "@", "@._$#", true, true, false, kReserved};
+constexpr LIMITS kSavLimits = {.records = kMostRecords,
+                               .textBytes = 255,
+                               .labelBytes = 255,
+                               .valueLabelBytes = 120,
+                               .largest = kLargestSav};
+constexpr LIMITS kPorLimits = {.records = kMostRecords,
+                               .textBytes = 255,
+                               .labelBytes = 255,
+                               .valueLabelBytes = 60,
+                               .largest = kLargestPor,
+                               .remark = "Letters outside ASCII become the nearest ones."};
 
 bool IsSav(std::string_view first) {
   const std::string_view magic = first.substr(0, 4);

@@ -10,6 +10,8 @@
 
 namespace statrn32 {
 
+struct LIMITS;
+
 bool IsSav(std::string_view first);
 bool IsPor(std::string_view first);
 
@@ -21,6 +23,8 @@ std::unique_ptr<CWriter> WriteSav();
 std::unique_ptr<CWriter> WritePor();
 
 extern const NAME_RULES kSavNames;
+extern const LIMITS kSavLimits;
 extern const NAME_RULES kPorNames;
+extern const LIMITS kPorLimits;
 
 }  // namespace statrn32

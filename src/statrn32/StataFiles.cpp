@@ -3,6 +3,7 @@
 #include <readstat.h>
 #include <string>
 
+#include "statrn32/Formats.h"
 #include "statrn32/HeaderBytes.h"
 #include "statrn32/ReadStatReader.h"
 #include "statrn32/ReadStatWriter.h"
@@ -99,6 +100,13 @@ constexpr std::string_view kReserved[] = {"_all", "_b",    "byte", "_coef", "_co
 }  // namespace
 
 constexpr NAME_RULES kDtaNames = {32, "_", "_", true, false, true, kReserved, true};
+constexpr LIMITS kDtaLimits = {.records = kMostRecords,
+                               .variables = 32767,
+                               .textBytes = 2045,
+                               .labelBytes = 320,
+                               .valueLabelBytes = 32000,
+                               .largest = kLargestNumber,
+                               .remark = "Value labels of numbers that are not whole are lost."};
 
 bool IsDta(std::string_view first) {
   if (first.substr(0, kTagged.size()) == kTagged) return true;

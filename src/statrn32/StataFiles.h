@@ -10,6 +10,8 @@
 
 namespace statrn32 {
 
+struct LIMITS;
+
 bool IsDta(std::string_view first);
 
 std::unique_ptr<CReader> ReadDta();
@@ -17,5 +19,6 @@ std::unique_ptr<CReader> ReadDta();
 std::unique_ptr<CWriter> WriteDta();
 
 extern const NAME_RULES kDtaNames;
+extern const LIMITS kDtaLimits;
 
 }  // namespace statrn32

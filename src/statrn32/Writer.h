@@ -32,6 +32,9 @@ class CWriter {
   // Completes the file. Fails too when the number of records is not the one announced.
   virtual bool Finish() = 0;
 
+  // What could not be held as it was, one sentence a fact; complete after Finish.
+  virtual std::vector<std::string> Notes() const { return {}; }
+
   const std::string& Error() const { return error_; }
 
  protected:

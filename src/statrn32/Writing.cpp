@@ -125,10 +125,22 @@ int ST_DBSetParm(ST_ENV* env, int /*parameter*/, int /*option*/, const char* /*v
   return env != nullptr ? 0 : -1;
 }
 
+int ST_GetNLosses(ST_ENV* env, std::int32_t type) {
+  const FORMAT* const format = statrn32::FindFormat(type);
+  if (env == nullptr || format == nullptr) return -1;
+  env->losses = statrn32::LossesOf(*format, env->userDictionary, env->cases);
+  return static_cast<int>(env->losses.size());
+}
+
+const char* ST_GetLoss(ST_ENV* env, int index) {
+  return env != nullptr ? statrn32::TextAt(env->losses, index) : "";
+}
+
 ST_FILE* ST_OpenOutFile(ST_ENV* env, std::int32_t type, const char* name) {
   if (env == nullptr) return nullptr;
   env->error.clear();
   env->output.reset();
+  env->notes.clear();
   if (name == nullptr || *name == '\0') {
     FailWith(env, "No file name was given");
     return nullptr;

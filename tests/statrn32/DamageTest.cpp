@@ -54,7 +54,7 @@ class Damage : public testing::TestWithParam<Format> {
 INSTANTIATE_TEST_SUITE_P(Formats, Damage,
                          testing::Values(Format{22, "t.sav"}, Format{22, "t.zsav"},
                                          Format{13, "t.por"}, Format{14, "t.dta"},
-                                         Format{12, "t.xpt"}));
+                                         Format{12, "t.xpt"}, Format{6, "t.dbf"}));
 
 TEST_P(Damage, EveryTruncationGivesAnErrorOrFewerRecords) {
   for (std::size_t size = 0; size < whole_.size(); ++size) {

@@ -133,6 +133,16 @@ TEST(Dates, NumbersBecomeCalendarPartsAndText) {
       {K::WeekdayNumber, kSpssEpochDay, 1, false, 0, 0, "Sunday"},
       {K::WeekdayNumber, kSpssEpochDay, 8, false, 0, 0, "8"},
       {K::MonthNumber, kSpssEpochDay, 12, false, 0, 0, "December"},
+      {K::SerialDate, kSerialEpochDay, 1, true, 19000101, 0, "1900-01-01"},
+      {K::SerialDate, kSerialEpochDay, 59, true, 19000228, 0, "1900-02-28"},
+      {K::SerialDate, kSerialEpochDay, 61, true, 19000301, 0, "1900-03-01"},
+      {K::SerialDate, kSerial1904EpochDay, 1, true, 19040102, 0, "1904-01-02"},
+      {K::SerialMoment, kSerialEpochDay, 41689.604166666664, true, 20140219, 52200000,
+       "2014-02-19T14:30:00"},
+      {K::SerialTime, kSerialEpochDay, 0.75, true, 0, 64800000, "18:00:00"},
+      {K::DayMoment, kSerialEpochDay, 44532, true, 20211202, 0, "2021-12-02T00:00:00"},
+      {K::DayDate, kParadoxEpochDay, 1, true, 10101, 0, "0001-01-01"},
+      {K::DayDate, kMatlabEpochDay, 719529, true, 19700101, 0, "1970-01-01"},
       {K::Seconds, kSpssEpochDay, 6306150067200.0, false, 0, 0, "6306150067200"},
   };
   for (const auto& c : cases) {
@@ -162,6 +172,53 @@ TEST(Dates, EveryDayFollowsTheOneBefore) {
     before = part1;
   }
   EXPECT_EQ(before, 99991231);
+}
+
+TEST(Dates, TextsOfDatesAreRead) {
+  const struct {
+    const char* text;
+    DATE_KIND kind;
+    double serial;
+  } cases[] = {
+      {"2020-01-31", K::SerialDate, 43861},
+      {"1899-12-29", K::SerialDate, -1},
+      {"2014-02-19T14:30", K::SerialMoment, 41689 + 52200.0 / 86400},
+      {"2014-02-19 14:30:00Z", K::SerialMoment, 41689 + 52200.0 / 86400},
+      {"06:00:00.5", K::SerialTime, 21600.5 / 86400},
+      {"2020-02-30", K::None, 0},
+      {"2020-13-01", K::None, 0},
+      {"2020-01-31 ", K::None, 0},
+      {"2020-01-31T25:00", K::None, 0},
+      {"20200131", K::None, 0},
+      {"1:2", K::None, 0},
+      {"", K::None, 0},
+  };
+  for (const auto& c : cases) {
+    const ISO_MOMENT moment = ParseIsoMoment(c.text);
+    EXPECT_EQ(moment.kind, c.kind) << c.text;
+    if (c.kind == K::None) continue;
+    EXPECT_DOUBLE_EQ(moment.serial, c.serial) << c.text;
+  }
+}
+
+TEST(Dates, NumberFormatsOfSheetsTellTheirKind) {
+  const std::pair<const char*, DATE_KIND> cases[] = {
+      {"General", K::None},
+      {"0.00", K::None},
+      {"#,##0 \"days\"", K::None},
+      {"[Red]0", K::None},
+      {"0.0E+00", K::None},
+      {"@", K::None},
+      {"yyyy-mm-dd", K::SerialDate},
+      {"[$-407]d. mmmm yyyy;@", K::SerialDate},
+      {"mmm", K::SerialDate},
+      {"m/d/yy h:mm", K::SerialMoment},
+      {"YYYY\\-MM\\-DD\\ HH:MM:SS", K::SerialMoment},
+      {"[h]:mm:ss", K::SerialTime},
+      {"mm:ss.0", K::SerialTime},
+      {"hh:mm AM/PM", K::SerialTime},
+  };
+  for (const auto& [format, kind] : cases) EXPECT_EQ(SheetDateKind(format), kind) << format;
 }
 
 }  // namespace

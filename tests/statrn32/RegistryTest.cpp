@@ -18,7 +18,7 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
     bool write;
   } types[] = {
       {23, "Access", false, false},
-      {6, "dBASE", false, false},
+      {6, "dBASE", true, true},
       {7, "Excel", false, false},
       {32, "Epi Info", false, false},
       {9, "Gauss", false, false},
