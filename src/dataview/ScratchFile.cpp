@@ -87,13 +87,29 @@ bool ReadDescription(const CString& scratchName, LeftOverScratch& found) {
 
 }  // namespace
 
-CWorkFile::CWorkFile() : name_(GetTempName(kPrefix)) {
+// Without a name, where the file system can do that, so that a crash leaves nothing behind.
+CWorkFile::CWorkFile() : descriptor_(OpenUnnamedTemporary()) {
+  if (descriptor_ >= 0) {
+    flock(descriptor_, LOCK_EX | LOCK_NB);
+    return;
+  }
+  name_ = GetTempName(kPrefix);
   if (!name_.empty()) descriptor_ = OpenLocked(name_);
 }
 
 CWorkFile::~CWorkFile() {
   if (!name_.empty()) unlink(name_.c_str());
   if (descriptor_ >= 0) close(descriptor_);
+}
+
+bool CWorkFile::TakeName() {
+  if (!name_.empty()) return true;
+  CString name = GetTempName(kPrefix);
+  if (name.empty() || unlink(name.c_str()) != 0) return false;
+  const CString open = "/proc/self/fd/" + std::to_string(descriptor_);
+  if (linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0) return false;
+  name_ = std::move(name);
+  return true;
 }
 
 CScratchFile::CScratchFile() : name_(GetTempName(kPrefix)) {
@@ -130,6 +146,7 @@ bool CScratchFile::IsInPlace() const {
 }
 
 bool CScratchFile::Replace(CWorkFile& work) {
+  if (!work.TakeName()) return false;
   // The cells are not those any more that the description speaks of.
   RemoveDescription(name_);
   if (!Exchange(work.name_, name_)) {

@@ -25,7 +25,9 @@ class CWorkFile {
 
  private:
   friend class CScratchFile;
-  CString name_;
+  bool TakeName();
+
+  CString name_;  // empty: it has none yet
   int descriptor_ = -1;
 };
 
