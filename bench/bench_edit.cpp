@@ -93,6 +93,7 @@ void TimeEdit(CDataView& view, const Edit& edit, const Options& options) {
 }
 
 void Run(const Options& options) {
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);
   // The scratch file and the copies lie in the same file system.
   setenv("TMPDIR", options.folder.c_str(), 1);
   CDataDoc document;
