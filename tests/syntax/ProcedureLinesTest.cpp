@@ -98,6 +98,26 @@ TEST(ProcedureLines, AreTheChoices) {
   }
 }
 
+TEST(ProcedureLines, ComputedNamesThatNoLineCanHoldAreNumbers) {
+  TORVIKSTRUCT data = SixVariables();
+  data.variable[1].name = "two words";
+  data.variable[2].name =
+      "Gr\xf6\xdf"
+      "e in cm, m\xfc";  // 16 bytes in the file, more as shown
+  const struct {
+    const char* target;
+    const char* line;
+  } cases[] = {{"two words", "NE 2 = 1"},
+               {"Gr\u00f6\u00dfe in cm, m\u00fc", "NE 3 = 1"},
+               {" o1", "NE o1 = 1"},
+               {"new", "NE new = 1"}};
+  for (const auto& c : cases) {
+    const ComputeChoices choices{{{c.target, "1"}}, "n.VSF"};
+    EXPECT_EQ(TextOf(data, choices).lines.front(), c.line);
+    EXPECT_FALSE(CheckChoices(data, choices)) << c.target;
+  }
+}
+
 TEST(ProcedureLines, SelectionLinesHave78Characters) {
   const auto select = [](std::int32_t count) {
     const TORVIKSTRUCT data = Numbered(count);

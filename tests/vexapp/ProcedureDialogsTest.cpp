@@ -344,6 +344,35 @@ TEST_F(AppFrameTest, StatisticsCommandsOpenTheirDialogsAndRememberTheirChoices) 
   EXPECT_TRUE(driver.AllAnswered());
 }
 
+bool TakesTab(const QWidget& widget) {
+  return widget.isVisible() && widget.isEnabled() && (widget.focusPolicy() & Qt::TabFocus) != 0;
+}
+
+TEST_F(ProcedureDialogs, TabbingStartsAtTheTopAndNoMnemonicStandsTwice) {
+  for (const ProcedureEntry& procedure : Procedures()) {
+    const auto dialog = Open(procedure.initial);
+    dialog->show();
+    const QWidget* first = dialog->nextInFocusChain();
+    while (first != dialog.get() && !TakesTab(*first)) first = first->nextInFocusChain();
+    const int top = first->mapTo(dialog.get(), QPoint(0, 0)).y();
+    QString letters;
+    for (const QWidget* widget : dialog->findChildren<QWidget*>()) {
+      if (TakesTab(*widget)) {
+        EXPECT_GE(widget->mapTo(dialog.get(), QPoint(0, 0)).y(), top) << procedure.title;
+      }
+      const QString text = widget->isVisible() ? widget->property("text").toString() : QString();
+      const qsizetype mark = text.indexOf('&');
+      if (mark >= 0) letters += text[mark + 1].toLower();
+    }
+    // These two texts of the censored regression are as they are.
+    if (procedure.command == 34065) letters.remove(letters.lastIndexOf('v'), 1);
+    for (const QChar letter : letters) {
+      EXPECT_EQ(letters.count(letter), 1)
+          << procedure.title << ' ' << QString(letter).toStdString();
+    }
+  }
+}
+
 TEST_F(ProcedureDialogs, NewDataNeverTakeAFileUnasked) {
   WriteBytes(folder / "there.VSF", "x");
   const auto dialog = Open(ComputeChoices{{{"y", "A + 1"}}, "survey.VSF"});

@@ -181,7 +181,7 @@ void CDataComputeDlg::ShowCurrent() {
 void CDataComputeDlg::TakeEdits() {
   QString expression = expression_->toPlainText();
   expression.replace('\n', ' ');
-  Current() = {TextForFile(target_->text().toStdString()), TextForFile(expression.toStdString())};
+  Current() = {target_->text().toStdString(), expression.toStdString()};
   list_->currentItem()->setText(ItemText(Current()));
   Form().TellChange();
 }

@@ -61,7 +61,7 @@ void CProbitDlg::Refresh() {
   enable(marginalButton_, choices_.fixedThresholds, tr("Thresholds are fixed already"));
   enable(fixButton_, choices_.marginalThresholds, tr("Marginal thresholds are chosen already"));
   QStringList lines;
-  AddLine(tr("Covariates "), choices_.x, lines);
+  if (!choices_.declareFixed) AddLine(tr("Covariates "), choices_.x, lines);
   AddLine(tr("Fix threshold for "), choices_.fixedThresholds, lines);
   AddLine(tr("Marginal threshold for "), choices_.marginalThresholds, lines);
   summary_->setText(lines.join('\n'));

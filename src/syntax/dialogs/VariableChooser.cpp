@@ -34,15 +34,16 @@ CVariableChooser::CVariableChooser(const TORVIKSTRUCT& dataSet, const QString& t
 
 void CVariableChooser::BuildSource(const QString& title) {
   auto* const label = new QLabel(title, this);
+  // In the order of tabbing.
+  source_ = new CVariableList(data_, this);
+  source_->setObjectName("variableList");
+  source_->setAccessibleName(QString(title).remove('&'));
+  source_->setMinimumWidth(kListWidth);
   auto* const find = new QLineEdit(this);
   find->setObjectName("findEdit");
   find->setPlaceholderText(tr("Find a variable"));
   find->setClearButtonEnabled(true);
   find->setAccessibleName(tr("Find a variable"));
-  source_ = new CVariableList(data_, this);
-  source_->setObjectName("variableList");
-  source_->setAccessibleName(QString(title).remove('&'));
-  source_->setMinimumWidth(kListWidth);
   std::vector<int> all(static_cast<std::size_t>(std::max(data_.variables, 0)));
   std::iota(all.begin(), all.end(), 0);
   source_->ShowVariables(all);
@@ -85,18 +86,19 @@ int CVariableChooser::AddTarget(const ChooserTarget& target, int group) {
 
 void CVariableChooser::BuildTarget(Target& target, int row) {
   auto* const label = new QLabel(target.what.title, this);
-  target.list = new CVariableList(data_, this);
   const QString name = QString("list%1").arg(row / 2);
+  // In the order of tabbing.
+  target.add = new QPushButton(target.what.addText, this);
+  target.add->setObjectName(name + "AddButton");
+  target.remove = new QPushButton(tr("Remove"), this);
+  target.remove->setObjectName(name + "RemoveButton");
+  target.list = new CVariableList(data_, this);
   target.list->setObjectName(name);
   target.list->setAccessibleName(QString(target.what.title).remove('&'));
   target.list->SetItemText(target.what.itemText);
   target.list->setMinimumWidth(kListWidth);
   target.list->setMinimumHeight(kListRows * (target.list->fontMetrics().height() + 2));
   label->setBuddy(target.list);
-  target.add = new QPushButton(target.what.addText, this);
-  target.add->setObjectName(name + "AddButton");
-  target.remove = new QPushButton(tr("Remove"), this);
-  target.remove->setObjectName(name + "RemoveButton");
   auto* const buttons = new QVBoxLayout;
   for (QPushButton* const button : {target.add, target.remove}) {
     button->setAutoDefault(false);

@@ -56,18 +56,17 @@ const Table& ProcedureTable() {
   return table;
 }
 
-std::optional<ChoiceProblem> CheckNames(const TORVIKSTRUCT& data, const NameList& names) {
+std::optional<ChoiceProblem> CheckNames(const CVariableNumbers& variables, const NameList& names) {
   for (const CString& name : names) {
-    const auto end = data.variable.begin() + std::max(data.variables, 0);
-    const auto count = std::count_if(data.variable.begin(), end, [&](const VARSTRUCT& variable) {
-      return variable.name == name;
-    });
-    if (count == 1) continue;
-    return ChoiceProblem{count == 0 ? "There is no variable " + ShownName(name) + "."
-                                    : "Several variables are called " + ShownName(name) +
-                                          ". Please rename them first.",
-                         {},
-                         ""};
+    if (!variables.Has(name)) {
+      return ChoiceProblem{"There is no variable " + ShownName(name) + ".", {}, ""};
+    }
+    if (variables.IsShared(name)) {
+      return ChoiceProblem{
+          "Several variables are called " + ShownName(name) + ". Please rename them first.",
+          {},
+          ""};
+    }
   }
   return std::nullopt;
 }
@@ -97,8 +96,9 @@ ProcedureText TextOf(const TORVIKSTRUCT& data, const ProcedureChoices& choices) 
 std::optional<ChoiceProblem> CheckChoices(const TORVIKSTRUCT& data, const ProcedureChoices& choices,
                                           const CString& folder) {
   ProcedureChoices copy = choices;
+  const CVariableNumbers variables(data);
   for (const NameList* list : ListsOf(copy)) {
-    if (auto problem = CheckNames(data, *list)) return problem;
+    if (auto problem = CheckNames(variables, *list)) return problem;
   }
   const auto check = [&](auto& chosen) {
     // Thresholds are read: the file is looked for where the engine will look.
@@ -154,9 +154,8 @@ std::vector<NameList*> ListsOf(ProcedureChoices& choices) {
 }
 
 void ForgetAbsent(const TORVIKSTRUCT& data, ProcedureChoices& choices) {
-  const auto isAbsent = [&data](const CString& name) {
-    return !IsVariableNumber(data, VariableNumber(data, name));
-  };
+  const CVariableNumbers variables(data);
+  const auto isAbsent = [&variables](const CString& name) { return !variables.Has(name); };
   // A test is of two variables: both go when one does.
   if (auto* const homogeneity = std::get_if<HomogeneityChoices>(&choices)) {
     NameList kept;

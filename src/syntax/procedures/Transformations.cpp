@@ -32,8 +32,12 @@ std::optional<ChoiceProblem> CheckNewData(const CString& name) {
       "The new data file is a system data file: its name ends in .VSF.", {}, "newData"};
 }
 
-bool IsThere(const TORVIKSTRUCT& data, std::string_view name) {
-  return IsVariableNumber(data, VariableNumber(data, name));
+// The number of the variable that is shown under this name; 0 when there is none.
+std::int32_t NumberOfShown(const TORVIKSTRUCT& data, std::string_view name) {
+  for (std::int32_t number = 1; number <= data.variables; ++number) {
+    if (ShownName(data.variable[static_cast<std::size_t>(number) - 1].name) == name) return number;
+  }
+  return 0;
 }
 
 // A name that is not there yet: could it become one?
@@ -48,8 +52,8 @@ bool MayBeNew(std::string_view name) {
 
 CString ComputeLine(const TORVIKSTRUCT& data, const Computation& computation) {
   const CString name(Trimmed(computation.target));
-  const bool byNumber = IsThere(data, name) && !MayBeNew(name);
-  return "NE " + (byNumber ? std::to_string(VariableNumber(data, name)) : name) + " = " +
+  const std::int32_t number = MayBeNew(name) ? 0 : NumberOfShown(data, name);
+  return "NE " + (number > 0 ? std::to_string(number) : name) + " = " +
          CString(Trimmed(computation.expression));
 }
 
@@ -69,7 +73,7 @@ std::optional<ChoiceProblem> ProblemOf(const TORVIKSTRUCT& data, const ComputeCh
   }
   for (const auto& [target, expression] : choices.computations) {
     const std::string_view name = Trimmed(target);
-    if (name.empty() || (!IsThere(data, name) && !MayBeNew(name))) {
+    if (name.empty() || (!MayBeNew(name) && NumberOfShown(data, name) == 0)) {
       return ChoiceProblem{
           "The name of a new variable has 1 to 16 characters, none of them a blank or an "
           "operator, and is no number.",

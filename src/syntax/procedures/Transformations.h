@@ -7,7 +7,8 @@
 #include "syntax/procedures/ProcedureText.h"
 #include "syntax/procedures/VariableNumbers.h"
 
-// A new variable, or new values of one that is there.
+// A new variable, or new values of one that is there. Texts are as they are typed and shown, in
+// UTF-8, which is what the engine compares names with.
 struct Computation {
   CString target{};      // name
   CString expression{};  // as the engine reads it

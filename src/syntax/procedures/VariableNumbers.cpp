@@ -13,10 +13,24 @@ std::int32_t VariableNumber(const TORVIKSTRUCT& data, std::string_view name) {
   return number;
 }
 
+CVariableNumbers::CVariableNumbers(const TORVIKSTRUCT& data) : variables_(data.variables) {
+  for (std::int32_t number = 1; number <= variables_; ++number) {
+    const std::string_view name = data.variable[static_cast<std::size_t>(number) - 1].name;
+    if (!first_.emplace(name, number).second) shared_.insert(name);
+  }
+}
+
+std::int32_t CVariableNumbers::Of(std::string_view name) const {
+  const auto found = first_.find(name);
+  return found == first_.end() ? variables_ + 1 : found->second;
+}
+
 std::vector<std::int32_t> VariableNumbers(const TORVIKSTRUCT& data, const NameList& names) {
   std::vector<std::int32_t> numbers;
+  if (names.empty()) return numbers;
   numbers.reserve(names.size());
-  for (const CString& name : names) numbers.push_back(VariableNumber(data, name));
+  const CVariableNumbers all(data);
+  for (const CString& name : names) numbers.push_back(all.Of(name));
   return numbers;
 }
 

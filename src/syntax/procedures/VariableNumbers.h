@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "datadoc/DataSet.h"
@@ -16,6 +18,23 @@ inline constexpr std::size_t kSelectionLineBytes = 78;
 // The number of the first variable of exactly this name, counted from 1; the number of variables
 // plus one when there is none.
 std::int32_t VariableNumber(const TORVIKSTRUCT& data, std::string_view name);
+
+// The same for many names: the data set is gone through once. It must outlive this.
+class CVariableNumbers {
+ public:
+  explicit CVariableNumbers(const TORVIKSTRUCT& data);
+
+  std::int32_t Of(std::string_view name) const;
+  bool Has(std::string_view name) const { return Of(name) <= variables_; }
+  // Does more than one variable have this name?
+  bool IsShared(std::string_view name) const { return shared_.count(name) > 0; }
+
+ private:
+  std::unordered_map<std::string_view, std::int32_t> first_;
+  std::unordered_set<std::string_view> shared_;
+  std::int32_t variables_;
+};
+
 std::vector<std::int32_t> VariableNumbers(const TORVIKSTRUCT& data, const NameList& names);
 
 // Each number with a blank behind it: "1 2 5 ".
