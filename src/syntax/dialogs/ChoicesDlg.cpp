@@ -3,6 +3,7 @@
 #include <QFontDatabase>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <filesystem>
 
@@ -57,6 +58,15 @@ CString CChoicesDlg::Folder() const {
 
 void CChoicesDlg::Finish(const QString& help) {
   help_ = help;
+  // The buttons were made first; tabbing reaches them last.
+  QWidget* last = form_;
+  for (QWidget* next = form_->nextInFocusChain(); next != form_; next = next->nextInFocusChain()) {
+    if (form_->isAncestorOf(next) && next->focusPolicy() != Qt::NoFocus) last = next;
+  }
+  for (QPushButton* const button : buttons_->findChildren<QPushButton*>()) {
+    setTabOrder(last, button);
+    last = button;
+  }
   Refresh();
 }
 
