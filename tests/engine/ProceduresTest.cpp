@@ -123,6 +123,10 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
       {"SE 1 2\nPC NC=3\nOU", "3 components are asked for, and there are 2 variables"},
       {"NS same\nOU", "variable same has no normal scores"},
       {"MT same\nOU", "has one category only"},
+      {"RC x1 OLD=LO-HI NEW=-999999\nEM x1 x2\nOU", "all values of variable x1 are missing"},
+      {"EM x1 same\nOU", "variable same: the variable has one value only"},
+      {"EM x1 x2 sum\nOU", "is not positive definite"},
+      {"SC CASE < 4\nEM x1 x2 x3\nOU", "no more cases than variables"},
       {"FT o1\nOU", "FT needs the file"},
       {"FT o1\nOU TH=/no/such/file", "cannot be read"},
   };
@@ -212,6 +216,28 @@ TEST_F(ProceduresTest, ThresholdsAreSavedAndReadBack) {
   }
   WriteBytes(th, "-1 0 1\n");
   EXPECT_EQ(Run("FT o1\nOU TH=" + th), ERUNRESULT::Done) << Output();
+}
+
+// Missing values become expected ones; TC decides about cases without any.
+TEST_F(ProceduresTest, CompletesTheData) {
+  for (int j = 0; j < 3; ++j) rows[9][static_cast<std::size_t>(j)] = -999999;
+  Data(description, rows);
+  const std::string name = folder / "em.vsf";
+  for (const int treatment : {0, 1, 2}) {
+    ASSERT_EQ(
+        Run("SE 1-3\nEM 1-3 CC=0.0000001 TC=" + std::to_string(treatment) + "\nOU RA=" + name),
+        ERUNRESULT::Done)
+        << Output();
+    VsfContents contents;
+    const std::vector<double> cells = Saved(name, contents);
+    EXPECT_EQ(contents.data.records, treatment == 0 ? 399 : 400);
+    EXPECT_EQ(cells[4], rows[1][1]);
+    EXPECT_LT(std::fabs(cells[15]), 5);  // case 6 lacked x1
+    EXPECT_NE(cells[15], 0);
+    EXPECT_EQ(cells[27] == -999999, treatment == 2);
+  }
+  ASSERT_EQ(Run("EM 1-3 IT=1 CC=0.0000001\nOU"), ERUNRESULT::Done);
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("EM has not converged in 1 iterations"));
 }
 
 // Listwise deletion takes the cases that are complete in the whole line.

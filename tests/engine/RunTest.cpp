@@ -244,7 +244,7 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
       {"SE 1 2\nOU MA=AM AC=x", 3, "are those of covariances or correlations"},
       {"SE 1 2\nOU TH=x", 3, "no variable is ordinal"},
       {"SE 1 2\nOU MA=CM SM=/no/such/folder/x", 3, "cannot be written"},
-      {"EM 1 2\nOU", 2, "Multiple imputation by EM (EM) is not built into this engine yet"},
+      {"OFA NOR NF=1\nOU", 2, "Factor analysis of ordinal variables (OFA) is not built into this"},
       {"MC 1 2 RP=3\nOU", 2, "Multiple imputation by MCMC (MC) is not built"},
       {"OU BS=10 SF=50", 2, "Bootstrapping (BS) is not built"},
   };

@@ -197,6 +197,10 @@ bool CCaseSource::TakeWeight(Part& part, const double* row, std::size_t place) {
 // it out.
 bool CCaseSource::PutRow(Part& part, const double* row, std::size_t place) {
   if (weightVariable_ >= 0 && !TakeWeight(part, row, place)) return false;
+  if (!job_.emptyIn.empty() && IsEmpty(row)) {
+    ++part.counts.incomplete;
+    return false;
+  }
   const std::size_t count = columns_.size();
   double* const cells = cells_.data() + place * count;
   std::size_t missing = 0;
@@ -222,6 +226,13 @@ bool CCaseSource::PutRow(Part& part, const double* row, std::size_t place) {
     return false;
   }
   return true;
+}
+
+// Has the case no value in any of the variables that must not all be missing?
+bool CCaseSource::IsEmpty(const double* row) const {
+  return std::all_of(job_.emptyIn.begin(), job_.emptyIn.end(), [&](std::int32_t variable) {
+    return missing_[static_cast<std::size_t>(variable)](row[variable]);
+  });
 }
 
 // Cells with values that a column may not have become missing.

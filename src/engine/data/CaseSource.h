@@ -89,6 +89,7 @@ class CCaseSource {
   void TransformOnce(Part& part, std::uint64_t repetition) const;
   void Apply(const CASEFUNCTION& function, Part& part) const;
   bool PutRow(Part& part, const double* row, std::size_t place);
+  bool IsEmpty(const double* row) const;
   void PutCodes(Part& part, double* cells, std::size_t place);
   bool TakeWeight(Part& part, const double* row, std::size_t place);
   std::int64_t Gather(const std::vector<Part>& parts);

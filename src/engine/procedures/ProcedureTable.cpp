@@ -3,6 +3,7 @@
 #include "engine/procedures/CensoredRegression.h"
 #include "engine/procedures/FactorAnalysis.h"
 #include "engine/procedures/HomogeneityTest.h"
+#include "engine/procedures/IncompleteData.h"
 #include "engine/procedures/NormalScores.h"
 #include "engine/procedures/OrdinalRegression.h"
 #include "engine/procedures/PrincipalComponents.h"
@@ -18,10 +19,19 @@ struct ROW {
 };
 
 constexpr ROW kRows[] = {
-    {"FA", RunFactorAnalysis},    {"PC", RunPrincipalComponents}, {"HT", RunHomogeneityTest},
-    {"ET", RunEqualThresholds},   {"FT", RunFixedThresholds},     {"MT", RunMarginalThresholds},
-    {"NS", RunNormalScores},      {"RG", RunRegression},          {"TS", RunTwoStageRegression},
-    {"PR", RunOrdinalRegression}, {"LO", RunOrdinalRegression},   {"CR", RunCensoredRegression},
+    {"FA", RunFactorAnalysis},
+    {"PC", RunPrincipalComponents},
+    {"HT", RunHomogeneityTest},
+    {"ET", RunEqualThresholds},
+    {"FT", RunFixedThresholds},
+    {"MT", RunMarginalThresholds},
+    {"NS", RunNormalScores},
+    {"RG", RunRegression},
+    {"TS", RunTwoStageRegression},
+    {"PR", RunOrdinalRegression},
+    {"LO", RunOrdinalRegression},
+    {"CR", RunCensoredRegression},
+    {"EM", RunExpectationMaximisation},
 };
 
 }  // namespace

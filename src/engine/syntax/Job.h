@@ -56,7 +56,8 @@ struct JOB {
   // In the order of their lines; behind them what procedures of this repetition add.
   std::vector<TRANSFORMATION> transformations;
   std::vector<PROCEDURE> procedures;  // none: screening
-  VARIABLELIST added;                 // variables that procedures made; RA saves them as well
+  VARIABLELIST emptyIn;  // cases where all of these are missing are left out; empty: none
+  VARIABLELIST added;    // variables that procedures made; RA saves them as well
   OUTPUTLINE output;
 
   std::int64_t Repetitions() const {
