@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/procedures/RegressionData.h"
+#include "engine/procedures/RunProcedures.h"
 #include "engine/stats/Distributions.h"
 #include "engine/stats/OrdinalRegression.h"
 
@@ -125,6 +126,10 @@ bool RunOrdinalRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fau
     WriteEstimates(run, data, result, regression.alternativeParameters);
     if (!probit) WriteOddsRatios(run, data, result);
     data.WarnOfCollinearity(result.smallestPivot);
+    if (ReadsThresholds(run.job)) {
+      run.report.Warning("The thresholds that FT fixes are not used in the regression of " +
+                         data.YName() + ", which estimates its own.");
+    }
   }
   return true;
 }

@@ -184,7 +184,11 @@ IncompleteNormalResult EstimateIncompleteNormal(const CMissingPatterns& patterns
     covariance = next;
     if (result.change <= criterion) result.status = EStatus::Ok;
   }
-  if (CheckPositiveDefinite(covariance).status != EStatus::Ok) {
+  // Where variables depend on each other the smallest eigenvalue shrinks with every iteration, and
+  // never is 0.
+  constexpr double kVanishing = 1e-7;
+  const Definiteness definite = CheckPositiveDefinite(covariance);
+  if (!(definite.smallest > kVanishing * definite.largest)) {
     result.status = EStatus::NotPositiveDefinite;
     return result;
   }
