@@ -11,6 +11,7 @@
 #include "dataview/DataView.h"
 #include "host/Text.h"
 #include "host/statrn32.h"
+#include "transfer/ExportLosses.h"
 #include "vexutils/BlockIo.h"
 
 namespace {
@@ -56,6 +57,10 @@ bool CDataDoc::DoExportData(const CString& name, int type) {
   exportProblems_.clear();
   exportProgress_ = Host().StartProgress("Exporting " + name);
   WarnOfMissing(name, type);
+  const std::vector<CString> losses = ExportLosses(data_, type);
+  if (!losses.empty() && (STUtils::IsTextFileType(type) || STUtils::CanExport(type))) {
+    Host().ShowNote(name + ": not all can be held.\n" + boost::algorithm::join(losses, "\n"));
+  }
   const bool done = basic_exportable_t::DoExportData(name, type);
   exportProgress_.reset();
   exportBlock_ = {};

@@ -75,6 +75,7 @@ struct ST_FORMAT {
   const char* dates;             // the kinds of dates that are read
   const char* variants;          // the versions that are read and written
   const char* remark;            // what else is lost when it is written
+  const char* textRemark;        // and of texts and labels
   const char* notRead;           // why not, and what serves instead
   const char* instead;           // what to write instead
 };
@@ -84,6 +85,8 @@ int ST_GetFormat(int index, ST_FORMAT* out);
 
 // The format whose signature the first bytes of a file carry; -1 when none is recognised.
 std::int32_t ST_SniffFile(const char* name);
+// Do the first bytes carry the signature of this format? Some formats share one.
+bool ST_FileFits(const char* name, std::int32_t type);
 
 // The text of the last error of the environment, for a person to read: file, place and what was
 // expected. Empty text when there was none; never null.

@@ -42,6 +42,7 @@ struct VARIABLE {
 struct DICTIONARY {
   std::vector<VARIABLE> variables;
   std::vector<LABEL_SET> labelSets;
+  std::string tableName;    // to be written, where the format names its tables; may be empty
   std::int64_t cases = -1;  // -1: not known before the end
 };
 

@@ -1,6 +1,5 @@
 #include "statrn32/Environment.h"
 
-#include <array>
 #include <new>
 
 #include "vexutils/BlockIo.h"
@@ -10,6 +9,15 @@ namespace statrn32 {
 int FailWith(ST_ENV* env, std::string text, int result) {
   if (env != nullptr) env->error = std::move(text);
   return result;
+}
+
+std::string FirstBytesOf(const char* name) {
+  CDescriptor file;
+  std::string first(kFirstBytes, '\0');
+  if (name == nullptr || !file.OpenForReading(name)) return {};
+  const std::int64_t got = ReadAt(file.Get(), 0, first.data(), first.size());
+  first.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+  return first;
 }
 
 const char* TextAt(const std::vector<std::string>& texts, int index) {
@@ -45,14 +53,14 @@ bool ST_CanWrite(std::int32_t type) {
 }
 
 std::int32_t ST_SniffFile(const char* name) {
-  CDescriptor file;
-  std::array<char, statrn32::kFirstBytes> first;
-  if (name == nullptr || !file.OpenForReading(name)) return -1;
-  const std::int64_t got = ReadAt(file.Get(), 0, first.data(), first.size());
-  if (got <= 0) return -1;
-  const statrn32::FORMAT* const format =
-      statrn32::RecogniseFormat({first.data(), static_cast<std::size_t>(got)});
+  const statrn32::FORMAT* const format = statrn32::RecogniseFormat(statrn32::FirstBytesOf(name));
   return format != nullptr ? format->code : -1;
+}
+
+bool ST_FileFits(const char* name, std::int32_t type) {
+  const statrn32::FORMAT* const format = statrn32::FindFormat(type);
+  return format != nullptr && format->recognises != nullptr &&
+         format->recognises(statrn32::FirstBytesOf(name));
 }
 
 int ST_CloseFiles(ST_ENV* env) {
@@ -101,5 +109,6 @@ int ST_GetFormat(int index, ST_FORMAT* out) {
   out->valueLabelBytes = static_cast<std::int64_t>(row.limits->valueLabelBytes);
   out->largest = row.limits->largest;
   out->remark = row.limits->remark;
+  out->textRemark = row.limits->textRemark;
   return 0;
 }

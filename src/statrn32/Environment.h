@@ -54,6 +54,9 @@ namespace statrn32 {
 // Stores the text of an error and gives `result`.
 int FailWith(ST_ENV* env, std::string text, int result = -1);
 
+// The first kFirstBytes bytes of a file; empty when it cannot be read.
+std::string FirstBytesOf(const char* name);
+
 // A text of a list; empty for an index that it does not have.
 const char* TextAt(const std::vector<std::string>& texts, int index);
 

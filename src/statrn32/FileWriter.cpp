@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/Numbers.h"
+#include "host/Text.h"
 #include "host/statrn32.h"
 #include "statrn32/Formats.h"
 
@@ -15,7 +16,20 @@ bool CFileWriter::Begin(const std::string& name, const DICTIONARY& dictionary, s
   name_ = name;
   dictionary_ = dictionary;
   cases_ = cases;
+  CutLabels();
   return CheckLimits() && Create() && PutHeader();
+}
+
+void CFileWriter::CutLabels() {
+  for (VARIABLE& variable : dictionary_.variables) {
+    variable.label = CutText(variable.label, limits_->labelBytes);
+  }
+  if (limits_->valueLabelBytes == 0) {
+    for (VARIABLE& variable : dictionary_.variables) variable.labelSet = -1;
+  }
+  for (LABEL_SET& set : dictionary_.labelSets) {
+    for (VALUE_LABEL& label : set) label.label = CutText(label.label, limits_->valueLabelBytes);
+  }
 }
 
 // A table that does not fit is refused, never cut.

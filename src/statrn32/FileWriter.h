@@ -49,6 +49,7 @@ class CFileWriter : public CWriter {
   COutputFile& File() { return file_; }
 
  private:
+  void CutLabels();
   bool CheckLimits();
   bool CheckCell(const OUT_CELL& cell, std::size_t variable);
 

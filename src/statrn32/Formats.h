@@ -26,7 +26,10 @@ struct LIMITS {
   std::size_t labelBytes = 0;                                        // of a variable; 0: none
   std::size_t valueLabelBytes = 0;                                   // 0: none
   double largest = std::numeric_limits<double>::max();
-  const char* remark = nullptr;  // whatever else is lost on the way, for a person to read
+  // Whatever else is lost on the way, for a person to read: of any data set, and of one that has
+  // texts or labels.
+  const char* remark = nullptr;
+  const char* textRemark = nullptr;
 };
 
 // One row. What a row leaves out is null: a format without a signature has no `recognises`, one

@@ -1,4 +1,6 @@
 // What a data set loses on its way into a file of a format.
+#include <algorithm>
+
 #include <boost/algorithm/string/join.hpp>
 
 #include "host/statrn32.h"
@@ -92,6 +94,11 @@ std::vector<std::string> LossesOf(const FORMAT& format, const DICTIONARY& dictio
           : "Value labels are cut to " + std::to_string(limits.valueLabelBytes) + " bytes",
       &losses);
   if (limits.remark != nullptr) losses.emplace_back(limits.remark);
+  const auto speaks = [](const VARIABLE& v) {
+    return IsText(v) || !v.label.empty() || v.labelSet >= 0;
+  };
+  const bool texts = std::any_of(dictionary.variables.begin(), dictionary.variables.end(), speaks);
+  if (texts && limits.textRemark != nullptr) losses.emplace_back(limits.textRemark);
   return losses;
 }
 

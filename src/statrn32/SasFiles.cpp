@@ -20,9 +20,6 @@ constexpr std::string_view kSasMagic(
     "\0\0\0\0\0\0\0\0\0\0\0\0\xc2\xea\x81\x60\xb3\x14\x11\xcf\xbd\x92\x08\0\x09\xc7\x31\x8c\x18\x1f"
     "\x10\x11",
     32);
-constexpr std::int64_t kRecordBytes = 80;  // of a transport file
-constexpr std::string_view kMember = "HEADER RECORD*******MEMBER  HEADER RECORD!!!!!!!";
-constexpr std::string_view kMemberV8 = "HEADER RECORD*******MEMBV8  HEADER RECORD!!!!!!!";
 // ReadStat writes infinity for the numbers of the last hexadecimal exponent, though the format has
 // them.
 constexpr double kLargestTransport = 4.5e74;
@@ -51,29 +48,6 @@ bool CheckSas7bdat(CInputFile* input, std::string* error) {
     return false;
   }
   return true;
-}
-
-bool IsMemberCard(const char* record) {
-  const std::string_view text(record, kMember.size());
-  return text == kMember || text == kMemberV8;
-}
-
-// Later data sets would be read as records of the first.
-bool CheckTransport(CInputFile* input, std::string* error) {
-  constexpr std::int64_t kRecordsAtOnce = 4096;
-  std::string block(static_cast<std::size_t>(kRecordBytes * kRecordsAtOnce), '\0');
-  int members = 0;
-  for (std::int64_t place = 0;; place = input->Position()) {
-    const std::int64_t got = input->Read(block.data(), static_cast<std::int64_t>(block.size()));
-    for (std::int64_t at = 0; at + kRecordBytes <= got; at += kRecordBytes) {
-      const char* const record = block.data() + at;
-      if (*record != 'H' || !IsMemberCard(record) || ++members < 2) continue;
-      input->Seek(place + at);
-      *error = "the file holds more than one data set; please write each into a file of its own";
-      return false;
-    }
-    if (got < static_cast<std::int64_t>(block.size())) return true;
-  }
 }
 
 bool CheckNothing(CInputFile* /*input*/, std::string* /*error*/) {
@@ -136,18 +110,6 @@ constexpr READSTAT_FORMAT kSas7bdat = {
     .addLabels = AddCatalogueLabels,
 };
 
-constexpr READSTAT_FORMAT kTransport = {
-    .code = 12,
-    .parse = readstat_parse_xport,
-    .check = CheckTransport,
-    .bytesPerVariable = 136,
-    .labelsInFile = false,
-    .epochDay = kSasEpochDay,
-    .dateKind = SasDateKind,
-    .dateOfDisplay = DATE_KIND::DayDate,
-    .dateTimeOfDisplay = DATE_KIND::Seconds,
-};
-
 readstat_compress_t NoCompression(const std::string& /*name*/) {
   return READSTAT_COMPRESS_NONE;
 }
@@ -188,9 +150,6 @@ bool IsTransport(std::string_view first) {
 
 std::unique_ptr<CReader> ReadSas7bdat() {
   return std::make_unique<CReadStatReader>(kSas7bdat);
-}
-std::unique_ptr<CReader> ReadTransport() {
-  return std::make_unique<CReadStatReader>(kTransport);
 }
 std::unique_ptr<CWriter> WriteTransport() {
   return std::make_unique<CReadStatWriter>(kTransportTarget);

@@ -206,7 +206,7 @@ constexpr LIMITS kPorLimits = {.records = kMostRecords,
                                .labelBytes = 255,
                                .valueLabelBytes = 60,
                                .largest = kLargestPor,
-                               .remark = "Letters outside ASCII become the nearest ones."};
+                               .textRemark = "Letters outside ASCII become the nearest ones."};
 
 bool IsSav(std::string_view first) {
   const std::string_view magic = first.substr(0, 4);

@@ -100,13 +100,14 @@ constexpr std::string_view kReserved[] = {"_all", "_b",    "byte", "_coef", "_co
 }  // namespace
 
 constexpr NAME_RULES kDtaNames = {32, "_", "_", true, false, true, kReserved, true};
-constexpr LIMITS kDtaLimits = {.records = kMostRecords,
-                               .variables = 32767,
-                               .textBytes = 2045,
-                               .labelBytes = 320,
-                               .valueLabelBytes = 32000,
-                               .largest = kLargestNumber,
-                               .remark = "Value labels of numbers that are not whole are lost."};
+constexpr LIMITS kDtaLimits = {
+    .records = kMostRecords,
+    .variables = 32767,
+    .textBytes = 2045,
+    .labelBytes = 320,
+    .valueLabelBytes = 32000,
+    .largest = kLargestNumber,
+    .textRemark = "Value labels of numbers that are not whole are lost."};
 
 bool IsDta(std::string_view first) {
   if (first.substr(0, kTagged.size()) == kTagged) return true;

@@ -116,13 +116,16 @@ int ST_SetNCases(ST_ENV* env, std::int64_t cases) {
   return 0;
 }
 
-// Options of formats that are not written here: accepted, so that a caller sets them without
+// An option of a format that is not written here: accepted, so that a caller sets it without
 // asking.
 int ST_SetSasStyle(ST_ENV* env, int /*style*/) {
   return env != nullptr ? 0 : -1;
 }
-int ST_DBSetParm(ST_ENV* env, int /*parameter*/, int /*option*/, const char* /*value*/) {
-  return env != nullptr ? 0 : -1;
+int ST_DBSetParm(ST_ENV* env, int parameter, int /*option*/, const char* value) {
+  constexpr int kTableName = 2;
+  if (env == nullptr || value == nullptr) return -1;
+  if (parameter == kTableName) env->userDictionary.tableName = value;
+  return 0;
 }
 
 int ST_GetNLosses(ST_ENV* env, std::int32_t type) {

@@ -13,7 +13,10 @@ namespace {
 
 // Formats whose variables are named by the first row of a sheet.
 constexpr bool IsSpreadsheet(int type) {
-  return type == 0 || type == 1 || type == 7 || type == 11 || type == 15;
+  constexpr int kFirstOwn = 900;  // .xlsx
+  constexpr int kLastOwn = 901;   // .ods
+  return type == 0 || type == 1 || type == 7 || type == 11 || type == 15 ||
+         (type >= kFirstOwn && type <= kLastOwn);
 }
 
 }  // namespace
@@ -182,6 +185,8 @@ bool basic_data_import_t<CharT, CountT>::CopyRecords(CStatTransfer<CharT>& trans
     }
   }
   if (status < 0) ReportError(transfer.ErrorText());
+  const int notes = ST_GetNNotes(transfer.Environment());
+  for (int i = 0; i < notes; ++i) ReportNote(ST_GetNote(transfer.Environment(), i));
   return status == 0;
 }
 

@@ -83,6 +83,8 @@ class basic_data_import_t {
  protected:
   // Told the text of a failure of the library.
   virtual void ReportError(const string& text) = 0;
+  // Told what the library had to leave out or change.
+  virtual void ReportNote(const string& /*text*/) {}
   // Told why the system data file could not be written.
   virtual void ReportWriteError(const string& systemFileName, const string& reason) = 0;
   // Told how far the input has been read, 0 to 1, negative when unknown; false stops the import.

@@ -23,6 +23,7 @@ STUtils::eRESULT CDataPort::GetImportFileNameAndType(string& name, int& type) {
   const STUtils::eRESULT result = basic_data_import_t::GetImportFileNameAndType(name, type);
   if (result != STUtils::eOK) return result;
   type = STUtils::AskAboutContent(name, type);
+  asksForTable_ = true;
   if (STUtils::CanImport(type)) return STUtils::eOK;
   AfxMessageBox(name + ": " + STUtils::NameOfType(type) + " cannot be imported by this version.");
   return STUtils::eFAILED;
@@ -74,7 +75,29 @@ void CDataPort::TellOfKeptPart() {
 }
 
 bool CDataPort::OpenInFile(const string& name, int type, STUtils::CStatTransfer<char>& transfer) {
+  const string table = asksForTable_ && table_.empty() ? AskForTable(name, type) : table_;
+  asksForTable_ = false;
+  ST_SetInputTable(transfer.Environment(), table.c_str());
+  ST_SetInputEncoding(transfer.Environment(), encoding_.c_str());
   return basic_data_import_t::OpenInFile(name, type, transfer) && SelectVariables(transfer);
+}
+
+// Goes through the tables of the file until one is wanted; empty when there is nothing to choose or
+// none was.
+CDataPort::string CDataPort::AskForTable(const string& name, int type) {
+  STUtils::CStatTransfer<char> looking;
+  ST_FILE* const file = ST_OpenInputFile(looking.Environment(), type, name.c_str());
+  const int tables = file != nullptr ? ST_GetNTables(file) : 0;
+  for (int i = 0; tables > 1 && i < tables; ++i) {
+    const string table = ST_GetTableName(file, i);
+    const string question =
+        boost::str(boost::format("'%1%' holds %2% tables.\n\nRead number %3%, \"%4%\"?") % name %
+                   tables % (i + 1) % table);
+    if (AfxMessageBox(question, MessageButtons::YesNo, "Import Data") == MessageAnswer::Yes) {
+      return table;
+    }
+  }
+  return {};
 }
 
 bool CDataPort::SelectVariables(STUtils::CStatTransfer<char>& transfer) {

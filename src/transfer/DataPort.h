@@ -22,6 +22,12 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   // Imports only the variables of these names, in the order of the file; empty (as at first): all.
   // A name that the file does not hold fails the import.
   void SetSelection(std::vector<string> names) { selection_ = std::move(names); }
+  // The sheet, member or table wanted of a file with several; empty, as at first: the user is asked
+  // where a dialog chose the file, else the first that holds anything is read and a note names the
+  // others.
+  void SetTable(string table) { table_ = std::move(table); }
+  // The encoding of a file that does not name its own ("CP850"); empty, as at first: guessed.
+  void SetEncoding(string encoding) { encoding_ = std::move(encoding); }
   // What the last import had to leave behind, one sentence a fact; empty when nothing.
   const std::vector<string>& Notes() const { return notes_; }
 
@@ -54,6 +60,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
 
  protected:
   void ReportError(const string& text) override;
+  void ReportNote(const string& text) override { notes_.push_back(text); }
   void ReportWriteError(const string& systemFileName, const string& reason) override;
   bool ReportProgress(double fraction) override;
 
@@ -61,6 +68,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   bool CanUpdateStatusInfo(std::int64_t last) const;
   void ResetStatusInfo() const;
   void WriteStatusInfo(const string& text) const;
+  string AskForTable(const string& name, int type);
   bool SelectVariables(STUtils::CStatTransfer<char>& transfer);
   bool WriteVSFVariable(ofstream& stream, const STUtils::variable_info_t& variable,
                         const string& name) const;
@@ -73,6 +81,9 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   std::vector<string> missingStrings_{"NA", "NIL"};
   bool keepLabels_ = false;
   std::vector<string> selection_;
+  string table_;
+  string encoding_;
+  bool asksForTable_ = false;  // a dialog chose the file
 
   std::unique_ptr<CProgress> progress_;
   bool stopped_ = false;

@@ -182,6 +182,9 @@ bool basic_exportable_t<CharT, CountT>::ExportStatData(const string& name, int t
   }
   bool written = OpenExportFile(side.Path(), type, transfer) && WriteStatRecords(transfer);
   written = written && ST_CloseFiles(transfer.Environment()) == 0;
+  for (int i = 0; written && i < ST_GetNNotes(transfer.Environment()); ++i) {
+    ReportNote(ST_GetNote(transfer.Environment(), i));
+  }
   if (!written && !stopped_) {
     // The user knows the file by the name that was asked for.
     ReportError(boost::algorithm::replace_all_copy(transfer.ErrorText(), side.Path(), name));
@@ -213,13 +216,6 @@ bool basic_exportable_t<CharT, CountT>::OpenExportFile(const string& name, int t
 
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::WriteStatRecords(CStatTransfer<CharT>& transfer) {
-  const int renamed = ST_GetNRenamed(transfer.file);
-  for (int i = 0; i < renamed; ++i) {
-    const char* oldName = nullptr;
-    const char* newName = nullptr;
-    if (ST_GetRenamed(transfer.file, i, &oldName, &newName) != 0) continue;
-    ReportNote(string(oldName) + " becomes " + newName);
-  }
   values_t values(transfer.variables.size());
   CountT record = 0;
   for (; GetAppDataRecord(record, transfer.variables, values); ++record) {

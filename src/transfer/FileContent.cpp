@@ -9,6 +9,7 @@
 namespace STUtils {
 
 std::int32_t TypeByContent(const std::string& name, std::int32_t type) {
+  if (ST_FileFits(name.c_str(), type)) return type;
   const std::int32_t content = ST_SniffFile(name.c_str());
   return content >= 0 ? content : type;
 }

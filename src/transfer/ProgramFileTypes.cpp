@@ -4,5 +4,9 @@ std::vector<HostFileType> ProgramFileTypes() {
   return {
       {"SPSS Compressed Data File", "*.zsav", "", 22},
       {"SAS Transport File", "*.xpt", "", 12},
+      {"Excel Workbook", "*.xlsx;*.xlsm", "", 900},
+      {"OpenDocument Spreadsheet", "*.ods", "", 901},
+      {"SQLite Database", "*.sqlite;*.sqlite3", "", 902},
+      {"JSON Lines", "*.jsonl;*.ndjson", "", 903},
   };
 }

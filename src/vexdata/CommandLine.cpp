@@ -56,7 +56,8 @@ class Parser {
   void AddFormats() {
     CLI::App* const command = app_.add_subcommand("formats", "Every file type");
     command->add_flag("--json", json_, "As JSON");
-    command->callback([this] { command_ = [this] { return ListFormats(json_); }; });
+    command->add_flag("--markdown", markdown_, "As the page docs/formats.md");
+    command->callback([this] { command_ = [this] { return ListFormats(json_, markdown_); }; });
   }
 
   void AddImport() {
@@ -68,6 +69,10 @@ class Parser {
         ->check(CLI::NonNegativeNumber);
     command->add_option("--select", import_.select, "Names of the variables wanted")
         ->delimiter(',');
+    command->add_option("--table", import_.table,
+                        "The sheet, member or table of a file with several");
+    command->add_option("--encoding", import_.encoding,
+                        "Of a file that does not name its own, for example CP850");
     command->add_flag("--keep-labels", import_.keepLabels,
                       "Keep full names or labels as descriptions, value labels as categories");
     command->add_flag("--overwrite", import_.overwrite, "Replace an existing file");
@@ -159,6 +164,7 @@ class Parser {
   CEditArguments edits_{app_, command_};
   bool quiet_ = false;
   bool json_ = false;
+  bool markdown_ = false;
   SourceOptions info_;
   ExportOptions export_;
   ImportOptions import_;

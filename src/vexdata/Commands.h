@@ -16,6 +16,8 @@ struct ImportOptions {
   CString target;  // empty: the source's name with the extension VSF
   int type = -1;   // -1: told from the name
   std::vector<CString> select;
+  CString table;     // empty: the first that holds anything
+  CString encoding;  // empty: guessed
   bool keepLabels = false;
   bool overwrite = false;
 };
@@ -116,7 +118,7 @@ struct SelectOptions {
 inline constexpr const char* kVariableTypes[] = {"ordinal", "continuous", "censored-above",
                                                  "censored-below", "censored-both"};
 
-int ListFormats(bool json);
+int ListFormats(bool json, bool markdown);
 int ImportFile(const ImportOptions& options);
 int ShowInfo(const SourceOptions& source, bool json);
 int ShowCells(const ShowOptions& options);

@@ -51,6 +51,8 @@ int ImportFile(const ImportOptions& options) {
   CDataPort port(nullptr);
   port.SetKeepLabels(options.keepLabels);
   port.SetSelection(options.select);
+  port.SetTable(options.table);
+  port.SetEncoding(options.encoding);
   CString source = options.source;
   if (port.Import(source, type, false, true, target) != STUtils::eOK) return kExitFailed;
   for (const CString& note : port.Notes()) Host().ShowNote(note);

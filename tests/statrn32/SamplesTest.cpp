@@ -13,6 +13,7 @@ using namespace sttest;  // NOLINT: a test's own names
 
 namespace {
 
+// Rows of sheets are counted without those that are blank and the one that holds the names.
 struct Sample {
   std::int32_t type;
   const char* file;
@@ -21,10 +22,33 @@ struct Sample {
 };
 
 constexpr Sample kSamples[] = {
-    {6, "dbase/dbase_03.dbf", 14, 31},  {6, "dbase/dbase_83.dbf", 67, 15},
-    {6, "dbase/dbase_30.dbf", 34, 145}, {6, "dbase/cp1251.dbf", 4, 2},
-    {6, "dbase/vfp3.dbf", 3, 13},       {6, "dbase/people.dbf", 2, 2},
+    {6, "dbase/dbase_03.dbf", 14, 31},
+    {6, "dbase/dbase_83.dbf", 67, 15},
+    {6, "dbase/dbase_30.dbf", 34, 145},
+    {6, "dbase/cp1251.dbf", 4, 2},
+    {6, "dbase/vfp3.dbf", 3, 13},
+    {6, "dbase/people.dbf", 2, 2},
     {6, "dbase/sids.dbf", 100, 14},
+    {7, "xls/datasets.xls", 32, 11},
+    {7, "xls/type-me.xls", 10, 2},
+    {7, "xls/deaths.xls", 18, 6},
+    {7, "xls/clippy.xls", 4, 2},
+    {7, "xls/dates-1904.xls", 1, 5},
+    {7, "xls/biff5-label-records.xls", 16, 4},
+    {7, "xls/Formate.xls", 10, 2},
+    {7, "xls/MonteCarlo.xls", 8, 4},
+    {7, "xls/CRLFX5_2.XLS", 1, 2},
+    {7, "xls/CRLFX5_3.XLS", 1, 2},
+    {7, "xls/CRLFX5_4.XLS", 1, 2},
+    {7, "xls/CRLFX5_5.XLS", 1, 2},
+    {7, "xls/write.xls", 4, 4},
+    {31, "html/german-numbers.html", 7, 2},
+    {31, "html/css-simple.html", 1, 3},
+    {31, "html/column_width.htm", 3, 8},
+    {39, "sps_text/codefile.sps", 3, 3},
+    {900, "xlsx/datasets.xlsx", 32, 11},
+    {900, "xlsx/type-me.xlsx", 10, 2},
+    {901, "ods/1904.ods", 5, 4},
 };
 
 // What one cell shows: a text, a number as text ("12.345"), a date in ISO 8601, "<missing>".
@@ -51,6 +75,11 @@ constexpr Cell kCells[] = {
     {6, "dbase/vfp3.dbf", 0, "NUMERIC6_3", "12.345"},
     {6, "dbase/vfp3.dbf", 0, "DATE8", "1917-02-19"},
     {6, "dbase/vfp3.dbf", 1, "DATE8", "<missing>"},
+    {7, "xls/datasets.xls", 0, "mpg", "21"},
+    {7, "xls/datasets.xls", -1, "mpg", "21.4"},
+    {900, "xlsx/datasets.xlsx", 0, "mpg", "21"},
+    {39, "sps_text/codefile.sps", 2, "X2", "6"},
+    {39, "sps_text/codefile.sps", 2, "X3", "str_3"},
 };
 
 std::string CellText(ST_FILE* file, int var) {
@@ -80,7 +109,8 @@ class Samples : public testing::Test {
 TEST_F(Samples, AreRecognisedAndHaveTheirSizes) {
   for (const Sample& sample : kSamples) {
     const std::string name = RealFile(sample.file);
-    EXPECT_EQ(ST_SniffFile(name.c_str()), sample.type) << sample.file;
+    const bool text = sample.type == 39;  // has no signature
+    EXPECT_EQ(ST_SniffFile(name.c_str()), text ? -1 : sample.type) << sample.file;
     const Table table = ReadFile(sample.type, name);
     EXPECT_EQ(table.error, "");
     EXPECT_EQ(table.columns.size(), sample.variables) << sample.file;
