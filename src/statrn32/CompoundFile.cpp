@@ -20,6 +20,8 @@ void BeginGsf() {
     gsf_init();
     // Its remarks on damaged files belong to nobody: we say what is wrong.
     g_log_set_handler(
+        nullptr, G_LOG_LEVEL_WARNING, [](auto...) {}, nullptr);
+    g_log_set_handler(
         "libgsf:msole", G_LOG_LEVEL_MASK, [](auto...) {}, nullptr);
     g_log_set_handler(
         "libgsf", G_LOG_LEVEL_MASK, [](auto...) {}, nullptr);

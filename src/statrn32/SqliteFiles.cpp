@@ -16,6 +16,7 @@ namespace statrn32 {
 namespace {
 
 constexpr const char* kTable = "data";
+constexpr std::size_t kMostTables = 10000;
 
 // Closes what it holds.
 struct CLOSER {
@@ -85,6 +86,7 @@ bool CSqliteReader::LookInside() {
                                  "AND sql NOT LIKE 'CREATE VIRTUAL%' ORDER BY rowid");
   int status = SQLITE_ROW;
   while (list && (status = sqlite3_step(list.get())) == SQLITE_ROW) {
+    if (tables_.size() > kMostTables) return FailFile("the list of tables is damaged");
     tables_.push_back(TextOf(list.get(), 0));
   }
   if (!list || status != SQLITE_DONE) return FailDatabase();
@@ -133,7 +135,8 @@ bool CSqliteReader::TellTypes(const std::string& table, DICTIONARY* out) {
   const STATEMENT all = Prepare(database_.get(), "SELECT * FROM " + Quoted(table));
   int status = SQLITE_ERROR;
   while (all && (status = sqlite3_step(all.get())) == SQLITE_ROW) {
-    ++rows_;
+    // Damaged pages may lead in a circle; no row takes less than a byte.
+    if (++rows_ > Input().Size()) return FailFile("the pages of the table are damaged");
     for (std::size_t i = 0; i < declared_.size(); ++i) {
       const int column = static_cast<int>(i);
       const int type = sqlite3_column_type(all.get(), column);
@@ -163,7 +166,7 @@ bool CSqliteReader::TellTypes(const std::string& table, DICTIONARY* out) {
 }
 
 void CSqliteReader::FillBlock(CBlockFiller* out) {
-  while (!out->Full()) {
+  while (!out->Full() && next_ < rows_) {
     const int status = sqlite3_step(records_.get());
     if (status == SQLITE_DONE) return;
     if (status != SQLITE_ROW) {
