@@ -8,7 +8,7 @@ source scripts/lib.sh
 seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
-((${#targets[@]})) || targets=(vsf dsf format text sav por dta sas7bdat xport dbf xls sql html sps sas do xlsx ods sqlite jsonl engine_syntax)
+((${#targets[@]})) || targets=(vsf dsf format text sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
 cmake --preset fuzz >/dev/null
@@ -30,7 +30,7 @@ seed() {
   for file in tests/data/survey*.sav; do
     "$bin/vexdata" import "$file" "$corpus/vsf/${file##*/}.VSF" --overwrite --quiet --keep-labels
   done
-  for kind in por dta dbf xls sql html sps sas do xlsx ods sqlite jsonl; do
+  for kind in por dta dbf xls sql html sps sas "do" xlsx ods sqlite jsonl; do
     "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/$kind/ours.$kind" --overwrite --quiet
   done
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet
