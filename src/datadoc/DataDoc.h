@@ -11,6 +11,7 @@
 #include "datadoc/DataSet.h"
 #include "datadoc/ExternData.h"
 #include "datadoc/FormatStatement.h"
+#include "datadoc/Missing.h"
 #include "datadoc/TextOpening.h"
 #include "host/Framework.h"
 #include "host/Host.h"
@@ -205,6 +206,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   char exportDelimiter_ = 0;
   std::vector<double> exportBlock_;  // records from exportBegin_ on
   long exportBegin_ = 0;
+  std::vector<CMissingTest> exportMissing_;  // of each variable, as of GetAppDataHeader
   std::vector<CString> exportNotes_;
   std::vector<CString> exportProblems_;  // told in one message at the end
   std::unique_ptr<CProgress> exportProgress_;

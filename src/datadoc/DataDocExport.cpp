@@ -87,6 +87,7 @@ bool CDataDoc::GetAppDataHeader(variables_t& variables) {
   exportBegin_ = 0;
   const NumberForm form = ExportedForm();
   variables.clear();
+  exportMissing_.clear();
   for (std::size_t i = 0; i < static_cast<std::size_t>(data_.variables); ++i) {
     STUtils::variable_info_t variable;
     variable.name = TextForDisplay(data_.variable[i].name);
@@ -94,6 +95,7 @@ bool CDataDoc::GetAppDataHeader(variables_t& variables) {
     variable.printWidth = form.width;
     variable.decimals = form.decimals;
     variables.push_back(std::move(variable));
+    exportMissing_.emplace_back(data_, i);
   }
   return true;
 }
@@ -106,8 +108,8 @@ bool CDataDoc::GetAppDataRecord(long record, const variables_t& variables, value
     STUtils::variable_data_t& value = values[i];
     value.kind = ST_TYPE_NUMERIC;
     value.value = cells[i];
-    value.missing = IsMissingCell(data_, cells[i], i);
-    value.text.clear();
+    value.missing = exportMissing_[i](cells[i]);
+    if (!value.text.empty()) value.text.clear();
   }
   return true;
 }

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "host/ShortestNumber.h"
+
 namespace {
 
 constexpr bool IsDigit(char c) {
@@ -91,16 +93,8 @@ std::optional<ParsedNumber> ParseNumber(std::string_view text) {
 }
 
 CString FormatShortest(double value) {
-  std::array<char, 32> buffer;
-  char* const begin = buffer.data();
-  constexpr double kExactIntegers = 9007199254740992.0;  // 2^53
-  const bool negativeZero = value == 0 && std::signbit(value);
-  if (std::fabs(value) < kExactIntegers && value == std::trunc(value) && !negativeZero) {
-    const auto result = std::to_chars(begin, begin + buffer.size(), static_cast<long long>(value));
-    return CString(begin, result.ptr);
-  }
-  const auto result = std::to_chars(begin, begin + buffer.size(), value);
-  return CString(begin, result.ptr);
+  std::array<char, kNumberBytes> buffer;
+  return CString(buffer.data(), WriteShortest(value, buffer.data()));
 }
 
 CString FormatFixed(double value, int width, int decimals) {

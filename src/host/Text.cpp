@@ -1,5 +1,6 @@
 #include "host/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -45,19 +46,6 @@ DecodedCharacter DecodeUtf8(std::string_view text) {
   return {codePoint, length};
 }
 
-void AppendUtf8(char32_t c, CString& out) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | c >> 6);
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xE0 | c >> 12);
-    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
 std::optional<char> ToWindows1252(char32_t c) {
   if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<char>(c);
   for (std::size_t i = 0; i < kWindows1252.size(); ++i) {
@@ -79,6 +67,39 @@ char LowerAscii(char c) {
 
 }  // namespace
 
+std::u32string CharactersOf(std::string_view utf8) {
+  constexpr char32_t kReplacement = 0xFFFD;
+  std::u32string characters;
+  while (!utf8.empty()) {
+    const DecodedCharacter character = DecodeUtf8(utf8);
+    characters += character.length == 0 ? kReplacement : character.codePoint;
+    utf8.remove_prefix(std::max<std::size_t>(character.length, 1));
+  }
+  return characters;
+}
+
+void AppendUtf8(char32_t c, CString& out) {
+  if (c < 0x80) {
+    out += static_cast<char>(c);
+    return;
+  }
+  if (c < 0x800) {
+    out += static_cast<char>(0xC0 | c >> 6);
+  } else if (c < 0x10000) {
+    out += static_cast<char>(0xE0 | c >> 12);
+    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | c >> 18);
+    out += static_cast<char>(0x80 | (c >> 12 & 0x3F));
+    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
+  }
+  out += static_cast<char>(0x80 | (c & 0x3F));
+}
+
+char32_t FromWindows1252(unsigned char byte) {
+  return byte >= 0x80 && byte < 0xA0 ? kWindows1252[byte - 0x80] : char32_t{byte};
+}
+
 bool IsUtf8(std::string_view bytes) {
   while (!bytes.empty()) {
     const std::size_t length = DecodeUtf8(bytes).length;
@@ -99,7 +120,7 @@ CString TextForDisplay(std::string_view bytes) {
     } else if (byte < 0x80 || utf8) {
       shown += c;
     } else {
-      AppendUtf8(byte < 0xA0 ? kWindows1252[byte - 0x80] : char32_t{byte}, shown);
+      AppendUtf8(FromWindows1252(byte), shown);
     }
   }
   return shown;

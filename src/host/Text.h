@@ -18,6 +18,15 @@ CString TextForDisplay(std::string_view bytes);
 // character fits and the result does not read as UTF-8, otherwise UTF-8.
 CString TextForFile(std::string_view utf8);
 
+// The characters of a text; U+FFFD for each byte that is not UTF-8.
+std::u32string CharactersOf(std::string_view utf8);
+
+// Appends one character.
+void AppendUtf8(char32_t c, CString& out);
+
+// The character of a byte of Windows-1252; bytes without one stand for themselves.
+char32_t FromWindows1252(unsigned char byte);
+
 // `bytes` cut to at most `width` bytes; where they are UTF-8 the cut falls between characters.
 CString CutText(std::string_view bytes, std::size_t width);
 

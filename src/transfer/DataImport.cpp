@@ -104,13 +104,6 @@ void basic_data_import_t<CharT, CountT>::CheckUnknownVarType(variables_t& variab
 }
 
 template <typename CharT, typename CountT>
-bool basic_data_import_t<CharT, CountT>::ImportTextData(const string& name, int type, bool,
-                                                        const string&) {
-  ReportError(name + ": " + NameOfType(type) + " cannot be imported by this version.");
-  return false;
-}
-
-template <typename CharT, typename CountT>
 bool basic_data_import_t<CharT, CountT>::OpenAppDataFile(const string& systemFileName,
                                                          ofstream& stream) {
   stream.open(systemFileName, std::ios::binary | std::ios::out | std::ios::trunc);
@@ -169,12 +162,11 @@ bool basic_data_import_t<CharT, CountT>::ImportStatData(const string& name, int 
 template <typename CharT, typename CountT>
 bool basic_data_import_t<CharT, CountT>::CopyRecords(CStatTransfer<CharT>& transfer, bool toFile,
                                                      ofstream& stream, CountT& records) {
-  constexpr CountT kMostRecords = std::numeric_limits<std::int32_t>::max();
   values_t values(transfer.variables.size());
   int status = 0;
   for (records = 0; (status = transfer.ReadRecord(values)) == 1; ++records) {
     if (records == kMostRecords) {
-      ReportError("A system data file holds at most 2147483647 records.");
+      ReportError(kTooManyRecords);
       return false;
     }
     if (records % kRecordsPerStep == 0 && !ReportProgress(ST_GetProgress(transfer.file))) {

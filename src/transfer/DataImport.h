@@ -3,19 +3,22 @@
 
 #include <fstream>
 #include <ios>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "transfer/OfnFilter.h"
 #include "transfer/StatTransfer.h"
+#include "transfer/TextImport.h"
 #include "transfer/TransferTypes.h"
+#include "transfer/VarNameTemplate.h"
 
 namespace STUtils {
 
-template <typename CharT>
-class basic_text_import_t;
-template <typename CharT>
-class basic_var_name_template_t;
+// Records that a system data file can count.
+inline constexpr long kMostRecords = std::numeric_limits<std::int32_t>::max();
+inline constexpr const char* kTooManyRecords =
+    "A system data file holds at most 2147483647 records.";
 
 // An importer. What is pure here belongs to the program that imports: where the data goes, and what
 // the user confirms. `CharT` is the character type of all text, `CountT` that of record counts.
@@ -28,6 +31,8 @@ class basic_data_import_t {
   using ofstream = std::basic_ofstream<CharT>;
   using ifstream = std::basic_ifstream<CharT>;
   using filter_t = WinUtils::basic_ofn_filter_t<CharT>;
+  using text_import_t = basic_text_import_t<CharT>;
+  using var_name_template_t = basic_var_name_template_t<CharT>;
 
   virtual ~basic_data_import_t() = default;
 
@@ -49,8 +54,17 @@ class basic_data_import_t {
   // Unknown types become numeric.
   virtual void CheckUnknownVarType(variables_t& variables);
 
+  // Scans the file, has the variables confirmed and copies the records.
   virtual bool ImportTextData(const string& name, int type, bool toFile,
                               const string& systemFileName);
+  // Finds the variables of a text file that is open (see TextScan.h).
+  virtual bool TextDataAutoSense(text_import_t& reader, bool& hasNames, variables_t& variables,
+                                 var_name_template_t& names);
+  virtual bool TextDataAutoSense(text_import_t& reader, bool& hasNames, variables_t& variables) = 0;
+  // Has the user confirm them: names, which are wanted, and which are numbers. False: cancelled.
+  virtual bool TextDataConfirmation(bool hasNames, const string& name, variables_t& variables) = 0;
+  // Hands the confirmed list back to the reader.
+  virtual void ResetVariablesInfo(text_import_t& reader, const variables_t& variables);
   virtual bool OpenAppDataFile(const string& systemFileName, ofstream& stream);
   virtual bool AddAppDataFileFilter(filter_t& filter) = 0;
 
@@ -89,8 +103,12 @@ class basic_data_import_t {
   virtual void ReportWriteError(const string& systemFileName, const string& reason) = 0;
   // Told how far the input has been read, 0 to 1, negative when unknown; false stops the import.
   virtual bool ReportProgress(double fraction) = 0;
+  // Called when all records of a text file have been written.
+  virtual void OnTextRead(const text_import_t&, const variables_t&) {}
 
  private:
+  bool CopyTextRecords(text_import_t& reader, bool toFile, ofstream& stream,
+                       const variables_t& variables, CountT& records);
   bool CopyRecords(CStatTransfer<CharT>& transfer, bool toFile, ofstream& stream, CountT& records);
   static void ReadVariables(CStatTransfer<CharT>& transfer, int count);
 };

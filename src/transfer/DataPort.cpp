@@ -11,7 +11,6 @@
 #include "datadoc/VsfLayout.h"
 #include "host/Host.h"
 #include "host/Text.h"
-#include "transfer/ConvertData.h"
 #include "transfer/FileContent.h"
 #include "transfer/ImportNames.h"
 #include "vexutils/TickCount.h"
@@ -38,14 +37,20 @@ bool CDataPort::DoImportData(const string& name, int type, bool toFile,
   }
   const CWaitCursor wait;
   notes_.clear();
+  warnings_.clear();
   problems_.clear();
+  statusAtEnd_.clear();
   stopped_ = false;
   progress_ = Host().StartProgress("Importing " + name);
   const bool imported = basic_data_import_t::DoImportData(name, type, toFile, systemFileName);
   const bool finished = Finish(imported, systemFileName);
   progress_.reset();
   if (!problems_.empty()) AfxMessageBox(boost::algorithm::join(problems_, "\n"));
+  if (finished && !warnings_.empty()) {
+    Host().ShowNote(boost::algorithm::join(warnings_, "\n"));
+  }
   if (finished && !notes_.empty()) WriteStatusInfo(boost::algorithm::join(notes_, " "));
+  if (!finished && !statusAtEnd_.empty()) WriteStatusInfo(statusAtEnd_);
   return finished;
 }
 
@@ -79,7 +84,8 @@ bool CDataPort::OpenInFile(const string& name, int type, STUtils::CStatTransfer<
   asksForTable_ = false;
   ST_SetInputTable(transfer.Environment(), table.c_str());
   ST_SetInputEncoding(transfer.Environment(), encoding_.c_str());
-  return basic_data_import_t::OpenInFile(name, type, transfer) && SelectVariables(transfer);
+  return basic_data_import_t::OpenInFile(name, type, transfer) &&
+         SelectVariables(transfer.variables);
 }
 
 // Goes through the tables of the file until one is wanted; empty when there is nothing to choose or
@@ -100,20 +106,53 @@ CDataPort::string CDataPort::AskForTable(const string& name, int type) {
   return {};
 }
 
-bool CDataPort::SelectVariables(STUtils::CStatTransfer<char>& transfer) {
+bool CDataPort::SelectVariables(variables_t& variables) {
   if (selection_.empty()) return true;
-  for (variable_info_t& variable : transfer.variables) {
+  for (variable_info_t& variable : variables) {
     variable.selected =
         std::find(selection_.begin(), selection_.end(), variable.name) != selection_.end();
   }
   for (const string& name : selection_) {
-    const bool found = std::any_of(transfer.variables.begin(), transfer.variables.end(),
+    const bool found = std::any_of(variables.begin(), variables.end(),
                                    [&](const variable_info_t& v) { return v.name == name; });
     if (found) continue;
     ReportError("The file has no variable of this name: " + name);
     return false;
   }
   return true;
+}
+
+// The message is short; the reason stands on the status bar.
+bool CDataPort::TextDataAutoSense(text_import_t& reader, bool& hasNames, variables_t& variables) {
+  reader_ = &reader;
+  reader.SetMissingStrings(missing_);
+  if (reader.Configure(textSettings_) &&
+      TextDataAutoSense(reader, hasNames, variables, nameTemplate_)) {
+    return true;
+  }
+  statusAtEnd_ = reader.Error();
+  CStatusBar* status = statusBar_;
+  if (CMainFrame* const frame = APPUTIL_GetMainFrame(); status == nullptr && frame != nullptr) {
+    status = frame->GetStatusBar();
+  }
+  if (status != nullptr) status->SetPaneText(0, statusAtEnd_);
+  AfxMessageBox("Error in attempting to read file");
+  return false;
+}
+
+bool CDataPort::TextDataConfirmation(bool, const string& name, variables_t& variables) {
+  if (!SelectVariables(variables)) return false;
+  if (!textConfirmer_ || reader_ == nullptr) return true;
+  CTextConfirmation confirmation(*reader_, name, variables, nameTemplate_);
+  progress_.reset();  // the user's time is none of the import's
+  const bool confirmed = textConfirmer_(confirmation);
+  progress_ = Host().StartProgress("Importing " + name);
+  return confirmed;
+}
+
+void CDataPort::ResetVariablesInfo(text_import_t& reader, const variables_t& variables) {
+  basic_data_import_t::ResetVariablesInfo(reader, variables);
+  missing_ = reader.Missing();
 }
 
 bool CDataPort::OpenAppDataFile(const string& systemFileName, ofstream& stream) {
@@ -178,13 +217,16 @@ bool CDataPort::WriteAppDataRecord(int type, ofstream& stream, long record,
                                    const variables_t& variables, const values_t& values) {
   std::size_t column = 0;
   row_.resize(variables.size());
+  const bool asksNumbers = missing_.HasNumbers();
   for (std::size_t index = 0; index < variables.size(); ++index) {
     if (!variables[index].selected) continue;
     const variable_data_t& value = values[index];
     switch (variables[index].type) {
       case ST_TYPE_NUMERIC:
       case ST_TYPE_DATE: {
-        const bool missing = value.missing || SameAsMissing(type, value);
+        // A value without a text can only be missing as a number.
+        const bool ask = asksNumbers || !value.text.empty();
+        const bool missing = value.missing || (ask && SameAsMissing(type, value));
         row_[column++] = missing ? kMissingCode : value.value;
         break;
       }
@@ -217,14 +259,8 @@ bool CDataPort::UpdateAppDataRecordCount(ofstream& stream, const std::streampos&
 
 bool CDataPort::SameAsMissing(int type, const variable_data_t& value) const {
   if (!STUtils::IsTextFileType(type)) return false;
-  const std::string_view text = Trimmed(value.text);
-  if (text.empty()) return false;
-  return std::any_of(missingStrings_.begin(), missingStrings_.end(), [&](const string& entry) {
-    const string missing(Trimmed(entry));
-    if (value.value == 0 && EqualIgnoringCase(missing, text)) return true;
-    const auto number = ParseDataNumber(missing);
-    return number && number->length == missing.size() && number->value == value.value;
-  });
+  if (missing_.HasNumber(value.value)) return true;
+  return value.value == 0 && !value.text.empty() && missing_.HasText(Trimmed(value.text));
 }
 
 void CDataPort::ReportError(const string& text) {
@@ -250,6 +286,31 @@ void CDataPort::ResetStatusInfo() const {
 
 void CDataPort::WriteStatusInfo(const string& text) const {
   if (statusBar_ != nullptr) statusBar_->SetPaneText(0, text);
+}
+
+void CDataPort::OnTextRead(const text_import_t& reader, const variables_t& variables) {
+  constexpr std::size_t kMostTold = 20;
+  std::vector<string> told;
+  std::size_t columns = 0;
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    const STUtils::UnreadableFields& fields = reader.Unreadable()[i];
+    if (fields.count == 0 || ++columns > kMostTold) continue;
+    told.push_back(boost::str(boost::format("%1%: %2% (first in line %3%)") % variables[i].name %
+                              fields.count % fields.firstLine));
+  }
+  if (columns > kMostTold) {
+    told.push_back("and " + std::to_string(columns - kMostTold) + " more variables");
+  }
+  if (columns > 0) {
+    warnings_.push_back(
+        "Fields that are no numbers, or only in part; without a number at the start they are "
+        "missing:\n" +
+        boost::algorithm::join(told, "\n"));
+  }
+  if (reader.FieldsLeft() > 0) {
+    warnings_.push_back("The file ends inside a record: its last " +
+                        std::to_string(reader.FieldsLeft()) + " field(s) were left out.");
+  }
 }
 
 void CDataPort::NoteNames(const std::vector<string>& names) {

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include "transfer/DataImport.h"
+#include "transfer/TextConfirmation.h"
 #include "vexutils/SideFile.h"
 
 class CDataPort final : public STUtils::basic_data_import_t<char, long> {
@@ -14,8 +17,19 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   // `statusBar` shows the progress; it may be null.
   explicit CDataPort(CStatusBar* statusBar) : statusBar_(statusBar) {}
 
-  // Texts that stand for a missing value in a text file.
-  std::vector<string>& MissingStrings() { return missingStrings_; }
+  // Texts that stand for a missing value in a text file; "NA" and "NIL" at first.
+  void SetMissingStrings(std::vector<string> entries) {
+    missing_ = STUtils::CMissingStrings(std::move(entries));
+  }
+  const std::vector<string>& MissingStrings() const { return missing_.Entries(); }
+  // How variables of a text file are called that have no name there.
+  var_name_template_t& VarNameTemplate() { return nameTemplate_; }
+  // How text files are read where their type leaves it open.
+  void SetTextSettings(const STUtils::TextSettings& settings) { textSettings_ = settings; }
+  // Shows the variables of a text file and lets them be changed; false when the user gave up.
+  // Without it they are taken as they were found.
+  using TextConfirmer = std::function<bool(CTextConfirmation&)>;
+  void SetTextConfirmer(TextConfirmer confirmer) { textConfirmer_ = std::move(confirmer); }
   // Takes over what the source says beyond values and names cut to 16 bytes: unique names, full
   // names or labels as descriptions, value labels. Off at first.
   void SetKeepLabels(bool keep) { keepLabels_ = keep; }
@@ -39,6 +53,10 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   bool DoImportData(const string& name, int type, bool toFile,
                     const string& systemFileName) override;
   bool OpenInFile(const string& name, int type, STUtils::CStatTransfer<char>& transfer) override;
+  using basic_data_import_t::TextDataAutoSense;
+  bool TextDataAutoSense(text_import_t& reader, bool& hasNames, variables_t& variables) override;
+  bool TextDataConfirmation(bool hasNames, const string& name, variables_t& variables) override;
+  void ResetVariablesInfo(text_import_t& reader, const variables_t& variables) override;
   // Opens a file beside the system data file that takes its place when the import is complete.
   bool OpenAppDataFile(const string& systemFileName, ofstream& stream) override;
   bool AddAppDataFileFilter(filter_t& filter) override;
@@ -63,13 +81,14 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   void ReportNote(const string& text) override { notes_.push_back(text); }
   void ReportWriteError(const string& systemFileName, const string& reason) override;
   bool ReportProgress(double fraction) override;
+  void OnTextRead(const text_import_t& reader, const variables_t& variables) override;
 
  private:
   bool CanUpdateStatusInfo(std::int64_t last) const;
   void ResetStatusInfo() const;
   void WriteStatusInfo(const string& text) const;
   string AskForTable(const string& name, int type);
-  bool SelectVariables(STUtils::CStatTransfer<char>& transfer);
+  bool SelectVariables(variables_t& variables);
   bool WriteVSFVariable(ofstream& stream, const STUtils::variable_info_t& variable,
                         const string& name) const;
   void NoteNames(const std::vector<string>& names);
@@ -78,7 +97,11 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   void TellOfKeptPart();
 
   CStatusBar* statusBar_;
-  std::vector<string> missingStrings_{"NA", "NIL"};
+  STUtils::CMissingStrings missing_;
+  var_name_template_t nameTemplate_;
+  STUtils::TextSettings textSettings_;
+  TextConfirmer textConfirmer_;
+  text_import_t* reader_ = nullptr;  // from the scan to the confirmation
   bool keepLabels_ = false;
   std::vector<string> selection_;
   string table_;
@@ -91,5 +114,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   std::int64_t lastUpdate_ = 0;
   std::vector<double> row_;
   std::vector<string> notes_;
+  std::vector<string> warnings_;  // told in one message at the end of an import that succeeds
+  string statusAtEnd_;
   std::vector<string> problems_;  // told in one message at the end
 };

@@ -151,7 +151,7 @@ bool basic_exportable_t<CharT, CountT>::WriteTextRecords(basic_text_export_t<Cha
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::WriteTextFileDataRecord(basic_text_export_t<CharT>& target,
                                                                 CountT, values_t& values) {
-  thread_local string line;
+  string& line = target.line;
   line.clear();
   const CharT separator = target.Separator();
   for (std::size_t i = 0; i < values.size(); ++i) {

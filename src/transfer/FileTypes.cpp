@@ -178,11 +178,11 @@ std::string NameOfType(std::int32_t type) {
 }
 
 bool CanImport(std::int32_t type) {
-  return ST_CanRead(type);
+  return IsTextFileType(type) || ST_CanRead(type);
 }
 
 bool CanExport(std::int32_t type) {
-  return ST_CanWrite(type);
+  return IsTextFileType(type) || ST_CanWrite(type);
 }
 
 }  // namespace STUtils

@@ -1,10 +1,18 @@
 #include "transfer/TextExport.h"
 
-#include "host/Numbers.h"
+#include "host/ShortestNumber.h"
 #include "host/statrn32.h"
 #include "transfer/FileTypes.h"
 
 namespace STUtils {
+namespace {
+
+std::string& AppendShortest(double value, std::string& text) {
+  char buffer[kNumberBytes];
+  return text.append(buffer, WriteShortest(value, buffer));
+}
+
+}  // namespace
 
 char TextSeparator(std::int32_t type, char own) {
   switch (type) {
@@ -33,7 +41,7 @@ void AppendValueText(const variable_data_t& value, std::string& text) {
   switch (value.kind) {
     case 0:
     case ST_TYPE_NUMERIC:
-      text += value.text.empty() ? FormatShortest(value.value) : value.text;
+      value.text.empty() ? AppendShortest(value.value, text) : text.append(value.text);
       break;
     case ST_TYPE_STRING:
       AppendQuoted(value.text, text);
@@ -44,7 +52,7 @@ void AppendValueText(const variable_data_t& value, std::string& text) {
       text += std::to_string(value.kind == ST_DISPLAY_TIME ? value.datePart2 : value.datePart1);
       break;
     case ST_TYPE_DATE:
-      text += FormatShortest(value.value);
+      AppendShortest(value.value, text);
       break;
     default:
       break;

@@ -4,22 +4,16 @@
 #include <fstream>
 #include <string>
 
+#include "transfer/TextTransfer.h"
 #include "transfer/TransferTypes.h"
 
 namespace STUtils {
 
-// What a text target of a file type puts between two values; `own` is that of the type whose
-// delimiter is asked for.
-char TextSeparator(std::int32_t type, char own);
-
 template <typename CharT>
-class basic_text_export_t {
+class basic_text_export_t : public basic_text_transfer_t<CharT> {
  public:
   std::basic_ofstream<CharT> stream;
-  std::int32_t type = 0;
-  CharT delimiter = 0;
-
-  CharT Separator() const { return TextSeparator(type, delimiter); }
+  std::basic_string<CharT> line;  // that is being put together; kept for its room
 };
 
 // Appends a value as a text file holds it: nothing for a missing one; a string in double quotes

@@ -21,6 +21,7 @@
 #include "transfer/DataPort.h"
 #include "transfer/FileContent.h"
 #include "transfer/FileTypes.h"
+#include "transfer/dialogs/ImportTextDataDlg.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Display.h"
@@ -166,6 +167,10 @@ bool CAppFrame::ImportPath(const QString& path) {
   if (app_.IsBusy()) return false;
   CDataPort port(GetStatusBar());
   port.SetKeepLabels(menus_->Action(commands::kFileKeepLabels)->isChecked());
+  port.SetTextConfirmer([this](CTextConfirmation& confirmation) {
+    CdlgImportTextData dialog(confirmation, this);
+    return app_.RunDialog(dialog) == QDialog::Accepted;
+  });
   std::string name = PathBytes(path.isEmpty() ? path : QFileInfo(path).absoluteFilePath());
   int type = STUtils::UNKNOWN_FILE_TYPE;
   if (!name.empty()) type = STUtils::AskAboutContent(name, STUtils::TypeOfFileName(name));

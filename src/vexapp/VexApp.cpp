@@ -108,6 +108,11 @@ bool CVexApp::AskForFile(const FileDialogRequest& request, FileDialogChoice& cho
   return RunFileDialog(request, choice, DialogParent(), targetCheck_);
 }
 
+int CVexApp::RunDialog(QDialog& dialog) {
+  const WaitCursorPause pause;
+  return dialog.exec();
+}
+
 std::unique_ptr<CProgress> CVexApp::StartProgress(const CString& title) {
   return std::make_unique<BusyProgress>(*this, ShownText(title), DialogParent());
 }

@@ -9,6 +9,7 @@
 #include "vexapp/FileDialogs.h"
 
 class CDataWindow;
+class QDialog;
 
 // Installs itself as the component's host while it lives.
 class CVexApp final : public CHost {
@@ -29,6 +30,9 @@ class CVexApp final : public CHost {
   bool IsBusy() const { return running_ > 0; }
   // The window whose data are being written. Null while none are, as in an import.
   const CDataWindow* Writer() const { return writer_; }
+
+  // Runs a dialog that belongs to work that is going on, without the wait cursor.
+  int RunDialog(QDialog& dialog);
 
   MessageAnswer ShowMessage(const CString& text, const CString& title,
                             MessageButtons buttons) override;

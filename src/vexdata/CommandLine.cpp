@@ -18,6 +18,8 @@
 
 namespace {
 
+constexpr const char* kTextGroup = "Text files";
+
 // What each command reads from the command line; the callbacks only remember which one runs.
 class Parser {
  public:
@@ -76,7 +78,36 @@ class Parser {
     command->add_flag("--keep-labels", import_.keepLabels,
                       "Keep full names or labels as descriptions, value labels as categories");
     command->add_flag("--overwrite", import_.overwrite, "Replace an existing file");
+    AddTextImport(*command);
     command->callback([this] { command_ = [this] { return ImportFile(import_); }; });
+  }
+
+  void AddTextImport(CLI::App& command) {
+    command
+        .add_flag_callback(
+            "--names", [this] { import_.names = true; }, "Names on the first line")
+        ->group(kTextGroup);
+    command
+        .add_flag_callback(
+            "--no-names", [this] { import_.names = false; },
+            "Data on the first line; without either, told from what it holds")
+        ->excludes("--names")
+        ->group(kTextGroup);
+    command
+        .add_option("--missing", import_.missing,
+                    "Fields that mean missing, with commas between them; NA,NIL when not given")
+        ->group(kTextGroup);
+    command
+        .add_flag("--all-numeric", import_.allNumeric,
+                  "Read numbers from columns of texts too; what is none is missing")
+        ->group(kTextGroup);
+    command
+        .add_option("--delimiter", import_.delimiter,
+                    "Between fields, one character or \"tab\"; needed for type 1004")
+        ->group(kTextGroup);
+    command.add_option("--decimal-mark", import_.decimalMark, "In numbers, . or ,")
+        ->check(CLI::IsMember({".", ","}))
+        ->group(kTextGroup);
   }
 
   void AddExport() {

@@ -2,7 +2,10 @@
 // before.
 #pragma once
 
+<<<<<<< HEAD
 #include <cstdint>
+=======
+>>>>>>> f477c9a (transfer: import text files)
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +22,11 @@ struct ImportOptions {
   CString table;     // empty: the first that holds anything
   CString encoding;  // empty: guessed
   bool keepLabels = false;
+  // Text files:
+  std::optional<bool> names;       // on the first line; else told from it
+  std::optional<CString> missing;  // with commas between the texts
+  CString delimiter;               // empty: the type's own
+  CString decimalMark = ".";
   bool overwrite = false;
 };
 

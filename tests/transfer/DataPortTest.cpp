@@ -90,7 +90,7 @@ TEST_F(DataPort, RefusesVariablesOfAnotherKindAndMemoryTargets) {
 }
 
 TEST_F(DataPort, KnowsTheTextsThatMeanMissing) {
-  port.MissingStrings() = {"NA", " nil ", "99", "1e2"};
+  port.SetMissingStrings({"NA", " nil ", "99", "1e2"});
   const struct {
     int type;
     double number;
