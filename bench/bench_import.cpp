@@ -6,14 +6,17 @@
 //   bench_import FILE... [--vexdata PROGRAM] [--folder FOLDER] [--runs N]
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <optional>
 
 #include <CLI/CLI.hpp>
 
-#include "Bench.h"
+#include "Processes.h"
 
 namespace {
+
+using bench::Floor;
+using bench::MedianOf;
+using bench::Print;
+using bench::Time;
 
 struct Options {
   std::vector<std::string> files;
@@ -21,82 +24,6 @@ struct Options {
   std::string folder = ".";
   int runs = 3;
 };
-
-struct Measure {
-  double seconds = 0;
-  double processor = 0;
-  double memory = 0;  // MiB, highest resident size
-};
-
-// Runs a command with its output thrown away; empty when it is not installed or fails.
-std::optional<Measure> Time(std::vector<std::string> words) {
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  std::fflush(stdout);  // the child would print it again
-  const bench::CTimer timer;
-  const pid_t child = fork();
-  if (child == 0) {
-    if (std::freopen("/dev/null", "w", stdout) == nullptr ||
-        std::freopen("/dev/null", "w", stderr) == nullptr) {
-      _exit(127);
-    }
-    execvp(arguments[0], arguments.data());
-    _exit(127);
-  }
-  int status = 1;
-  rusage usage{};
-  if (wait4(child, &status, 0, &usage) != child || status != 0) return std::nullopt;
-  const auto seconds = [](const timeval& t) {
-    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
-  };
-  return Measure{timer.Seconds(), seconds(usage.ru_utime) + seconds(usage.ru_stime),
-                 static_cast<double>(usage.ru_maxrss) / 1024};
-}
-
-std::optional<Measure> MedianOf(int runs, const std::vector<std::string>& words,
-                                const std::string& result) {
-  std::vector<double> seconds, processor;
-  double memory = 0;
-  for (int run = 0; run < runs; ++run) {
-    unlink(result.c_str());
-    bench::Settle(std::int64_t{512} << 20);
-    const auto measure = Time(words);
-    if (!measure) return std::nullopt;
-    seconds.push_back(measure->seconds);
-    processor.push_back(measure->processor);
-    memory = std::max(memory, measure->memory);
-  }
-  return Measure{bench::Median(seconds), bench::Median(processor), memory};
-}
-
-double Floor(const std::string& from, const std::string& to, std::uintmax_t bytes) {
-  std::vector<char> block(1 << 20);
-  const bench::CTimer timer;
-  std::ifstream in(from, std::ios::binary);
-  std::uint64_t sum = 0;
-  while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
-    for (std::streamsize i = 0; i < in.gcount(); ++i)
-      sum += static_cast<unsigned char>(block[static_cast<std::size_t>(i)]);
-  }
-  std::ofstream out(to, std::ios::binary);
-  for (std::uintmax_t left = bytes; left > 0;) {
-    const std::uintmax_t part = std::min<std::uintmax_t>(left, block.size());
-    out.write(block.data(), static_cast<std::streamsize>(part));
-    left -= part;
-  }
-  block[0] = static_cast<char>(sum);  // the sum counts as used
-  return timer.Seconds();
-}
-
-void Print(const std::string& what, const std::optional<Measure>& measure, double floor) {
-  if (!measure) {
-    std::printf("  %-28s not installed, or it failed\n", what.c_str());
-    return;
-  }
-  std::printf("  %-28s %6.2f s  processor %6.2f s  peak %6.1f MiB  %5.1f x floor\n", what.c_str(),
-              measure->seconds, measure->processor, measure->memory, measure->seconds / floor);
-}
 
 int Run(const Options& options) {
   const std::string target = options.folder + "/bench_import.VSF";

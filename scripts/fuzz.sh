@@ -8,7 +8,7 @@ source scripts/lib.sh
 seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
-((${#targets[@]})) || targets=(vsf dsf format text sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl engine_syntax)
+((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
 cmake --preset fuzz >/dev/null
@@ -20,7 +20,7 @@ mkdir -p "$found"
 
 # The first files of a corpus: other programs' small files, and what our writers make of some of the example.
 seed() {
-  mkdir -p "$corpus"/{vsf,dsf,format,text,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,engine_syntax}
+  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,engine_syntax}
   local file kind
   for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
     kind=${file##*.}
@@ -39,6 +39,11 @@ seed() {
   printf '\000\001name 1 2.5\n1e5 -.3D2 1e-400\n' >"$corpus/text/free"
   printf '\014\00112 3 4\n5 6\n' >"$corpus/text/matrix"
   { printf '\000%-64s' 'VEXMOR SYSTEM DATA FILE' && printf '\0\0\0\0\001\0\0\0' && head -c 400 /dev/zero; } >"$corpus/dsf/one"
+  local type
+  for type in 0 1 2 3 4; do
+    printf '%b' "\\00$type\\0116" 'a,"b\n""c"\t;d\n1,-2.5e3 3\tNA;12x\r\n,"4","5"\n' \
+      >"$corpus/text_import/type$type"
+  done
   printf "SY='data.VSF'\nSE 1-3\nSC 1 > 2\nOU MA=KM XM\n" >"$corpus/engine_syntax/screening"
 }
 seed

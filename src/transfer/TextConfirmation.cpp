@@ -230,7 +230,7 @@ void CTextConfirmation::UseNamesFromFile() {
   }
 }
 
-std::vector<std::vector<TextPreviewCell>> CTextConfirmation::Preview() {
+std::vector<std::vector<TextPreviewCell>> CTextConfirmation::Preview(std::string& problem) {
   std::vector<std::vector<TextPreviewCell>> rows;
   std::vector<variable_data_t> values(variables_.size());
   reader_.SetTextColumns(variables_.size());
@@ -242,6 +242,8 @@ std::vector<std::vector<TextPreviewCell>> CTextConfirmation::Preview() {
       cells[i] = {TextForDisplay(values[i].text), StateOf(i, values[i].text)};
     }
   }
+  problem = reader_.Error();
+  reader_.ClearError();
   return rows;
 }
 

@@ -80,7 +80,8 @@ class CTextConfirmation {
   bool Do(TextVariableCommand command, std::size_t row, std::string& problem);
 
   // The first records as they would be imported: a row of cells each, of the first columns.
-  std::vector<std::vector<TextPreviewCell>> Preview();
+  // Where a record cannot be read they end before it, and `problem` says why.
+  std::vector<std::vector<TextPreviewCell>> Preview(std::string& problem);
 
  private:
   bool Scan();

@@ -488,7 +488,7 @@ template <typename CharT>
 void basic_text_import_t<CharT>::Count() {
   for (const std::size_t column : unreadableNow_) {
     UnreadableFields& fields = unreadable_[column];
-    if (++fields.count == 1) fields.firstLine = line_;
+    if (++fields.count == 1) fields.firstLine = recordLine_;
   }
 }
 

@@ -25,7 +25,7 @@ struct TextSettings {
 // Fields of one variable that hold something else than a number or a missing-value string.
 struct UnreadableFields {
   std::int64_t count = 0;
-  std::int64_t firstLine = 0;  // counted from 1
+  std::int64_t firstLine = 0;  // where the first such record begins, counted from 1
 };
 
 // Reads delimited text (1003, 1005, 1004 and 1001: a record a line) and free format (1002: a record

@@ -20,7 +20,9 @@ std::int32_t KindOf(const basic_text_import_t<char>& reader, const std::string& 
   return reader.IsNumber(text) ? ST_TYPE_NUMERIC : ST_TYPE_STRING;
 }
 
-bool SenseKinds(basic_text_import_t<char>& reader, std::vector<variable_info_t>& variables) {
+// A record that cannot be read ends the look; the import will refuse it, unless the file is to be
+// read in another way by then.
+void SenseKinds(basic_text_import_t<char>& reader, std::vector<variable_info_t>& variables) {
   std::vector<variable_data_t> values(variables.size());
   reader.SetTextColumns(variables.size());
   reader.StartRecords();
@@ -31,7 +33,7 @@ bool SenseKinds(basic_text_import_t<char>& reader, std::vector<variable_info_t>&
       if (kind != ST_TYPE_UNKNOWN) variables[i].type = kind;
     }
   }
-  return !reader.IsFailed();
+  reader.ClearError();
 }
 
 }  // namespace
@@ -58,7 +60,8 @@ bool SenseTextData(basic_text_import_t<char>& reader, bool& hasNames,
     variable.name = name.empty() ? names.Name(variables.size()) : name;
     variables.push_back(std::move(variable));
   }
-  return SenseKinds(reader, variables);
+  SenseKinds(reader, variables);
+  return true;
 }
 
 }  // namespace STUtils

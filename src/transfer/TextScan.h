@@ -16,8 +16,8 @@ inline constexpr int kScannedRecords = 1000;
 // reader's settings say otherwise; fields without a name, and all where it holds none, get the
 // template's (`auxiliary` is set for these). A column is numeric when each field looked at that is
 // neither blank nor a missing-value string is a number from its first character to its last;
-// unknown without any such field; else text. False when there is no line with content or the file
-// cannot be read; the reader has the reason.
+// unknown without any such field; else text. False when there is no line with content or it cannot
+// be read; the reader has the reason.
 bool SenseTextData(basic_text_import_t<char>& reader, bool& hasNames,
                    std::vector<variable_info_t>& variables, const var_name_template_t& names);
 

@@ -2,10 +2,7 @@
 // before.
 #pragma once
 
-<<<<<<< HEAD
 #include <cstdint>
-=======
->>>>>>> f477c9a (transfer: import text files)
 #include <optional>
 #include <string>
 #include <vector>

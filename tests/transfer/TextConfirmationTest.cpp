@@ -76,7 +76,9 @@ TEST_F(TextConfirmation, CommandsNameAndChoose) {
 
 TEST_F(TextConfirmation, OtherWaysToReadScanAgainAndKeepChoices) {
   Confirm("a;b\n1,5;x\n-;2\n", 1003, [&](CTextConfirmation& c) {
-    EXPECT_EQ(c.Variables().size(), 2U) << "the comma of 1,5";
+    EXPECT_EQ(c.Variables().size(), 1U) << "a;b";
+    EXPECT_TRUE(c.Preview(problem).empty());
+    EXPECT_NE(problem.find("line 2"), std::string::npos) << problem;
     STUtils::TextSettings settings = c.Settings();
     settings.delimiter = ';';
     settings.decimalMark = ';';
@@ -106,9 +108,9 @@ TEST_F(TextConfirmation, OtherWaysToReadScanAgainAndKeepChoices) {
 TEST_F(TextConfirmation, PreviewFollowsTheChoices) {
   std::string text = "a,b,c\n1,x,NA\n";
   for (int i = 0; i < 200; ++i) text += "12abc,y,3\n";
-  Confirm(text, 1003, [](CTextConfirmation& c) {
+  Confirm(text, 1003, [&](CTextConfirmation& c) {
     c.SetNumeric(0, true);
-    auto cells = c.Preview();
+    const auto cells = c.Preview(problem);
     ASSERT_EQ(cells.size(), 100U);
     EXPECT_EQ(cells[0][0].state, State::Value);
     EXPECT_EQ(cells[0][1].state, State::LeftOut);
@@ -116,7 +118,7 @@ TEST_F(TextConfirmation, PreviewFollowsTheChoices) {
     EXPECT_EQ(cells[1][0].state, State::Unreadable);
     EXPECT_EQ(cells[1][0].text, "12abc");
     c.Select(2, false);
-    EXPECT_EQ(c.Preview()[1][2].state, State::LeftOut);
+    EXPECT_EQ(c.Preview(problem)[1][2].state, State::LeftOut);
   });
   EXPECT_EQ(document.GetRecnum(), 201) << "the preview leaves nothing behind";
 }

@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QSet>
 #include <QSettings>
 #include <QTimer>
 #include <deque>
@@ -51,6 +52,7 @@ class CDialogDriver {
   void Look() {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr || !dialog->isVisible() || dialog == last_) return;
+    if (answering_.contains(dialog)) return;
     if (dialog->objectName() == "ProgressDlg") return;  // goes by itself
     last_ = dialog;
     if (auto* box = qobject_cast<QMessageBox*>(dialog)) texts_ << box->text();
@@ -63,12 +65,15 @@ class CDialogDriver {
     // From the event loop: a dialog may open another one before it returns.
     QTimer::singleShot(0, dialog, [this, answer, dialog] {
       last_ = nullptr;
+      answering_.insert(dialog);
       answer(*dialog);
+      answering_.remove(dialog);
     });
   }
 
   QTimer timer_;
   QDialog* last_ = nullptr;
+  QSet<QDialog*> answering_;  // their answers are handling events
   std::deque<Answer> answers_;
   QStringList texts_;
 };

@@ -3,6 +3,7 @@
 // QT_SCALE_FACTOR=2 draws them for a fine screen.
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QSettings>
@@ -17,6 +18,9 @@
 #include "resources/Commands.h"
 #include "resources/DrawnIcon.h"
 #include "syntax/dialogs/DataOutDlg.h"
+#include "transfer/FileTypes.h"
+#include "transfer/TextScan.h"
+#include "transfer/dialogs/ImportTextDataDlg.h"
 #include "vexapp/AboutDlg.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/Appearance.h"
@@ -115,6 +119,42 @@ void PictureOfOutputOptions(CAppFrame& frame, const QString& look) {
   dialog.close();
 }
 
+void PictureOfTextImport(CAppFrame& frame, const QString& look) {
+  const QString name = QDir(folder).filePath("survey of 2024.csv");
+  QFile file(name);
+  if (!file.open(QIODevice::WriteOnly)) return;
+  file.write("id;age;height;city;answer 1;;answer 3\n");
+  for (int i = 1; i <= 60; ++i) {
+    file.write(QString("%1;%2;1,%3;Town %1;%4;%5;%6\n")
+                   .arg(i)
+                   .arg(20 + i % 50)
+                   .arg(50 + i % 40)
+                   .arg(i % 6)
+                   .arg(i % 9 == 0 ? QString("NA") : QString::number(i % 5))
+                   .arg(i % 11 == 4 ? QString("12x") : QString::number(i))
+                   .toUtf8());
+  }
+  file.close();
+  STUtils::basic_text_import_t<char> reader;
+  STUtils::var_name_template_t names;
+  std::vector<STUtils::variable_info_t> variables;
+  bool hasNames = false;
+  reader.Open(name.toStdString(), STUtils::COMMA_TEXT_FILE_TYPE);
+  STUtils::TextSettings settings;
+  settings.delimiter = ';';
+  settings.decimalMark = ',';
+  reader.Configure(settings);
+  STUtils::SenseTextData(reader, hasNames, variables, names);
+  CTextConfirmation confirmation(reader, name.toStdString(), variables, names);
+  confirmation.Select(0, false);
+  confirmation.SetNumeric(6, true);
+  CdlgImportTextData dialog(confirmation, &frame);
+  Draw(dialog, "textimport-" + look);
+  dialog.resize(dialog.minimumSizeHint());
+  Draw(dialog, "textimport-small-" + look);
+  dialog.close();
+}
+
 void PictureOfData(CAppFrame& frame, const QString& look) {
   CDataViewTbl& table = frame.CurrentWindow()->Table();
   frame.resize(1100, 700);
@@ -170,6 +210,7 @@ int main(int argc, char** argv) {
     PictureOfOutputOptions(frame, name);
     PictureOfEngine(frame, name);
     PictureOfTexts(frame, name, files.last());
+    PictureOfTextImport(frame, name);
   }
   ChooseAppearance(Appearance::Light);
   PictureOfMenus(frame);

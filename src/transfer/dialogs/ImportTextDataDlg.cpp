@@ -147,7 +147,9 @@ void CdlgImportTextData::ShowVariables() {
 }
 
 void CdlgImportTextData::ShowPreview() {
-  preview_->Show(confirmation_);
+  const QString problem = preview_->Show(confirmation_);
+  ui_->problemLabel->setText(problem);
+  ui_->problemLabel->setVisible(!problem.isEmpty());
   const auto selected = static_cast<qulonglong>(confirmation_.SelectedCount());
   const auto all = static_cast<qulonglong>(confirmation_.Variables().size());
   ui_->countLabel->setText(tr("%L1 of %L2 variables selected").arg(selected).arg(all));

@@ -33,15 +33,17 @@ QVariant Colour(State state) {
 
 }  // namespace
 
-void CTextPreviewModel::Show(CTextConfirmation& confirmation) {
+QString CTextPreviewModel::Show(CTextConfirmation& confirmation) {
   beginResetModel();
-  rows_ = confirmation.Preview();
+  std::string problem;
+  rows_ = confirmation.Preview(problem);
   names_.clear();
   for (const auto& variable : confirmation.Variables()) {
     if (names_.size() == static_cast<qsizetype>(CTextConfirmation::kPreviewColumns)) break;
     names_ << QString::fromStdString(variable.name);
   }
   endResetModel();
+  return QString::fromStdString(problem);
 }
 
 int CTextPreviewModel::rowCount(const QModelIndex& parent) const {

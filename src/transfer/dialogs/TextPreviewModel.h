@@ -12,7 +12,8 @@ class CTextPreviewModel final : public QAbstractTableModel {
  public:
   explicit CTextPreviewModel(QObject* parent) : QAbstractTableModel(parent) {}
 
-  void Show(CTextConfirmation& confirmation);
+  // Returns why it ends early; empty when it does not.
+  QString Show(CTextConfirmation& confirmation);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
