@@ -22,6 +22,7 @@ struct ImportOptions {
   // Text files:
   std::optional<bool> names;       // on the first line; else told from it
   std::optional<CString> missing;  // with commas between the texts
+  bool allNumeric = false;         // also columns that look like texts
   CString delimiter;               // empty: the type's own
   CString decimalMark = ".";
   bool overwrite = false;
