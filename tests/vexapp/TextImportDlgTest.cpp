@@ -7,7 +7,8 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QTableView>
-#include <QTest>
+
+#include <QtTest/QTest>
 
 #include "support/VsfBytes.h"
 #include "transfer/dialogs/ImportTextDataDlg.h"
