@@ -119,7 +119,8 @@ bool CDataDoc::ReadExportBlock(long record) {
   const auto variables = static_cast<std::size_t>(std::max(data_.variables, 1));
   const auto held = static_cast<long>(exportBlock_.size() / variables);
   if (record >= exportBegin_ && record < exportBegin_ + held) return true;
-  const std::size_t atOnce = std::max<std::size_t>(1, kBlockBytes / (variables * kCellBytes));
+  const std::size_t atOnce =
+      std::max<std::size_t>(1, STUtils::kTransferBytes / (variables * kCellBytes));
   const auto count = std::min<std::int64_t>(static_cast<std::int64_t>(atOnce),
                                             std::int64_t{data_.records} - record);
   exportBlock_.resize(static_cast<std::size_t>(count) * variables);

@@ -1,6 +1,5 @@
 #include "host/ShortestNumber.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -17,52 +16,33 @@ constexpr std::array<double, 23> kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  
                                             1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                             1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
-constexpr auto kDigitPairs = [] {
-  std::array<char, 200> pairs{};
-  for (std::size_t i = 0; i < 100; ++i) {
-    pairs[2 * i] = static_cast<char>('0' + i / 10);
-    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-  }
-  return pairs;
-}();
-
-// The digits of a number below 10^16, right aligned in 16 characters. Returns how many there are.
-int WriteDigits(std::uint64_t number, char* sixteen) {
-  char* at = sixteen + 16;
-  while (number >= 100) {
-    at -= 2;
-    std::memcpy(at, &kDigitPairs[number % 100 * 2], 2);
-    number /= 100;
-  }
-  if (number >= 10) {
-    at -= 2;
-    std::memcpy(at, &kDigitPairs[number * 2], 2);
-  } else {
-    *--at = static_cast<char>('0' + number);
-  }
-  return static_cast<int>(sixteen + 16 - at);
+// The eight digits of a number below 10^8, the first in the lowest byte: halves, quarters and
+// digits are split off in all places at once.
+std::uint64_t EightDigits(std::uint32_t number) {
+  std::uint64_t word = number / 10000 | std::uint64_t{number % 10000} << 32;
+  std::uint64_t high = (word * 10486 >> 20) & 0x0000007F0000007FU;
+  word = high | (word - high * 100) << 16;
+  high = (word * 103 >> 10) & 0x000F000F000F000FU;
+  return high | (word - high * 10) << 8;
 }
 
-// Takes zeros off the end of a number that is not 0, at most 15, and counts them.
-int StripZeros(std::uint64_t& number) {
-  int zeros = 0;
-  const auto strip = [&](std::uint64_t power, int digits) {
-    const std::uint64_t part = number / power;
-    if (part * power != number) return;
-    number = part;
-    zeros += digits;
-  };
-  strip(100'000'000, 8);
-  strip(10'000, 4);
-  strip(100, 2);
-  strip(10, 1);
-  return zeros;
-}
-
-// A value as digits x 10^-places, without zeros at the end.
+// A value's digits, from 10^8 on, without zeros at either end.
 struct Decimal {
-  std::uint64_t digits = 0;
-  int places = 0;
+  char sixteen[32];  // zeros may stand around the digits; room to copy sixteen from anywhere
+  int first = 0;     // of the digits, in `sixteen`
+  int count = 0;
+  int exponent = 0;  // of the first digit
+
+  void Set(std::uint64_t scaled, int places) {
+    const std::uint64_t front = EightDigits(static_cast<std::uint32_t>(scaled / 100'000'000));
+    const std::uint64_t back = EightDigits(static_cast<std::uint32_t>(scaled % 100'000'000));
+    const int zeros = back != 0 ? std::countl_zero(back) >> 3 : 8 + (std::countl_zero(front) >> 3);
+    first = std::countr_zero(front) >> 3;
+    count = 16 - first - zeros;
+    exponent = 15 - first - places;
+    const std::uint64_t texts[2] = {front | 0x3030303030303030U, back | 0x3030303030303030U};
+    std::memcpy(sixteen, texts, sizeof texts);
+  }
 };
 
 // Every decimal of up to 15 digits reads as a double of its own, so one that reads back as `value`
@@ -77,50 +57,47 @@ bool AsShortDecimal(double value, Decimal& decimal) {
   const double power = kPowers[static_cast<std::size_t>(places)];
   const auto scaled = static_cast<std::uint64_t>(value * power + 0.5);
   if (static_cast<double>(scaled) / power != value) return false;
-  decimal.digits = scaled;
-  decimal.places = places - StripZeros(decimal.digits);
+  decimal.Set(scaled, places);
   return true;
 }
 
+// Below 10^0; both of the exponent's digits are written.
 char* WriteExponent(int exponent, char* out) {
+  const int magnitude = -exponent;
   *out++ = 'e';
-  *out++ = exponent < 0 ? '-' : '+';
-  const int magnitude = std::abs(exponent);
-  std::memcpy(out, &kDigitPairs[static_cast<std::size_t>(magnitude) * 2], 2);
-  return out + 2;
+  *out++ = '-';
+  *out++ = static_cast<char>('0' + magnitude / 10);
+  *out++ = static_cast<char>('0' + magnitude % 10);
+  return out;
 }
 
-// With or without an exponent, whichever is shorter; without where they are equal.
+// With or without an exponent, whichever is shorter; without where they are equal. Sixteen
+// characters are copied at a time, whatever is behind those that are wanted.
 char* WriteDecimal(const Decimal& decimal, char* out) {
-  char sixteen[16];
-  const int count = WriteDigits(decimal.digits, sixteen);
-  const char* const digits = sixteen + 16 - count;
-  const int exponent = count - 1 - decimal.places;  // of the first digit
-  const auto copy = [&](int from, int to) {
-    std::memcpy(out, digits + from, static_cast<std::size_t>(to - from));
-    out += to - from;
-  };
-  if (exponent >= 0) {
-    copy(0, exponent + 1);
-    *out++ = '.';
-    copy(exponent + 1, count);
-    return out;
+  const char* const digits = decimal.sixteen + decimal.first;
+  const int count = decimal.count;
+  if (decimal.exponent >= 0) {
+    const int whole = decimal.exponent + 1;
+    std::memcpy(out, digits, 16);
+    out[whole] = '.';
+    std::memcpy(out + whole + 1, digits + whole, 16);
+    return out + count + 1;
   }
-  const int plain = 1 - exponent + count;
+  const int zeros = -decimal.exponent - 1;
+  const int plain = 2 + zeros + count;
   const int scientific = count + (count > 1 ? 1 : 0) + 4;
   if (plain <= scientific) {
-    *out++ = '0';
-    *out++ = '.';
-    out = std::fill_n(out, -exponent - 1, '0');
-    copy(0, count);
-    return out;
+    std::memcpy(out, "0.00000000000000", 16);
+    std::memcpy(out + 2 + zeros, digits, 16);
+    return out + plain;
   }
-  copy(0, 1);
+  *out++ = *digits;
   if (count > 1) {
     *out++ = '.';
-    copy(1, count);
+    std::memcpy(out, digits + 1, 16);
+    out += count - 1;
   }
-  return WriteExponent(exponent, out);
+  return WriteExponent(decimal.exponent, out);
 }
 
 }  // namespace
@@ -137,7 +114,7 @@ char* WriteShortest(double value, char* out) {
       return std::to_chars(out, out + kNumberBytes, whole).ptr;
     }
   }
-  Decimal decimal;
+  Decimal decimal;  // filled where it is used
   if (magnitude >= 1e-7 && magnitude < 1e14 && AsShortDecimal(magnitude, decimal)) {
     if (value < 0) *out++ = '-';
     return WriteDecimal(decimal, out);

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-// Room that one number takes at most.
-inline constexpr std::size_t kNumberBytes = 32;
+// Room that one number needs while it is written.
+inline constexpr std::size_t kNumberBytes = 40;
 
 // Writes the shortest text that reads back as the same double, and integral values below 2^53 as
 // plain digits. Returns the end of what was written; `out` has room for kNumberBytes.

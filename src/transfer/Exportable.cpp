@@ -8,9 +8,9 @@
 
 #include <boost/algorithm/string/replace.hpp>
 
+#include "host/ShortestNumber.h"
 #include "host/statrn32.h"
 #include "transfer/FileTypes.h"
-#include "vexutils/BlockIo.h"
 #include "vexutils/SideFile.h"
 
 namespace STUtils {
@@ -93,9 +93,9 @@ bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int t
     ReportError(name + ": " + side.ErrorText());
     return false;
   }
-  const auto buffer = std::make_unique<CharT[]>(kBlockBytes);
+  const auto buffer = std::make_unique<CharT[]>(kTransferBytes);
   basic_text_export_t<CharT> target;  // closed before its buffer goes
-  target.stream.rdbuf()->pubsetbuf(buffer.get(), static_cast<std::streamsize>(kBlockBytes));
+  target.stream.rdbuf()->pubsetbuf(buffer.get(), static_cast<std::streamsize>(kTransferBytes));
   bool written =
       OpenExportFile(side.Path(), type, delimiter, target) && WriteTextRecords(target, variables);
   target.stream.close();
@@ -151,15 +151,29 @@ bool basic_exportable_t<CharT, CountT>::WriteTextRecords(basic_text_export_t<Cha
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::WriteTextFileDataRecord(basic_text_export_t<CharT>& target,
                                                                 CountT, values_t& values) {
+  // Numbers, as most values are, are written where they are to stand.
   string& line = target.line;
-  line.clear();
+  string other;
+  std::size_t end = 0;
   const CharT separator = target.Separator();
+  const auto makeRoom = [&](std::size_t bytes) {
+    if (line.size() < end + bytes + 2) line.resize(2 * (end + bytes + 2));
+  };
+  makeRoom(0);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (i > 0) line += separator;
-    AppendValueText(values[i], line);
+    makeRoom(kNumberBytes);
+    if (i > 0) line[end++] = separator;
+    if (!IsPlainNumber(values[i])) {
+      other.clear();
+      AppendValueText(values[i], other);
+      makeRoom(other.size());
+      end += other.copy(&line[end], other.size());
+    } else if (!values[i].missing) {
+      end = static_cast<std::size_t>(WriteShortest(values[i].value, &line[end]) - line.data());
+    }
   }
-  line += '\n';
-  target.stream.write(line.data(), static_cast<std::streamsize>(line.size()));
+  line[end++] = '\n';
+  target.stream.write(line.data(), static_cast<std::streamsize>(end));
   return target.stream.good();
 }
 

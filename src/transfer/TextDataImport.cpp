@@ -9,9 +9,6 @@
 namespace STUtils {
 namespace {
 
-// Stays in the processor's cache beside the block of text that it is made of.
-constexpr std::size_t kWriteBytes = std::size_t{128} << 10;
-
 template <typename CharT>
 void SetKinds(const std::vector<basic_variable_info_t<CharT>>& variables,
               std::vector<basic_variable_data_t<CharT>>& values) {
@@ -34,9 +31,9 @@ bool basic_data_import_t<CharT, CountT>::ImportTextData(const string& name, int 
   if (!TextDataConfirmation(hasNames, name, variables)) return false;
   ResetVariablesInfo(reader, variables);
 
-  const auto buffer = std::make_unique<CharT[]>(kWriteBytes);
+  const auto buffer = std::make_unique<CharT[]>(kTransferBytes);
   ofstream stream;  // closed before its buffer goes
-  stream.rdbuf()->pubsetbuf(buffer.get(), static_cast<std::streamsize>(kWriteBytes));
+  stream.rdbuf()->pubsetbuf(buffer.get(), static_cast<std::streamsize>(kTransferBytes));
   if (toFile && !OpenAppDataFile(systemFileName, stream)) return false;
   std::streampos countPosition;
   CountT records = 0;

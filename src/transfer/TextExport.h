@@ -13,13 +13,18 @@ template <typename CharT>
 class basic_text_export_t : public basic_text_transfer_t<CharT> {
  public:
   std::basic_ofstream<CharT> stream;
-  std::basic_string<CharT> line;  // that is being put together; kept for its room
+  std::basic_string<CharT> line;  // room of the line that is being put together
 };
 
 // Appends a value as a text file holds it: nothing for a missing one; a string in double quotes
 // with a backslash before each quote and backslash; a number as the shortest text that reads back
 // as it was.
 void AppendValueText(const variable_data_t& value, std::string& text);
+
+// Is a value, where it is not missing, written as a number and nothing else?
+inline bool IsPlainNumber(const variable_data_t& value) {
+  return (value.kind == 0 || value.kind == 1) && value.text.empty();
+}
 
 // Appends a string in quotes as above.
 void AppendQuoted(const std::string& value, std::string& text);

@@ -1,9 +1,13 @@
 // What a text file that is read and one that is written have in common.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace STUtils {
+
+// Text and cells are moved in pieces that stay in the processor's cache.
+inline constexpr std::size_t kTransferBytes = std::size_t{128} << 10;
 
 // What stands between two values in a text file of this type; `own` is that of the type whose
 // delimiter is asked for.
