@@ -30,6 +30,10 @@ class MarkDelegate final : public QStyledItemDelegate {
     const auto height = round ? QStyle::PM_ExclusiveIndicatorHeight : QStyle::PM_IndicatorHeight;
     QStyleOptionButton mark;
     mark.palette = option.palette;
+    // The style takes the frame of a mark from this colour, which a dark one would not show.
+    if (option.palette.color(QPalette::Base).lightness() < 128) {
+      mark.palette.setColor(QPalette::Window, option.palette.color(QPalette::Text));
+    }
     mark.rect =
         QStyle::alignedRect(option.direction, Qt::AlignCenter,
                             {style.pixelMetric(width), style.pixelMetric(height)}, option.rect);
