@@ -73,8 +73,10 @@ class Parser {
         ->delimiter(',');
     command->add_option("--table", import_.table,
                         "The sheet, member or table of a file with several");
-    command->add_option("--encoding", import_.encoding,
-                        "Of a file that does not name its own, for example CP850");
+    command->add_option(
+        "--encoding", import_.encoding,
+        "Of a file that does not name its own, for example CP850; of text files utf-8, "
+        "utf-16le, utf-16be or windows-1252");
     command->add_flag("--keep-labels", import_.keepLabels,
                       "Keep full names or labels as descriptions, value labels as categories");
     command->add_flag("--overwrite", import_.overwrite, "Replace an existing file");
