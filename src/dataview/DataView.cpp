@@ -7,6 +7,7 @@
 #include "datadoc/DataDoc.h"
 #include "datadoc/VsfLayout.h"
 #include "dataview/DisplayPattern.h"
+#include "dataview/definition/CategoryItems.h"
 #include "host/Host.h"
 #include "host/Text.h"
 #include "vexutils/BlockIo.h"
@@ -153,6 +154,21 @@ CString CDataView::GetRowHeading(std::int64_t row) {
   }
   if (row == data.variables) return "Mean";
   return row == data.variables + 1 ? "Std.Dev" : std::to_string(row + 1);
+}
+
+CString CDataView::GetValueLabel(int column, double value) const {
+  const TORVIKSTRUCT& data = *document_.GetTorvik();
+  return column >= 0 && column < data.variables ? CategoryLabelOf(data, column, value) : CString();
+}
+
+void CDataView::OnRightClick(TableArea area) {
+  if (area == TableArea::Cell) menuType_ = 0;
+  if (area == TableArea::RowHeading) menuType_ = 1;
+  if (area == TableArea::ColumnHeading) menuType_ = 2;
+}
+
+int CDataView::OnMessage(std::string_view message) {
+  return message == kQueryMenuType ? menuType_ : -1;
 }
 
 void CDataView::OnActivateView(bool active) {

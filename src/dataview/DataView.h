@@ -90,6 +90,12 @@ class CDataView final : public CView, public CDataTableClient {
   bool GetRow(std::int64_t row, std::span<double> values) override;
   // The case number; in a moment matrix the variable's name, "Mean" and "Std.Dev".
   CString GetRowHeading(std::int64_t row) override;
+  // The label of the category that a value is.
+  CString GetValueLabel(int column, double value) const override;
+  // Sets the menu type, which stays until something else is hit.
+  void OnRightClick(TableArea area) override;
+  // The menu type: 0 cell, 1 row heading, 2 column heading, -1 before the first right click.
+  int OnMessage(std::string_view message) override;
   // Shows or hides the data tool bar with the view.
   void OnActivateView(bool active);
   bool IsActive() const { return active_; }
@@ -110,11 +116,11 @@ class CDataView final : public CView, public CDataTableClient {
   // As it stands in the file. Empty where there is no such cell or it cannot be read.
   std::optional<double> GetCellValue(const TableCell& cell) const;
   // The text that the cell editor opens on; empty where there is no such cell.
-  CString GetCellText(const TableCell& cell) const;
+  CString GetCellText(const TableCell& cell) const override;
   // What the editor was left with goes into the cell: one write, flushed. False, and nothing
   // changes, when the text is no number; blank text is the missing-data code. In a moment matrix
   // nothing is written; the document is marked modified all the same.
-  bool CommitCell(const TableCell& cell, const CString& text);
+  bool CommitCell(const TableCell& cell, const CString& text) override;
   bool CommitValue(const TableCell& cell, double value);
   // Copy and Paste on the value clipboard, which holds one value of this view.
   void OnEditCopy();
@@ -228,4 +234,5 @@ class CDataView final : public CView, public CDataTableClient {
   TableCell committed_;
   bool undoable_ = true;
   bool active_ = false;
+  std::int32_t menuType_ = -1;
 };

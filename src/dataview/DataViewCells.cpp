@@ -187,6 +187,7 @@ bool CDataView::CommitValue(const TableCell& cell, double value) {
 }
 
 void CDataView::OnEditCopy() {
+  if (table_ != nullptr) table_->EndEdit();
   const TableCell cell = GetCurrentCell();
   const auto value = GetCellValue(cell);
   if (!value) return;

@@ -4,8 +4,12 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "host/Types.h"
+
+// The message that the table window sends its view after a right click: which menu is it to be?
+inline constexpr std::string_view kQueryMenuType = "msgQueryMenuType";
 
 enum class TableArea { None, Cell, RowHeading, ColumnHeading };
 
@@ -23,6 +27,18 @@ class CDataTableClient {
   virtual bool GetRow(std::int64_t row, std::span<double> values) = 0;
   // The heading of a row, as bytes of the file (host/Text.h).
   virtual CString GetRowHeading(std::int64_t row) = 0;
+
+  // The text that the editor of a cell opens on.
+  virtual CString GetCellText(const TableCell&) const { return {}; }
+  // The editor of a cell was left with this text. False: it is no value, nothing was changed.
+  virtual bool CommitCell(const TableCell&, const CString&) { return false; }
+  // What stands for a value of a column where labels are shown; empty: nothing does.
+  virtual CString GetValueLabel(int /*column*/, double /*value*/) const { return {}; }
+
+  // A right click hit an area.
+  virtual void OnRightClick(TableArea) {}
+  // Answers a message by its name; -1 to those that are not known.
+  virtual int OnMessage(std::string_view) { return -1; }
 };
 
 class CDataTable {
@@ -42,6 +58,8 @@ class CDataTable {
 
   virtual TableCell GetCurrentCell() const = 0;
   virtual void SetCurrentCell(const TableCell& cell) = 0;
+  // Ends an edit that is going on: what was typed is committed.
+  virtual void EndEdit() {}
   virtual std::int64_t GetFirstVisibleRow() const = 0;
   virtual int GetVisibleRowCount() const = 0;
   virtual void ScrollToRow(std::int64_t row) = 0;

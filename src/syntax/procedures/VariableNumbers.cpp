@@ -50,9 +50,14 @@ CString NumbersBetweenBlanks(const TORVIKSTRUCT& data, const NameList& names) {
 
 void AppendSelectionLines(const TORVIKSTRUCT& data, const NameList& names, const CString& command,
                           CString& text) {
-  if (names.empty()) return;
+  AppendSelectionLines(VariableNumbers(data, names), command, text);
+}
+
+void AppendSelectionLines(const std::vector<std::int32_t>& numbers, const CString& command,
+                          CString& text) {
+  if (numbers.empty()) return;
   CString line = command;
-  for (const std::int32_t number : VariableNumbers(data, names)) {
+  for (const std::int32_t number : numbers) {
     const CString word = std::to_string(number) + ' ';
     if (line.size() + word.size() > kSelectionLineBytes) {
       if (!text.empty()) text += '\n';

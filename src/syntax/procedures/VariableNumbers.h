@@ -48,6 +48,9 @@ CString NumbersBetweenBlanks(const TORVIKSTRUCT& data, const NameList& names);
 // line has an empty line before it. Nothing is appended for no names.
 void AppendSelectionLines(const TORVIKSTRUCT& data, const NameList& names, const CString& command,
                           CString& text);
+// The same for variables that are known by number already.
+void AppendSelectionLines(const std::vector<std::int32_t>& numbers, const CString& command,
+                          CString& text);
 
 // The name for people to read.
 CString ShownName(const CString& name);
