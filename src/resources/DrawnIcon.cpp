@@ -109,6 +109,88 @@ void Page(QPainter& painter, const Ink& ink, bool command) {
   }
 }
 
+void Printer(QPainter& painter, const Ink& ink) {
+  painter.setPen(QPen(ink.line, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(ink.fill);
+  painter.drawRect(QRectF(7, 3, 10, 6));
+  painter.setBrush(ink.accent);
+  painter.drawRoundedRect(QRectF(3, 9, 18, 8), 1.5, 1.5);
+  painter.setBrush(ink.fill);
+  painter.drawRect(QRectF(7, 14, 10, 7));
+}
+
+// An arrow that turns back to the left; `mirrored` to the right.
+void TurnBack(QPainter& painter, const Ink& ink, bool mirrored) {
+  if (mirrored) {
+    painter.translate(kField, 0);
+    painter.scale(-1, 1);
+  }
+  painter.setPen(QPen(ink.accent, 2.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(Qt::NoBrush);
+  QPainterPath path(QPointF(4, 9));
+  path.lineTo(14, 9);
+  path.arcTo(QRectF(9, 9, 11, 10), 90, -180);
+  path.lineTo(9, 19);
+  painter.drawPath(path);
+  painter.drawPolyline(QPolygonF({{8.5, 4.5}, {4, 9}, {8.5, 13.5}}));
+}
+
+void Glass(QPainter& painter, const Ink& ink) {
+  painter.setPen(QPen(ink.line, 2.2, Qt::SolidLine, Qt::RoundCap));
+  painter.drawLine(QPointF(14.5, 14.5), QPointF(20.5, 20.5));
+  painter.setPen(QPen(ink.accent, 2.2));
+  painter.setBrush(ink.fill);
+  painter.drawEllipse(QRectF(3.5, 3.5, 12.5, 12.5));
+}
+
+void Plus(QPainter& painter, QPointF at) {
+  painter.setPen(QPen(QColor(kWarm), 2.6, Qt::SolidLine, Qt::RoundCap));
+  painter.drawLine(at - QPointF(3.6, 0), at + QPointF(3.6, 0));
+  painter.drawLine(at - QPointF(0, 3.6), at + QPointF(0, 3.6));
+}
+
+// A sheet with a new column or a new row.
+void Insertion(QPainter& painter, const Ink& ink, bool column) {
+  Grid(painter, ink, {2, 4, 15, 15});
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(QColor(kWarm).lighter(120));
+  painter.drawRect(column ? QRectF(7, 4, 5, 15) : QRectF(2, 8.5, 15, 5));
+  Plus(painter, {19, 18});
+}
+
+void Definition(QPainter& painter, const Ink& ink) {
+  Grid(painter, ink, {2, 3, 15, 15});
+  painter.setPen(QPen(ink.line, 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(QColor(kWarm));
+  painter.drawPolygon(QPolygonF({{10, 21}, {11, 17}, {18.5, 9.5}, {21.5, 12.5}, {14, 20}}));
+}
+
+void Funnel(QPainter& painter, const Ink& ink) {
+  painter.setPen(QPen(ink.line, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(ink.accent);
+  painter.drawPolygon(QPolygonF({{3, 4}, {21, 4}, {14, 12.5}, {14, 18}, {10, 21}, {10, 12.5}}));
+}
+
+void Scales(QPainter& painter, const Ink& ink) {
+  painter.setPen(QPen(ink.line, 1.7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.drawLine(QPointF(12, 3), QPointF(12, 20));
+  painter.drawLine(QPointF(8, 20.5), QPointF(16, 20.5));
+  painter.drawLine(QPointF(4.5, 6), QPointF(19.5, 6));
+  painter.setBrush(ink.accent);
+  for (const qreal x : {4.5, 19.5}) {
+    painter.drawPolyline(QPolygonF({{x - 3.5, 13}, {x, 6}, {x + 3.5, 13}}));
+    painter.drawChord(QRectF(x - 3.5, 10, 7, 6), 180 * 16, 180 * 16);
+  }
+}
+
+void Tag(QPainter& painter, const Ink& ink) {
+  painter.setPen(QPen(ink.line, 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(QColor(kWarm));
+  painter.drawPolygon(QPolygonF({{3, 3}, {12, 3}, {21, 12}, {12, 21}, {3, 12}}));
+  painter.setBrush(ink.fill);
+  painter.drawEllipse(QRectF(5.5, 5.5, 4, 4));
+}
+
 void Paint(QPainter& painter, Picture picture, const Ink& ink) {
   switch (picture) {
     case Picture::Program:
@@ -136,6 +218,24 @@ void Paint(QPainter& painter, Picture picture, const Ink& ink) {
       return Page(painter, ink, false);
     case Picture::Syntax:
       return Page(painter, ink, true);
+    case Picture::Print:
+      return Printer(painter, ink);
+    case Picture::Undo:
+    case Picture::Redo:
+      return TurnBack(painter, ink, picture == Picture::Redo);
+    case Picture::Find:
+      return Glass(painter, ink);
+    case Picture::Define:
+      return Definition(painter, ink);
+    case Picture::InsertVariable:
+    case Picture::InsertCase:
+      return Insertion(painter, ink, picture == Picture::InsertVariable);
+    case Picture::Select:
+      return Funnel(painter, ink);
+    case Picture::Weight:
+      return Scales(painter, ink);
+    case Picture::Labels:
+      return Tag(painter, ink);
   }
 }
 

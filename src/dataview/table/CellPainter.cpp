@@ -40,7 +40,8 @@ void CCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& option,
   const QString text = index.data(Qt::DisplayRole).toString();
   const QRect inner = option.rect.adjusted(kTextMargin, 0, -kTextMargin, 0);
   painter->setFont(option.font);
-  painter->setPen(option.palette.color(QPalette::Text));
+  const bool missing = model_.IsMissing(row, index.column());
+  painter->setPen(option.palette.color(missing ? QPalette::PlaceholderText : QPalette::Text));
   painter->drawText(inner, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
                     option.fontMetrics.elidedText(text, Qt::ElideRight, inner.width()));
   if (isCurrent) PaintFrame(painter, option.rect, colors.currentFrame);

@@ -5,10 +5,12 @@
 #include <QScrollBar>
 #include <algorithm>
 
+#include "dataview/table/CellEditor.h"
 #include "dataview/table/CellPainter.h"
 #include "dataview/table/TableHeading.h"
 
-CDataGrid::CDataGrid(QWidget* parent) : QTableView(parent), model_(new CDataTableModel(this)) {
+CDataGrid::CDataGrid(QWidget* parent)
+    : QTableView(parent), model_(new CDataTableModel(this)), editor_(new CCellEditor(viewport())) {
   setModel(model_);
   setItemDelegate(new CCellPainter(cursor_, *model_, this));
   BuildHeadings();
@@ -21,6 +23,11 @@ CDataGrid::CDataGrid(QWidget* parent) : QTableView(parent), model_(new CDataTabl
   setShowGrid(false);  // the cell painter draws it, in colours that suit dark grounds too
   setWordWrap(false);
   setCornerButtonEnabled(false);
+  connect(editor_, &CCellEditor::Left, this, &CDataGrid::LeaveEditor);
+  connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, &CDataGrid::PlaceEditor);
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this, &CDataGrid::PlaceEditor);
+  connect(horizontalHeader(), &QHeaderView::sectionHandleDoubleClicked, this,
+          [this](int column) { resizeColumnToContents(column); });
   dragTimer_.setInterval(40);
   connect(&dragTimer_, &QTimer::timeout, this, &CDataGrid::ScrollWhileDragging);
 }
@@ -60,6 +67,7 @@ void CDataGrid::UpdateWindow() {
   const int height = std::max(verticalHeader()->defaultSectionSize(), 1);
   rows_.SetVisible(viewport()->height() / height);
   model_->SetWindow(rows_.First(), rows_.Drawn());
+  PlaceEditor();
   viewport()->update();
   verticalHeader()->viewport()->update();
   emit WindowMoved();
@@ -93,6 +101,7 @@ void CDataGrid::RevealColumn(int column) {
 }
 
 void CDataGrid::MoveTo(const TableCell& cell, bool extend, CTableCursor::Shape shape) {
+  EndEdit();
   cursor_.MoveTo(cell, extend, shape);
   CursorChanged();
 }
@@ -103,6 +112,7 @@ void CDataGrid::MoveBy(std::int64_t rows, int columns, bool extend) {
 }
 
 void CDataGrid::SelectAll() {
+  EndEdit();
   cursor_.SelectAll();
   viewport()->update();
   horizontalHeader()->viewport()->update();

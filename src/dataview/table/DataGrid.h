@@ -9,6 +9,8 @@
 #include "dataview/table/RowWindow.h"
 #include "dataview/table/TableCursor.h"
 
+class CCellEditor;
+
 class CDataGrid final : public QTableView {
   Q_OBJECT
 
@@ -29,12 +31,23 @@ class CDataGrid final : public QTableView {
   void RevealRow(std::int64_t row);
   void RevealColumn(int column);
 
+  // --- Editing (DataGridEdit.cpp) ---
+  void SetEditable(bool editable);
+  // Opens the editor on the current cell: on its exact value, or on what was typed instead.
+  void StartEdit();
+  void StartEditWith(const QString& typed);
+  bool IsEditing() const;
+  // Commits what was typed; a text that is no value is given up.
+  void EndEdit();
+
   // What lies at a point of the whole control, and which cell (or whose heading) it is.
   TableArea AreaAt(const QPoint& point, TableCell& cell) const;
 
  signals:
   void WindowMoved();  // the first row, or the number of rows on the screen
   void CursorMoved();
+  void EditRefused();         // what was typed is no value
+  void ZoomAsked(int steps);  // by the wheel
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
@@ -48,7 +61,12 @@ class CDataGrid final : public QTableView {
 
  private:
   void BuildHeadings();
+  void OpenEditor(const QString& text, bool typed);
+  void PlaceEditor();
+  bool Commit();
+  void LeaveEditor(bool commit, int key);
   bool MoveByKey(QKeyEvent* event);
+  bool EditByKey(QKeyEvent* event);
   void MoveBy(std::int64_t rows, int columns, bool extend);
   void CursorChanged();
   void UpdateWindow();
@@ -59,6 +77,10 @@ class CDataGrid final : public QTableView {
   CDataTableModel* model_;
   CRowWindow rows_;
   CTableCursor cursor_;
+  CCellEditor* editor_;
+  TableCell edited_;
+  bool editable_ = false;
+  bool editing_ = false;
   int wheelRest_ = 0;  // part of a wheel step not yet turned into rows
   QTimer dragTimer_;
   QPoint dragPoint_;

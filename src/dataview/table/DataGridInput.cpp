@@ -58,9 +58,24 @@ Step StepOf(int key, bool control, int page) {
 void CDataGrid::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::SelectAll)) {
     SelectAll();
-  } else if (!MoveByKey(event)) {
+  } else if (!MoveByKey(event) && !EditByKey(event)) {
     event->ignore();
   }
+}
+
+// F2 opens the editor on the value, a character on itself, Backspace on nothing.
+bool CDataGrid::EditByKey(QKeyEvent* event) {
+  if (!editable_ || !cursor_.Current().IsValid()) return false;
+  if (event->key() == Qt::Key_F2) {
+    StartEdit();
+    return true;
+  }
+  if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+  const bool erase = event->key() == Qt::Key_Backspace;
+  const QString text = erase ? QString() : event->text();
+  if (!erase && (text.isEmpty() || !text.at(0).isPrint())) return false;
+  StartEditWith(text);
+  return true;
 }
 
 bool CDataGrid::MoveByKey(QKeyEvent* event) {
@@ -79,6 +94,10 @@ bool CDataGrid::MoveByKey(QKeyEvent* event) {
 
 void CDataGrid::wheelEvent(QWheelEvent* event) {
   const QPoint turn = event->angleDelta();
+  if (event->modifiers() & Qt::ControlModifier) {
+    if (turn.y() != 0) emit ZoomAsked(turn.y() > 0 ? 1 : -1);
+    return event->accept();
+  }
   const bool sideways = event->modifiers() & Qt::ShiftModifier;
   if (turn.y() == 0 || sideways) {
     QScrollBar* bar = horizontalScrollBar();
@@ -132,4 +151,8 @@ void CDataGrid::mouseReleaseEvent(QMouseEvent*) {
   dragTimer_.stop();
 }
 
-void CDataGrid::mouseDoubleClickEvent(QMouseEvent*) {}
+void CDataGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+  TableCell cell;
+  const QPoint point = viewport()->mapTo(this, event->pos());
+  if (event->button() == Qt::LeftButton && AreaAt(point, cell) == TableArea::Cell) StartEdit();
+}

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "datadoc/DataSet.h"
 #include "dataview/DisplayPattern.h"
 #include "host/Numbers.h"
 #include "host/Text.h"
@@ -92,6 +93,33 @@ QString CDataTableModel::RowHeading(std::int64_t row) const {
   return QString::fromStdString(TextForDisplay(client_->GetRowHeading(row)));
 }
 
+void CDataTableModel::ShowLabels(bool labels) {
+  labels_ = labels;
+  Forget();
+}
+
+QString CDataTableModel::ShownText(std::int64_t row, int column) const {
+  const std::span<const double> values = cache_.Row(row);
+  if (!HasColumn(column) || values.empty()) return {};
+  const double value = values[static_cast<std::size_t>(column)];
+  if (labels_ && client_ != nullptr) {
+    const CString label = client_->GetValueLabel(column, value);
+    if (!label.empty()) return QString::fromStdString(TextForDisplay(label));
+  }
+  const CString& pattern = patterns_[columns_[static_cast<std::size_t>(column)].pattern];
+  return QString::fromStdString(CellText(value, pattern));
+}
+
+int CDataTableModel::ColumnAlignment(int column) const {
+  return HasColumn(column) ? columns_[static_cast<std::size_t>(column)].alignment : 2;
+}
+
+bool CDataTableModel::IsMissing(std::int64_t row, int column) const {
+  const std::span<const double> values = cache_.Row(row);
+  return HasColumn(column) && !values.empty() &&
+         values[static_cast<std::size_t>(column)] <= kMissingCode;
+}
+
 QString CDataTableModel::ValueText(std::int64_t row, int column) const {
   const std::span<const double> values = cache_.Row(row);
   if (!HasColumn(column) || values.empty()) return {};
@@ -111,11 +139,8 @@ QVariant CDataTableModel::data(const QModelIndex& index, int role) const {
   const auto column = static_cast<std::size_t>(index.column());
   const std::int64_t row = firstRow_ + index.row();
   switch (role) {
-    case Qt::DisplayRole: {
-      const std::span<const double> values = cache_.Row(row);
-      if (values.empty()) return {};
-      return QString::fromStdString(CellText(values[column], patterns_[columns_[column].pattern]));
-    }
+    case Qt::DisplayRole:
+      return ShownText(row, index.column());
     case Qt::ToolTipRole:
     case Qt::EditRole:
       return ValueText(row, index.column());

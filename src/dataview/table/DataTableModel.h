@@ -27,9 +27,19 @@ class CDataTableModel final : public QAbstractTableModel {
   // Values or headings changed: reads them anew.
   void Forget();
 
+  // Labels instead of the values that have one.
+  void ShowLabels(bool labels);
+  bool ShowsLabels() const { return labels_; }
+
+  CDataTableClient* Client() const { return client_; }
   std::int64_t FirstRow() const { return firstRow_; }
   QString ColumnHeading(int column) const;
   QString RowHeading(std::int64_t row) const;
+  // What the grid shows in a cell of any row.
+  QString ShownText(std::int64_t row, int column) const;
+  int ColumnAlignment(int column) const;
+  // Is it a missing cell? Those are drawn paler.
+  bool IsMissing(std::int64_t row, int column) const;
   // The value of a cell in full; empty where there is none.
   QString ValueText(std::int64_t row, int column) const;
 
@@ -51,6 +61,7 @@ class CDataTableModel final : public QAbstractTableModel {
   std::int64_t firstRow_ = 0;
   int rows_ = 0;
   int rowHeadingAlignment_ = 1;
+  bool labels_ = false;
   std::vector<Column> columns_;
   std::vector<CString> headings_;
   std::vector<CString> patterns_;  // few: most columns share one; the first is empty

@@ -14,12 +14,15 @@ constexpr int kUsualWidth = 78;
 constexpr int kHeadingMargin = 12;
 constexpr int kRowMargin = 6;
 constexpr int kPoints = 10;
+constexpr int kLeastZoom = 50;
+constexpr int kGreatestZoom = 300;
+constexpr int kZoomStep = 10;
 
-QFont TableFont(QFont::Weight weight) {
+QFont TableFont(QFont::Weight weight, int zoom) {
   QFont font;
   // The face of the package's own windows, or the desktop's where it is not installed.
   font.setFamilies({QStringLiteral("MS Sans Serif"), font.family()});
-  font.setPointSize(kPoints);
+  font.setPointSizeF(kPoints * zoom / 100.0);
   font.setWeight(weight);
   return font;
 }
@@ -40,13 +43,16 @@ CDataViewTbl::CDataViewTbl(QWidget* parent)
   SetFonts();
   connect(grid_, &CDataGrid::WindowMoved, this, &CDataViewTbl::FollowWindow);
   connect(grid_, &CDataGrid::CursorMoved, this, &CDataViewTbl::CurrentCellChanged);
+  connect(grid_, &CDataGrid::EditRefused, this, &CDataViewTbl::EditRefused);
+  connect(grid_, &CDataGrid::ZoomAsked, this,
+          [this](int steps) { SetZoom(zoom_ + steps * kZoomStep); });
   connect(bar_, &QScrollBar::actionTriggered, this, &CDataViewTbl::BarMoved);
 }
 
 void CDataViewTbl::SetFonts() {
-  grid_->setFont(TableFont(QFont::Normal));
+  grid_->setFont(CellFont(false));
   for (QHeaderView* heading : {grid_->horizontalHeader(), grid_->verticalHeader()}) {
-    heading->setFont(TableFont(QFont::Bold));
+    heading->setFont(CellFont(true));
   }
   QHeaderView* side = grid_->verticalHeader();
   const int height = grid_->fontMetrics().height() + kRowMargin;
@@ -74,6 +80,7 @@ void CDataViewTbl::SetRowCount(std::int64_t rows) {
   grid_->Model().Forget();
   grid_->SetSize(rows_, columns_);
   FitRowHeadings();
+  emit ContentChanged();
 }
 
 void CDataViewTbl::SetColumnWidth(int column, int width) {
@@ -105,6 +112,50 @@ void CDataViewTbl::SetRowHeadingAlignment(int alignment) {
 
 void CDataViewTbl::SetEditable(bool editable) {
   editable_ = editable;
+  grid_->SetEditable(editable);
+}
+
+void CDataViewTbl::EndEdit() {
+  grid_->EndEdit();
+}
+
+TableRange CDataViewTbl::Selection() const {
+  return grid_->Cursor().Selected();
+}
+
+QFont CDataViewTbl::CellFont(bool heading) const {
+  return TableFont(heading ? QFont::Bold : QFont::Normal, zoom_);
+}
+
+void CDataViewTbl::SetZoom(int percent) {
+  percent = std::clamp(percent, kLeastZoom, kGreatestZoom);
+  if (percent == zoom_) return;
+  EndEdit();
+  // Widths that were set by hand are kept.
+  for (int column = 0; column < columns_; ++column) {
+    int& width = widths_[static_cast<std::size_t>(column)];
+    if (grid_->columnWidth(column) != Zoomed(width)) width = ColumnWidth(column);
+  }
+  zoom_ = percent;
+  widthsChanged_ = true;
+  SetFonts();
+  ApplyWidths();
+  FitRowHeadings();
+  grid_->SetSize(rows_, columns_);
+  emit ZoomChanged();
+}
+
+int CDataViewTbl::ColumnWidth(int column) const {
+  return grid_->columnWidth(column) * 100 / zoom_;
+}
+
+void CDataViewTbl::ShowLabels(bool labels) {
+  EndEdit();
+  grid_->Model().ShowLabels(labels);
+}
+
+bool CDataViewTbl::ShowsLabels() const {
+  return grid_->Model().ShowsLabels();
 }
 
 TableCell CDataViewTbl::GetCurrentCell() const {
@@ -137,6 +188,7 @@ void CDataViewTbl::Redraw() {
   grid_->Model().Forget();
   FitRowHeadings();
   grid_->viewport()->update();
+  emit ContentChanged();
 }
 
 QString CDataViewTbl::ColumnHeading(int column) const {
@@ -153,10 +205,12 @@ void CDataViewTbl::ApplyWidths() {
   if (!widthsChanged_ || widths_.empty()) return;
   widthsChanged_ = false;
   QHeaderView* top = grid_->horizontalHeader();
-  const int usual = widths_[0] > 0 ? widths_[0] : kUsualWidth;
+  const int usual = Zoomed(widths_[0] > 0 ? widths_[0] : kUsualWidth);
   top->setDefaultSectionSize(usual);
   for (std::size_t i = 0; i < widths_.size(); ++i) {
-    if (widths_[i] > 0 && widths_[i] != usual) top->resizeSection(static_cast<int>(i), widths_[i]);
+    const int section = static_cast<int>(i);
+    const int width = widths_[i] > 0 ? Zoomed(widths_[i]) : usual;
+    if (top->sectionSize(section) != width) top->resizeSection(section, width);
   }
 }
 
@@ -165,7 +219,8 @@ void CDataViewTbl::ApplyWidths() {
 void CDataViewTbl::FitRowHeadings() {
   const QFontMetrics metrics(grid_->verticalHeader()->font());
   const QString digits(QString::number(rows_).size(), QLatin1Char('8'));
-  int width = std::max(rowHeadingWidth_, metrics.horizontalAdvance(digits) + kHeadingMargin);
+  int width =
+      std::max(Zoomed(rowHeadingWidth_), metrics.horizontalAdvance(digits) + kHeadingMargin);
   for (int row = 0; row < grid_->Rows().Drawn(); ++row) {
     const QString text = grid_->Model().RowHeading(grid_->Rows().First() + row);
     width = std::max(width, metrics.horizontalAdvance(text) + kHeadingMargin);
@@ -200,6 +255,7 @@ void CDataViewTbl::BarMoved(int action) {
 }
 
 void CDataViewTbl::contextMenuEvent(QContextMenuEvent* event) {
+  EndEdit();
   TableCell cell = grid_->Cursor().Current();
   TableArea area = TableArea::Cell;
   if (event->reason() != QContextMenuEvent::Keyboard) {
@@ -214,7 +270,11 @@ void CDataViewTbl::contextMenuEvent(QContextMenuEvent* event) {
     }
   }
   event->accept();
-  emit ContextMenuAsked(area, event->globalPos());
+  CDataTableClient* const client = grid_->Model().Client();
+  if (client == nullptr) return;
+  client->OnRightClick(area);
+  const int type = client->OnMessage(kQueryMenuType);
+  if (type >= 0) emit ContextMenuAsked(type, event->globalPos());
 }
 
 void CDataViewTbl::showEvent(QShowEvent* event) {

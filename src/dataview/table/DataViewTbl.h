@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <vector>
 
+#include "dataview/table/TableCursor.h"
 #include "host/DataTable.h"
 
 class CDataGrid;
@@ -26,9 +27,10 @@ class CDataViewTbl final : public QWidget, public CDataTable {
   void SetColumnHeading(int column, const CString& heading) override;
   void SetRowHeadingWidth(int width) override;  // the least width: long case numbers widen it
   void SetRowHeadingAlignment(int alignment) override;
-  void SetEditable(bool editable) override;  // remembered only: cells are not edited here yet
+  void SetEditable(bool editable) override;
   TableCell GetCurrentCell() const override;
   void SetCurrentCell(const TableCell& cell) override;
+  void EndEdit() override;
   std::int64_t GetFirstVisibleRow() const override;
   int GetVisibleRowCount() const override;
   void ScrollToRow(std::int64_t row) override;
@@ -42,10 +44,26 @@ class CDataViewTbl final : public QWidget, public CDataTable {
   // The value of a cell in full; empty where there is none.
   QString ValueText(const TableCell& cell) const;
   CDataGrid& Grid() { return *grid_; }
+  const CDataGrid& Grid() const { return *grid_; }
+
+  // The selected cells.
+  TableRange Selection() const;
+  // The size of everything, in percent; held to what can be read.
+  void SetZoom(int percent);
+  int Zoom() const { return zoom_; }
+  // Category labels instead of the values that have one.
+  void ShowLabels(bool labels);
+  bool ShowsLabels() const;
+  // Of a column as it stands now, at a zoom of 100.
+  int ColumnWidth(int column) const;
+  QFont CellFont(bool heading) const;
 
  signals:
   void CurrentCellChanged();
-  void ContextMenuAsked(TableArea area, QPoint globalPoint);
+  void ContextMenuAsked(int type, QPoint globalPoint);  // the menu type that the client answered
+  void EditRefused();
+  void ContentChanged();  // the client said that rows, columns or values changed
+  void ZoomChanged();
 
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;
@@ -56,6 +74,7 @@ class CDataViewTbl final : public QWidget, public CDataTable {
   void SetFonts();
   void FitRowHeadings();
   void ApplyWidths();
+  int Zoomed(int size) const { return size * zoom_ / 100; }
   void FollowWindow();
   void BarMoved(int action);
 
@@ -64,6 +83,7 @@ class CDataViewTbl final : public QWidget, public CDataTable {
   std::int64_t rows_ = 0;
   int columns_ = 0;
   int rowHeadingWidth_ = 0;
+  int zoom_ = 100;
   bool editable_ = false;
   std::vector<int> widths_;  // asked for, by column; 0: the usual one
   bool widthsChanged_ = false;

@@ -36,6 +36,11 @@ CProcedureButtons::CProcedureButtons(QWidget* parent)
   connect(cancel_, &QPushButton::clicked, this, &CProcedureButtons::CancelAsked);
 }
 
+void CProcedureButtons::HideHelp() {
+  help_->hide();
+  help_->setEnabled(false);  // its key too
+}
+
 void CProcedureButtons::HideOutputOptions() {
   output_->hide();
 }

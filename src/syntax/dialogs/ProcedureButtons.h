@@ -13,6 +13,7 @@ class CProcedureButtons final : public QWidget {
   explicit CProcedureButtons(QWidget* parent = nullptr);
 
   void HideOutputOptions();
+  void HideHelp();
   void SetOutputOptionsEnabled(bool enabled);
   // Run and Syntax can be pressed when the dialog's choice is complete.
   void SetComplete(bool complete);

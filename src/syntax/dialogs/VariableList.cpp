@@ -2,46 +2,14 @@
 
 #include <QDropEvent>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QStyledItemDelegate>
 
 #include "host/Text.h"
+#include "syntax/dialogs/VariableDelegate.h"
 
 namespace {
 
 constexpr int kVariableRole = Qt::UserRole;
-constexpr int kUsedRole = Qt::UserRole + 1;
-constexpr int kTypeRole = Qt::UserRole + 2;
 constexpr int kFindRole = Qt::UserRole + 3;
-constexpr int kGap = 8;  // between a name and its type
-
-// Names at the left, types at the right in a paler colour.
-class CVariableDelegate final : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
-  void paint(QPainter* painter, const QStyleOptionViewItem& option,
-             const QModelIndex& index) const override {
-    QStyledItemDelegate::paint(painter, option, index);
-    const QString type = index.data(kTypeRole).toString();
-    const int room = option.rect.width() - option.fontMetrics.horizontalAdvance(type) - 2 * kGap;
-    if (room < option.fontMetrics.horizontalAdvance(index.data().toString()) + kGap) return;
-    const bool selected = (option.state & QStyle::State_Selected) != 0;
-    painter->save();
-    painter->setPen(
-        option.palette.color(selected ? QPalette::HighlightedText : QPalette::PlaceholderText));
-    painter->drawText(option.rect.adjusted(0, 0, -kGap, 0), Qt::AlignRight | Qt::AlignVCenter,
-                      type);
-    painter->restore();
-  }
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    if (!index.data(kUsedRole).toBool()) return;
-    option->palette.setColor(QPalette::Text, option->palette.color(QPalette::PlaceholderText));
-  }
-};
 
 }  // namespace
 
@@ -64,7 +32,7 @@ void CVariableList::ShowVariables(const std::vector<int>& variables) {
     const QString description = DisplayText(variable.description);
     auto* const item = new QListWidgetItem(QString(pattern_).replace("%1", name), this);
     item->setData(kVariableRole, number);
-    item->setData(kTypeRole, TypeText(variable.type));
+    item->setData(kVariableTypeRole, TypeText(variable.type));
     item->setData(kFindRole, name + ' ' + description);
     const QString tip = description.isEmpty() ? name : name + ": " + description;
     item->setToolTip(tip + " (" + TypeText(variable.type) + ')');
@@ -89,7 +57,8 @@ std::vector<int> CVariableList::SelectedVariables() const {
 
 void CVariableList::SetUsed(int variable, bool used) {
   QListWidgetItem* const item = ItemOf(variable);
-  if (item != nullptr && item->data(kUsedRole).toBool() != used) item->setData(kUsedRole, used);
+  if (item != nullptr && item->data(kVariableUsedRole).toBool() != used)
+    item->setData(kVariableUsedRole, used);
 }
 
 void CVariableList::SetUnusable(int variable, const QString& why) {
