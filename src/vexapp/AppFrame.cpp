@@ -36,8 +36,23 @@ struct CommandPicture {
   Picture picture;
 };
 constexpr CommandPicture kPictures[] = {
-    {kFileNew, Picture::New},       {kFileOpen, Picture::Open},     {kFileSave, Picture::Save},
-    {kFileImport, Picture::Import}, {kFileExport, Picture::Export}, {kViewGoToCase, Picture::GoTo},
+    {kFileNew, Picture::New},
+    {kFileOpen, Picture::Open},
+    {kFileSave, Picture::Save},
+    {kFileImport, Picture::Import},
+    {kFileExport, Picture::Export},
+    {kFilePrint, Picture::Print},
+    {kEditUndo, Picture::Undo},
+    {kEditRedo, Picture::Redo},
+    {kEditFind, Picture::Find},
+    {kViewGoToCase, Picture::GoTo},
+    {kViewLabels, Picture::Labels},
+    {kDataDefine, Picture::Define},
+    {kDataInsertVariable, Picture::InsertVariable},
+    {kDataInsertCase, Picture::InsertCase},
+    {kDataSort, Picture::SortUp},
+    {kDataSelect, Picture::Select},
+    {kDataWeight, Picture::Weight},
 };
 
 }  // namespace
@@ -55,6 +70,7 @@ CAppFrame::CAppFrame(CVexApp& app)
   BuildBars();
   HandleCommands();
   HandleProcedures();
+  HandleData();
   HandleTexts();
   BuildAppearanceMenu();
   app_.SetMainFrame(this, this);
@@ -97,12 +113,13 @@ void CAppFrame::BuildPages() {
 void CAppFrame::BuildBars() {
   toolBar_ = addToolBar(tr("Toolbar"));
   toolBar_->setObjectName("toolBar");
-  for (const int number : {kFileOpen, kFileSave, kFileImport}) {
-    toolBar_->addAction(menus_->Action(number));
-  }
+  FillBar(*toolBar_, {kFileNew, kFileOpen, kFileSave, kFilePrint, kSeparator, kFileImport,
+                      kFileExport, kSeparator, kEditUndo, kEditRedo});
   dataBar_ = addToolBar(tr("Data Toolbar"));
   dataBar_->setObjectName("dataToolBar");
-  dataBar_->addAction(menus_->Action(kViewGoToCase));
+  FillBar(*dataBar_,
+          {kViewGoToCase, kEditFind, kSeparator, kDataDefine, kDataInsertVariable, kDataInsertCase,
+           kSeparator, kDataSort, kDataSelect, kDataWeight, kSeparator, kViewLabels});
   cellLabel_ = new QLabel(dataBar_);
   cellLabel_->setObjectName("cellLabel");
   cellLabel_->setTextFormat(Qt::PlainText);
@@ -116,6 +133,16 @@ void CAppFrame::BuildBars() {
   dataBar_->hide();
 }
 
+void CAppFrame::FillBar(QToolBar& bar, std::initializer_list<int> numbers) {
+  for (const int number : numbers) {
+    if (number == kSeparator) {
+      bar.addSeparator();
+    } else {
+      bar.addAction(menus_->Action(number));
+    }
+  }
+}
+
 void CAppFrame::Handle(int number, void (CAppFrame::*handler)()) {
   QAction* const action = menus_->Action(number);
   action->setEnabled(true);
@@ -125,13 +152,13 @@ void CAppFrame::Handle(int number, void (CAppFrame::*handler)()) {
 }
 
 void CAppFrame::HandleCommands() {
+  Handle(kFileNew, &CAppFrame::NewDataSet);
   Handle(kFileOpen, &CAppFrame::AskAndOpen);
   Handle(kFileSave, &CAppFrame::SaveCurrent);
   Handle(kFileSaveAs, &CAppFrame::SaveCurrentAs);
   Handle(kFileImport, &CAppFrame::AskAndImport);
   Handle(kFileExport, &CAppFrame::ExportCurrent);
   Handle(kFileClose, &CAppFrame::CloseCurrent);
-  Handle(kViewGoToCase, &CAppFrame::GoToCase);
   Handle(kWindowTile, &CAppFrame::Tile);
   Handle(kWindowCascade, &CAppFrame::Cascade);
   Handle(kWindowNext, &CAppFrame::Next);
@@ -166,7 +193,9 @@ void CAppFrame::HandleCommands() {
 void CAppFrame::HandleProcedures() {
   for (const PROCEDURECOMMAND& command : ProcedureCommands()) {
     connect(menus_->Action(command.number), &QAction::triggered, this, [this, run = command.run] {
-      if (!app_.IsBusy() && current_ != nullptr) run(*current_);
+      if (app_.IsBusy() || current_ == nullptr) return;
+      current_->Table().EndEdit();
+      run(*current_);
     });
   }
   // Variables and their types change without the window's knowledge.
@@ -194,7 +223,6 @@ void CAppFrame::UpdateActions() {
   const bool open = current_ != nullptr;
   const bool saveable = open && current_->CanBeSaved();
   menus_->Action(kFileExport)->setEnabled(saveable);
-  menus_->Action(kViewGoToCase)->setEnabled(saveable);
   menus_->Action(kViewDataToolBar)->setEnabled(open);
   for (const PROCEDURECOMMAND& command : ProcedureCommands()) {
     menus_->Action(command.number)
@@ -205,6 +233,7 @@ void CAppFrame::UpdateActions() {
     menus_->Action(number)->setEnabled(Active() != nullptr);
   }
   UpdateTextActions();
+  UpdateDataActions();
   const bool text = currentText_ != nullptr;
   menus_->Action(kFileSave)->setEnabled(saveable || (text && currentText_->CanReplace()));
   menus_->Action(kFileSaveAs)->setEnabled(saveable || text);
@@ -259,6 +288,11 @@ void CAppFrame::UpdateCell() {
                        : currentText_ != nullptr ? currentText_->Description()
                                                  : QString();
   panes_->SetPaneText(CStatusBarPanes::kSizePane, size.toStdString());
+}
+
+void CAppFrame::ShowStatistics() {
+  panes_->SetPaneText(CStatusBarPanes::kStatisticsPane,
+                      current_ == nullptr ? CString() : current_->Statistics().toStdString());
 }
 
 void CAppFrame::ShowContextMenu(int type, const QPoint& point) {

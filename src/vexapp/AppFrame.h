@@ -57,6 +57,7 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   // AppFrame.cpp: what it is made of
   void BuildPages();
   void BuildBars();
+  void FillBar(QToolBar& bar, std::initializer_list<int> numbers);
   void HandleCommands();
   void Handle(int number, void (CAppFrame::*handler)());
   void HandleProcedures();
@@ -65,6 +66,7 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void ShowRecentFiles();
   void UpdateTitle();
   void UpdateCell();
+  void ShowStatistics();
   void ShowContextMenu(int type, const QPoint& point);
   void ShowAbout();
   void AskForEngine();
@@ -86,11 +88,17 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   EXTERNDATA KindOf(const QString& path) const;
   QString WhyNotWriteTo(const QString& path) const;  // empty: it may be written
 
+  // AppFrameData.cpp: commands of the data windows
+  void HandleData();
+  void UpdateDataActions();
+  void NewDataSet();
+
   // AppFrameTexts.cpp: outputs and syntaxes
   void HandleTexts();
   bool OpenText(const QString& path);
   CTextWindow* TextOf(const QString& path) const;
   void UpdateTextActions();
+  static bool HandlesText(int number);
 
   // AppFrameWindows.cpp: the windows inside
   std::vector<CFrameWindow*> Windows() const;
@@ -104,7 +112,6 @@ class CAppFrame final : public QMainWindow, public CMainFrame {
   void WindowGone(const QObject* window);
   void ShowCurrent();
   void ShowAsTabs(bool tabs);
-  void GoToCase();
   void CloseCurrent();
   void CloseAll();
   void Tile();

@@ -231,6 +231,7 @@ void CAppFrame::SaveCurrentAs() {
 
 void CAppFrame::ExportCurrent() {
   if (current_ == nullptr) return;
+  current_->Table().EndEdit();
   const CBusy busy(app_, current_);
   current_->Document().OnFileExportVexmorData();
 }

@@ -1,5 +1,6 @@
 // Outputs and syntaxes in the main window.
 #include <QFileInfo>
+#include <algorithm>
 
 #include "resources/Commands.h"
 #include "vexapp/AppFrame.h"
@@ -53,6 +54,11 @@ void CAppFrame::UpdateTextActions() {
   for (const TextCommand& command : kTextCommands) {
     menus_->Action(command.number)->setEnabled(command.windows == For::Syntax ? syntax : open);
   }
+}
+
+bool CAppFrame::HandlesText(int number) {
+  return std::any_of(std::begin(kTextCommands), std::end(kTextCommands),
+                     [number](const TextCommand& command) { return command.number == number; });
 }
 
 CTextWindow* CAppFrame::TextOf(const QString& path) const {

@@ -51,6 +51,8 @@ CDataWindow* CAppFrame::WindowOf(const QString& path) const {
 void CAppFrame::AddDataWindow(std::unique_ptr<CDataWindow> window) {
   CDataWindow* const added = window.release();
   connect(added, &CDataWindow::CellChanged, this, &CAppFrame::UpdateCell);
+  connect(added, &CDataWindow::CellChanged, this, &CAppFrame::UpdateDataActions);
+  connect(added, &CDataWindow::StatisticsChanged, this, &CAppFrame::ShowStatistics);
   connect(added, &CDataWindow::ContextMenuAsked, this, &CAppFrame::ShowContextMenu);
   AddWindow(added);
 }
@@ -105,6 +107,7 @@ void CAppFrame::ShowCurrent() {
   if (area_->subWindowList().isEmpty()) pages_->setCurrentWidget(startPage_);
   UpdateTitle();
   UpdateCell();
+  ShowStatistics();
   UpdateActions();
 }
 
@@ -113,10 +116,6 @@ void CAppFrame::ShowAsTabs(bool tabs) {
   menus_->Action(kWindowTabs)->setChecked(tabs);
   // Tabs as wide as their names, not as the window.
   if (auto* bar = area_->findChild<QTabBar*>()) bar->setExpanding(false);
-}
-
-void CAppFrame::GoToCase() {
-  if (current_ != nullptr) current_->AskForCase();
 }
 
 void CAppFrame::CloseCurrent() {

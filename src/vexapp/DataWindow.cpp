@@ -6,13 +6,18 @@
 #include <QMessageBox>
 #include <QVBoxLayout>
 
+#include "dataview/dialogs/FindValueDlg.h"
 #include "dataview/table/GoToCaseDlg.h"
 #include "resources/DrawnIcon.h"
 #include "vexapp/Display.h"
+#include "vexapp/SelectionStatistics.h"
 #include "vexapp/VexApp.h"
 
 CDataWindow::CDataWindow(CVexApp& app, QWidget* parent)
-    : CFrameWindow(parent), app_(app), table_(new CDataViewTbl(this)) {
+    : CFrameWindow(parent),
+      app_(app),
+      table_(new CDataViewTbl(this)),
+      statistics_(new CSelectionStatistics(this)) {
   table_->setObjectName("dataTable");
   setWindowIcon(DrawnIcon(Picture::Variables));
   auto* layout = new QVBoxLayout(this);
@@ -23,11 +28,23 @@ CDataWindow::CDataWindow(CVexApp& app, QWidget* parent)
   view_->AttachTable(table_);
   document_.onTitleChanged = [this] { ShowTitle(); };
   connect(table_, &CDataViewTbl::CurrentCellChanged, this, &CDataWindow::CellChanged);
-  connect(table_, &CDataViewTbl::ContextMenuAsked, this, &CDataWindow::AskForMenu);
+  // The view may still be at work when the table hears of it.
+  connect(table_, &CDataViewTbl::ContentChanged, this, &CDataWindow::CellChanged,
+          Qt::QueuedConnection);
+  connect(this, &CDataWindow::CellChanged, this, &CDataWindow::WatchSelection);
+  connect(table_, &CDataViewTbl::ContextMenuAsked, this, &CDataWindow::ContextMenuAsked);
+  connect(table_, &CDataViewTbl::EditRefused, this,
+          [this] { document_.WriteStatusInfo("A cell takes a number; the value is as it was."); });
+  connect(statistics_, &CSelectionStatistics::Changed, this, [this](const QString& text) {
+    if (text == statisticsText_) return;
+    statisticsText_ = text;
+    emit StatisticsChanged();
+  });
   ShowTitle();
 }
 
 CDataWindow::~CDataWindow() {
+  statistics_->Watch(nullptr, {});
   document_.onTitleChanged = nullptr;
 }
 
@@ -49,6 +66,15 @@ bool CDataWindow::OpenText(const QString& path, const EXTERNDATA& kind, const AS
   return true;
 }
 
+bool CDataWindow::New(std::int32_t cases, std::int32_t variables) {
+  const CBusy busy(app_);
+  const CWaitCursor wait;
+  document_.SetExtern(EXTERNDATA(), {}, cases, variables, false);
+  if (!document_.OnNewExternFile()) return false;
+  table_->SetCurrentCell({0, 0});
+  return true;
+}
+
 bool CDataWindow::Recover(const LeftOverScratch& left) {
   const CBusy busy(app_);
   if (!view_->Recover(left)) return false;
@@ -57,11 +83,13 @@ bool CDataWindow::Recover(const LeftOverScratch& left) {
 }
 
 bool CDataWindow::Save() {
+  table_->EndEdit();
   const CBusy busy(app_, this);
   return document_.OnFileSave() != 0;
 }
 
 bool CDataWindow::SaveAs() {
+  table_->EndEdit();
   const CBusy busy(app_, this);
   return document_.OnFileSaveAs() != 0;
 }
@@ -101,6 +129,51 @@ void CDataWindow::AskForCase() {
   table_->setFocus();
 }
 
+void CDataWindow::WatchSelection() {
+  const TableRange range = table_->Selection();
+  statistics_->Watch(view_.get(),
+                     {range.rowBegin, range.rowEnd, range.columnBegin, range.columnEnd});
+}
+
+void CDataWindow::AskForValue() {
+  if (findDialog_ == nullptr) {
+    findDialog_ = new CFindValueDlg(this);
+    connect(findDialog_, &CFindValueDlg::FindAsked, this, &CDataWindow::FindFromDialog);
+  }
+  const int column = table_->GetCurrentCell().column;
+  findDialog_->SetColumn(column, table_->ColumnHeading(column));
+  findDialog_->show();
+  findDialog_->raise();
+  findDialog_->activateWindow();
+}
+
+void CDataWindow::FindFromDialog(bool backward) {
+  std::optional<FindRequest> request = findDialog_->Request();
+  if (!request || app_.IsBusy()) return;
+  request->backward = backward;
+  lastFind_ = request;
+  Find(*request);
+}
+
+void CDataWindow::FindAgain(bool backward) {
+  if (!lastFind_) return AskForValue();
+  lastFind_->backward = backward;
+  Find(*lastFind_);
+}
+
+void CDataWindow::Find(FindRequest request) {
+  const CWaitCursor wait;
+  request.from = table_->GetCurrentCell();
+  TableCell found;
+  const FindResult result = view_->FindValue(request, found);
+  if (result == FindResult::Found) table_->SetCurrentCell(found);
+  const QString text = result == FindResult::Found      ? CellDescription()
+                       : result == FindResult::NotFound ? tr("No cell fits.")
+                                                        : QString();
+  if (findDialog_ != nullptr) findDialog_->ShowResult(text);
+  document_.WriteStatusInfo(result == FindResult::NotFound ? text.toStdString() : CString());
+}
+
 void CDataWindow::ShowTitle() {
   setWindowTitle(FileName() + "[*]");
   setWindowModified(document_.IsModified());
@@ -117,17 +190,11 @@ void CDataWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool CDataWindow::MayClose() {
+  table_->EndEdit();
   if (!document_.IsModified()) return true;
   const auto answer = QMessageBox::warning(
       this, QCoreApplication::applicationName(), tr("Save changes to %1?").arg(FileName()),
       QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
   if (answer == QMessageBox::Save) return Save();
   return answer == QMessageBox::Discard;
-}
-
-void CDataWindow::AskForMenu(TableArea area, const QPoint& globalPoint) {
-  if (area == TableArea::Cell) menuType_ = 0;
-  if (area == TableArea::RowHeading) menuType_ = 1;
-  if (area == TableArea::ColumnHeading) menuType_ = 2;
-  if (menuType_ >= 0) emit ContextMenuAsked(menuType_, globalPoint);
 }

@@ -68,7 +68,10 @@ TEST_F(AppFrameTest, EnablesWhatIsBuiltAndHasSomethingToWorkOn) {
   for (const int number : {kFileSave, kFileSaveAs, kFileClose, kViewGoToCase, kWindowTile}) {
     EXPECT_TRUE(isEnabled(number)) << number;
   }
-  for (const int number : {1228, 9026, 34064, 9031, 34048, 34074, kFilePrint, kEditPaste}) {
+  for (const int number : {kDataDefine, kDataInsertVariable, kDataSort, kFilePrint, kEditPaste}) {
+    EXPECT_TRUE(isEnabled(number)) << number;
+  }
+  for (const int number : {9031, 34070, 34048, 34074, kEditUndo}) {
     EXPECT_FALSE(isEnabled(number)) << number;
   }
 }

@@ -65,7 +65,7 @@ TEST_F(TextWindowsTest, OpensEachFileInAWindowOfItsKind) {
   for (int i = 0; i < 2; ++i) {  // the second time they are there already
     EXPECT_TRUE(util.OpenDocumentFile(data));
     EXPECT_TRUE(frame.CurrentWindow() != nullptr && frame.CurrentText() == nullptr);
-    EXPECT_FALSE(IsEnabled(kEditFind) || IsEnabled(kStatisticsRunSyntax) || IsEnabled(kFilePrint));
+    EXPECT_FALSE(IsEnabled(kEditReplace) || IsEnabled(kStatisticsRunSyntax));
     EXPECT_TRUE(IsEnabled(kStatisticsScreening) && IsEnabled(kStatisticsOutputOptions));
     EXPECT_TRUE(util.OpenDocumentFile(output));
     ASSERT_NE(Output(), nullptr);
