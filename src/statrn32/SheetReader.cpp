@@ -115,7 +115,7 @@ void CSheetReader::FindNames() {
   for (; end < cells.size() && cells[end].row == cells[0].row; ++end) {
     texts = texts && cells[end].kind == SHEET_KIND::Text;
   }
-  namesFound_ = texts && end < cells.size();
+  namesFound_ = texts;
   firstData_ = namesFound_ ? end : 0;
 }
 

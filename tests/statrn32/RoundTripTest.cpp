@@ -150,7 +150,7 @@ TEST_P(RoundTrip, AFileWithoutRecordsIsWhole) {
   ASSERT_EQ(There(table).error, "");
   const Table back = Back();
   if (!GetParam().emptyFile) {
-    EXPECT_THAT(back.error, HasSubstr("no record"));
+    EXPECT_THAT(back.error, HasSubstr("the file is empty"));
     return;
   }
   EXPECT_EQ(back.error, "");
