@@ -242,6 +242,8 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
       {"OR 6\nSE 4 6\nOU", 3, "variable same"},
       {"OU SM=x", 2, "need the matrix that they belong to"},
       {"SE 1 2\nOU MA=AM AC=x", 3, "are those of covariances or correlations"},
+      {"SE 1\nOU MA=KM AC=x", 3, "one variable has no correlations"},
+      {"SE 4\nOU MA=KM AV=x", 3, "one variable has no correlations"},
       {"SE 1 2\nOU TH=x", 3, "no variable is ordinal"},
       {"SE 1 2\nOU MA=CM SM=/no/such/folder/x", 3, "cannot be written"},
       {"OFA NOR NF=1\nOU", 2, "Factor analysis of ordinal variables (OFA) is not built into this"},

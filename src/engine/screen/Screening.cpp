@@ -63,6 +63,10 @@ class CScreening {
                output_.moments != MOMENTS::Correlations) {
       fault = OutputFault(run_, "asymptotic covariances are those of covariances or correlations",
                           "Ask for MA=CM or MA=KM, or leave out AC, AV, PA and PV.");
+    } else if (needs_.asymptotic && output_.moments == MOMENTS::Correlations &&
+               numeric + ordinal < 2) {
+      fault = OutputFault(run_, "one variable has no correlations, and so no AC, AV, PA or PV",
+                          "Leave out AC, AV, PA and PV, or select more variables.");
     } else if (run_.job.procedures.empty() && !output_.thresholdFile.empty() && ordinal == 0) {
       fault = OutputFault(run_, "TH asks for thresholds, and no variable is ordinal",
                           "Leave out TH, or select ordinal variables.");
@@ -226,7 +230,6 @@ class CScreening {
           },
           result, fault);
     } else if (variables_.numeric.empty() && correlations) {
-      if (!polychoric_) return true;  // one variable has no correlations
       stats::CPolychoricAcov acov(*tables_, *polychoric_, variables_.deletion, run_.threads);
       done = Accumulate(
           acov, [](auto& sum, const CASEBLOCK& block) { sum.Add(block.codes); }, result, fault);

@@ -13,7 +13,7 @@ const char* StatusText(EStatus status) {
     case EStatus::ZeroWeights:
       return "the weights add up to zero";
     case EStatus::NotFinite:
-      return "a value or a weight is not a finite number";
+      return "a value, a weight or a result is not a finite number";
     case EStatus::Constant:
       return "the variable has one value only";
     case EStatus::OneCategory:
