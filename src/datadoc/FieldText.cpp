@@ -278,6 +278,18 @@ class FieldForms {
   char* out_;
 };
 
+// With the usual decimals where they stand for exactly this double, as for every large one;
+// otherwise with the fewest digits that do.
+void AppendLong(double value, CString& out) {
+  char text[340];  // the largest double has 309 digits before the point
+  char* const end = text + sizeof text;
+  auto written = std::to_chars(text, end, value, std::chars_format::fixed, kUsualDecimals);
+  double read = 0;
+  std::from_chars(text, written.ptr, read);
+  if (read != value) written = std::to_chars(text, end, value);
+  out.append(text, written.ptr);
+}
+
 }  // namespace
 
 double ReadField(std::string_view text, int decimals, FieldState& state) {
@@ -299,8 +311,7 @@ bool AppendFreeNumber(double value, CString& out) {
   char* const end = text + sizeof text;
   std::uint64_t millionths = 0;
   if (!AsMillionths(std::fabs(value), millionths)) {
-    const auto shortest = std::to_chars(text, end, value);
-    out.append(text, shortest.ptr);
+    AppendLong(value, out);
     return true;
   }
   char* at = WriteDigits(millionths % 1'000'000, kUsualDecimals, end);

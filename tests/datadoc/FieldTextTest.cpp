@@ -103,9 +103,12 @@ TEST(FieldText, FreeNumbersReadBack) {
   const struct {
     double value;
     const char* text;
-  } cases[] = {{1, "1.000000"},          {-2.5, "-2.500000"},
-               {0.1234567, "0.1234567"}, {-999999, "-999999.000000"},
-               {1e15, "1e+15"},          {-9.999e301, "-9.999e+301"}};
+  } cases[] = {{1, "1.000000"},
+               {-2.5, "-2.500000"},
+               {0.1234567, "0.1234567"},
+               {-999999, "-999999.000000"},
+               {1e15, "1000000000000000.000000"},
+               {-2.5e10, "-25000000000.000000"}};
   for (const auto& [value, text] : cases) {
     CString out;
     EXPECT_TRUE(AppendFreeNumber(value, out));
