@@ -259,6 +259,8 @@ class CMatrixCopy {
       result_.problem = "No part of the matrix file has the position 1.";
     }
     if (!result_.Failed() && !cells_.Flush()) result_.error = errno;
+    // Full rows read as a triangle, for one, leave numbers behind.
+    if (!result_.Failed()) result_.more = records_->HasMore();
     return std::move(result_);
   }
 

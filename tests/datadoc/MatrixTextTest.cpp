@@ -68,6 +68,13 @@ TEST_F(MatrixText, FixedColumnsTakeARowALine) {
   EXPECT_EQ(ReadBytes(name), "(2F3.1)\n1.5\n2.00.3\n0.45.5\n");
 }
 
+TEST_F(MatrixText, TellsOfNumbersThatAreLeft) {
+  WriteBytes(name, "1 2\n2 3\n");
+  document.SetExtern(Kind(1, 0, 0, false), {}, 0, 2, false);
+  ASSERT_EQ(document.OnOpenDocument(name), 1);
+  EXPECT_NE(host.LastMessage().find("holds more"), CString::npos);
+}
+
 TEST_F(MatrixText, StopsWhereNoPartIs) {
   WriteBytes(name, "1 2 3 9 9");
   document.SetExtern(Kind(1, 3, 0, false), {}, 0, 2, false);
