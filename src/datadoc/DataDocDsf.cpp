@@ -43,6 +43,14 @@ CString WhyNoGroup(int file, std::int32_t variables, std::int32_t group, std::in
   return {};
 }
 
+// False, with the reason in errno, when the user has stopped the work. What shows the progress may
+// have changed errno.
+bool GoesOn(CProgress& progress, std::int64_t done, std::int64_t all) {
+  if (progress.Advance(static_cast<double>(done) / static_cast<double>(all))) return true;
+  errno = ECANCELED;
+  return false;
+}
+
 // How many rows of a matrix are moved at once.
 std::int64_t RowsAtOnce(std::int64_t variables) {
   return std::max<std::int64_t>(1,
@@ -74,8 +82,7 @@ bool SpreadTriangle(int file, std::int64_t offset, std::int64_t variables, int s
     if (!WriteAt(scratch, CellBytes(row, variables), rows.data(), rows.size() * kCellBytes)) {
       return false;
     }
-    errno = ECANCELED;
-    if (!progress.Advance(static_cast<double>(end) / static_cast<double>(variables))) return false;
+    if (!GoesOn(progress, end, variables)) return false;
   }
   return true;
 }
@@ -103,8 +110,7 @@ bool PackTriangle(int scratch, std::int64_t variables, int file, std::int64_t of
     if (!WriteAt(file, offset + DsfTriangle(row) * 8, packed.data(), packed.size() * kCellBytes)) {
       return false;
     }
-    errno = ECANCELED;
-    if (!progress.Advance(static_cast<double>(end) / static_cast<double>(variables))) return false;
+    if (!GoesOn(progress, end, variables)) return false;
   }
   return true;
 }
@@ -251,11 +257,14 @@ bool CDataDoc::CopyDsfGroup(int file, std::int64_t offset, std::int32_t variable
   const std::int64_t triangle = offset + static_cast<std::int64_t>(names.size());
   const std::int64_t lastRow = triangle + DsfTriangle(variables) * 8;
   std::FILE* const scratch = view.OpenScratchFile("w+b");
-  const auto progress = Host().StartProgress(title);
+  auto progress = Host().StartProgress(title);
   if (scratch == nullptr || ReadAt(file, offset, names.data(), names.size()) < 0 ||
       !SpreadTriangle(file, triangle, variables, fileno(scratch), *progress) ||
       !CopyRange(file, lastRow, fileno(scratch), CellBytes(variables, variables),
                  CellBytes(1, variables))) {
+    const int error = errno;
+    progress.reset();  // may change errno
+    errno = error;
     return false;
   }
   const std::int32_t format = data_.format;
@@ -312,11 +321,14 @@ CString CDataDoc::WhyNotSaveGroup(int file) const {
 // Makes a copy of the file with the group in it, and the copy the file. False with the reason in
 // errno or in the side file.
 bool CDataDoc::ReplaceDsfGroup(int old, int scratch, CSideFile& target, const CString& fileName) {
-  const auto progress = Host().StartProgress("Saving " + fileName);
+  auto progress = Host().StartProgress("Saving " + fileName);
   const std::int64_t start = extern_.group * DsfWriteStride(data_.variables);
   const int side = target.Descriptor();
   if (!CopyRange(old, 0, side, 0, FileBytes(old)) ||
       !WriteGroup(side, data_, start, scratch, *progress)) {
+    const int error = errno;
+    progress.reset();  // may change errno
+    errno = error;
     return false;
   }
   CString kept;

@@ -122,8 +122,11 @@ class CTextSave {
       return false;
     }
     if (!rows_.EndsBlock(row)) return true;
-    errno = ECANCELED;
-    return progress_.Advance(static_cast<double>(row + 1) / static_cast<double>(data_.records));
+    if (progress_.Advance(static_cast<double>(row + 1) / static_cast<double>(data_.records))) {
+      return true;
+    }
+    errno = ECANCELED;  // only now: what shows the progress may change it
+    return false;
   }
 
   CString Describe(std::int64_t row, double value) const {
@@ -318,7 +321,12 @@ bool CDataDoc::WriteTextFile(int scratch, CSideFile& target, const CString& file
       !writer.AddLine(NamesLine(VariableNames()))) {
     return false;
   }
-  const auto progress = Host().StartProgress("Saving " + fileName);
+  auto progress = Host().StartProgress("Saving " + fileName);
   CTextSave save(data_, extern_, scratch, writer, *progress);
-  return (matrix ? save.Matrix(problem) : save.Cases(problem)) && writer.Flush() && target.Commit();
+  const bool written =
+      (matrix ? save.Matrix(problem) : save.Cases(problem)) && writer.Flush() && target.Commit();
+  const int error = errno;
+  progress.reset();  // may change errno
+  errno = error;
+  return written;
 }
