@@ -83,7 +83,12 @@ void InsertCases(CDataWindow& window) {
 }
 
 void DeleteVariables(CDataWindow& window) {
-  const CellRange range = SelectedCells(window);
+  CellRange range = SelectedCells(window);
+  // Whole cases are selected: that does not single out variables.
+  if (range.Columns() == Data(window).variables) {
+    range.columnBegin = window.Table().GetCurrentCell().column;
+    range.columnEnd = range.columnBegin + 1;
+  }
   std::vector<std::int32_t> selected;
   for (int column = range.columnBegin; column < range.columnEnd; ++column) {
     selected.push_back(column);
@@ -97,8 +102,10 @@ void DeleteCases(CDataWindow& window) {
   const auto start = StartingCase(window.Table().GetCurrentCell().row, cases);
   if (!start || cases < 1) return;
   const CellRange range = SelectedCells(window);
-  CdlgDeleteCases dialog(range.IsEmpty() ? *start : range.rowBegin + 1,
-                         range.IsEmpty() ? *start : range.rowEnd, cases, &window);
+  // Whole variables are selected: Enter must not delete every case then.
+  const bool chosen = !range.IsEmpty() && range.Rows() < cases;
+  CdlgDeleteCases dialog(chosen ? range.rowBegin + 1 : *start, chosen ? range.rowEnd : *start,
+                         cases, &window);
   if (dialog.exec() == QDialog::Accepted) window.View().OnDeleteCases(dialog.Request());
 }
 

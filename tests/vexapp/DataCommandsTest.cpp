@@ -125,6 +125,21 @@ TEST_F(DataCommandsTest, InsertsDeletesAndTakesItAllBack) {
   EXPECT_TRUE(driver.AllAnswered());
 }
 
+// A heading that was clicked selects every cell across it; only one of them is meant to go.
+TEST_F(DataCommandsTest, DeletionsStartWithOneOfASelectionAcrossTheSheet) {
+  CDataGrid& grid = Window().Table().Grid();
+  grid.MoveTo({6, 1}, false, CTableCursor::Shape::Columns);
+  ThenOk();
+  Trigger(kDataDeleteCase);
+  EXPECT_EQ(Document().GetRecnum(), 19);
+  EXPECT_EQ(Cell(6, 1), 7.01);
+  grid.MoveTo({6, 1}, false, CTableCursor::Shape::Rows);
+  ThenOk();
+  Trigger(kDataDeleteVariable);
+  ASSERT_EQ(Document().GetVarnum(), 2);
+  EXPECT_EQ(Cell(6, 1), 7.02);
+}
+
 TEST_F(DataCommandsTest, SortsByTheChosenVariable) {
   MoveTo(0, 2);
   ThenOk([](QDialog& dialog) { Find<QRadioButton>(dialog, "descendingRadio").click(); });
