@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 
 #include <boost/algorithm/string/replace.hpp>
@@ -109,10 +110,13 @@ bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int t
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::WriteToStandardOutput(int type, CharT delimiter,
                                                               const variables_t& variables) {
+  // The stream that the process has, not its file opened anew: what others wrote there stays.
   basic_text_export_t<CharT> target;
-  const bool written =
-      OpenExportFile("/dev/stdout", type, delimiter, target) && WriteTextRecords(target, variables);
-  target.stream.close();
+  target.type = type;
+  target.delimiter = delimiter;
+  static_cast<std::basic_ios<CharT>&>(target.stream).rdbuf(std::cout.rdbuf());
+  const bool written = WriteTextRecords(target, variables);
+  target.stream.flush();
   if (!target.stream.fail()) return written;
   ReportError(string("Standard output: ") + std::strerror(errno));
   return false;

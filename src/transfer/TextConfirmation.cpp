@@ -6,6 +6,7 @@
 #include <locale>
 #include <utility>
 
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/format.hpp>
 
 #include "host/Text.h"
@@ -158,7 +159,8 @@ bool CTextConfirmation::Rename(std::size_t row, const std::string& name, std::st
 
 std::string CTextConfirmation::CommandText(TextVariableCommand command, std::size_t row) const {
   const auto with = [](const char* text, const std::string& name) {
-    return boost::str(boost::format(text) % name);
+    // An ampersand of the name is no mnemonic.
+    return boost::str(boost::format(text) % boost::algorithm::replace_all_copy(name, "&", "&&"));
   };
   switch (command) {
     case TextVariableCommand::Rename:

@@ -453,9 +453,11 @@ void basic_text_import_t<CharT>::Convert(std::size_t column, std::string_view te
   if (text.size() <= kLongestCompared) value.text = text;
   bool whole = false;
   const auto number = Number(text, whole);
-  value.value = number.value_or(0);
-  value.missing = !number;
-  if (!whole && !missing_.HasText(text)) unreadableNow_.push_back(column);
+  // A text that means missing may begin with a number: "-1.#IND".
+  const bool meansMissing = !whole && missing_.HasText(text);
+  value.value = meansMissing ? 0 : number.value_or(0);
+  value.missing = meansMissing || !number;
+  if (!whole && !meansMissing) unreadableNow_.push_back(column);
 }
 
 // The number at the start of a text. Where the decimal mark is a comma, a point ends it.

@@ -84,7 +84,8 @@ class basic_text_import_t : public basic_text_transfer_t<CharT> {
   bool StartRecords();
   // Reads the next record into one value per variable. A number has its value and no text; any
   // other field its text, and of a numeric variable the number that it begins with (0 and missing
-  // when there is none). Kinds are left alone. False at the end and after an error.
+  // when there is none, and for a missing-value string). Kinds are left alone. False at the end and
+  // after an error.
   bool ReadRecord(values_t& values);
 
   // The part of the file that has been read, 0 to 1.

@@ -48,8 +48,8 @@ TEST_F(TextConfirmation, RefusesANameOfAnotherRow) {
 }
 
 TEST_F(TextConfirmation, CommandsNameAndChoose) {
-  Confirm("a,,c\n1,2,3\n", 1003, [&](CTextConfirmation& c) {
-    EXPECT_EQ(c.CommandText(Command::UseImportName, 0), "Use &Import Name (a)");
+  Confirm("a&b,,c\n1,2,3\n", 1003, [&](CTextConfirmation& c) {
+    EXPECT_EQ(c.CommandText(Command::UseImportName, 0), "Use &Import Name (a&&b)");
     EXPECT_EQ(c.CommandText(Command::UseDefaultName, 2), "Use &Default Name (VAR003)");
     EXPECT_FALSE(c.CanDo(Command::UseImportName, 1)) << "the file gives it none";
     ASSERT_TRUE(c.Do(Command::UseDefaultName, 2, problem));

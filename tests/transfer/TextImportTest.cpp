@@ -95,6 +95,13 @@ TEST_F(TextImportTest, UnreadableFieldsAreCountedAndTold) {
   }
 }
 
+TEST_F(TextImportTest, TextsThatMeanMissingMayBeginWithANumber) {
+  port.SetMissingStrings({"-1.#IND", "9x"});
+  ASSERT_TRUE(Import("a,b\n-1.#IND,1\n2, 9X\n3,-1\n", 1003));
+  EXPECT_EQ(Rows(), (rows_t{{M, 1}, {2, M}, {3, -1}}));
+  EXPECT_TRUE(host.messages.empty()) << host.LastMessage();
+}
+
 TEST_F(TextImportTest, NamesComeFromTheFirstLineOrTheTemplate) {
   const struct {
     const char* text;

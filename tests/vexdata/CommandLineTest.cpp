@@ -1,3 +1,5 @@
+#include <cstdio>
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -107,6 +109,18 @@ TEST_F(CommandLine, ExportsToAFile) {
   EXPECT_EQ(warned.code, 0);
   EXPECT_TRUE(warned.err.starts_with("note: ")) << warned.err;
   EXPECT_EQ(RunVexData({"export", small, folder / "quiet.raw", "--quiet"}).err, "");
+}
+
+TEST_F(CommandLine, ExportsBehindWhatStandardOutputHolds) {
+  WriteSmallFile();
+  const char* const arguments[] = {"vexdata", "export", small.c_str(), "-", "--quiet"};
+  testing::internal::CaptureStdout();
+  std::puts("before");
+  std::fflush(stdout);
+  EXPECT_EQ(RunCommandLine(5, arguments), 0);
+  std::puts("after");
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "before\n1,2.5\n3,\n5,\nafter\n");
 }
 
 TEST_F(CommandLine, InfoAsJsonSaysEverything) {
