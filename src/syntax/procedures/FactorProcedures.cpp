@@ -1,5 +1,6 @@
 #include "syntax/procedures/FactorProcedures.h"
 
+#include "host/Text.h"
 #include "syntax/procedures/ChoiceChecks.h"
 
 namespace {
@@ -46,7 +47,7 @@ std::optional<ChoiceProblem> ProblemOf(const TORVIKSTRUCT&, const FactorAnalysis
 
 ProcedureText TextOf(const TORVIKSTRUCT& data, const OrdinalFactorChoices& choices) {
   return AnalysisText(data, choices.subset, choices.proportionalOdds ? "OFA POM" : "OFA NOR")
-      .Value("NF=", choices.factors)
+      .Value("NF=", CString(Trimmed(choices.factors)))
       .Get();
 }
 
@@ -63,7 +64,7 @@ std::optional<ChoiceProblem> ProblemOf(const TORVIKSTRUCT& data,
 
 ProcedureText TextOf(const TORVIKSTRUCT& data, const PrincipalComponentChoices& choices) {
   return AnalysisText(data, choices.subset, "PC")
-      .Value("NC=", choices.components)
+      .Value("NC=", CString(Trimmed(choices.components)))
       .Word(choices.correlations, "KM")
       .Word(choices.scores, "PS")
       .Get();
