@@ -44,19 +44,25 @@ void WriteFit(ENGINERUN& run, const stats::CensoringLimits& limits,
   facts.Write(report);
 }
 
-void WriteEstimates(ENGINERUN& run, const CRegressionData& data,
-                    const stats::CensoredRegressionResult& result) {
-  CReport& report = run.report;
+std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
+                                               const stats::CensoredRegressionResult& result) {
+  std::vector<ESTIMATES::PARAMETER> parameters;
+  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
+    parameters.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1), result.coefficient[i],
+                          result.standardError[i]});
+  }
+  return parameters;
+}
+
+void WriteEstimates(CReport& report, const std::vector<ESTIMATES::PARAMETER>& parameters) {
   TABLE table;
   table.narrowest = static_cast<std::size_t>(report.Numbers().width);
   table.columns = {
       {"Variable", true}, {"Estimate", false}, {"Std. error", false}, {"z", false}, {"p", false}};
-  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
-    const double z = result.coefficient[i] / result.standardError[i];
-    table.rows.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1),
-                          report.Number(result.coefficient[i]),
-                          report.Number(result.standardError[i]), report.Number(z),
-                          CReport::Probability(stats::NormalTwoSided(z))});
+  for (const auto& one : parameters) {
+    const double z = one.value / one.error;
+    table.rows.push_back({one.name, report.Number(one.value), report.Number(one.error),
+                          report.Number(z), CReport::Probability(stats::NormalTwoSided(z))});
   }
   report.Subsection("Coefficients");
   report.Table(table);
@@ -83,8 +89,9 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         [&](const auto& work) { return data.Pass(work, fault); },
         static_cast<int>(regression.x.size()), limits, run.threads);
     if (result.stopped) return false;
-    data.WriteHeading("Censored regression of " + data.YName() + " on " +
-                      NameList(run.job.data, regression.x));
+    const CString title =
+        "Censored regression of " + data.YName() + " on " + NameList(run.job.data, regression.x);
+    data.WriteHeading(title);
     if (result.status != EStatus::Ok) {
       fault = data.FaultOf(result.status, result.variable);
       return false;
@@ -94,7 +101,11 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "value of y. Standard errors from the observed information.");
     run.report.Gap();
     WriteFit(run, limits, result);
-    WriteEstimates(run, data, result);
+    auto parameters = ParametersOf(data, result);
+    WriteEstimates(run.report, parameters);
+    if (run.estimates != nullptr) {
+      run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
+    }
     data.WarnOfCollinearity(result.smallestPivot);
   }
   return true;

@@ -11,8 +11,8 @@ namespace {
 
 using stats::EStatus;
 
-void AddEstimate(const CReport& report, TABLE& table, const CString& name, double estimate,
-                 double error) {
+void AddRow(const CReport& report, TABLE& table, const CString& name, double estimate,
+            double error) {
   if (error == 0) {  // fixed
     table.rows.push_back({name, report.Number(estimate), "(fixed)"});
     return;
@@ -36,28 +36,31 @@ void WriteCategories(ENGINERUN& run, const CRegressionData& data,
   run.report.Table(table);
 }
 
-void WriteEstimates(ENGINERUN& run, const CRegressionData& data,
-                    const stats::OrdinalRegressionResult& result, bool alternative) {
+std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
+                                               const stats::OrdinalRegressionResult& result,
+                                               bool alternative) {
+  std::vector<ESTIMATES::PARAMETER> parameters;
+  const stats::AlternativeParameters other = stats::Alternative(result);
+  const auto& threshold = alternative ? other.threshold : result.threshold;
+  const auto& error = alternative ? other.thresholdError : result.thresholdError;
+  for (std::size_t j = 0; j < threshold.size(); ++j) {
+    const CString name = "Threshold " + CategoryText(data.Categories().values[j]) + " | " +
+                         CategoryText(data.Categories().values[j + 1]);
+    parameters.push_back({name, threshold[j], error[j]});
+  }
+  if (alternative) parameters.push_back({"(Intercept)", other.intercept, other.interceptError});
+  for (std::size_t j = 0; j < result.slope.size(); ++j)
+    parameters.push_back({data.Name(j), result.slope[j], result.slopeError[j]});
+  return parameters;
+}
+
+void WriteEstimates(ENGINERUN& run, const std::vector<ESTIMATES::PARAMETER>& parameters) {
   CReport& report = run.report;
   TABLE table;
   table.narrowest = static_cast<std::size_t>(report.Numbers().width);
   table.columns = {
       {"Parameter", true}, {"Estimate", false}, {"Std. error", false}, {"z", false}, {"p", false}};
-  const stats::AlternativeParameters other = stats::Alternative(result);
-  for (std::size_t j = 0; j < result.threshold.size(); ++j) {
-    const CString name = "Threshold " + CategoryText(data.Categories().values[j]) + " | " +
-                         CategoryText(data.Categories().values[j + 1]);
-    if (alternative) {
-      AddEstimate(report, table, name, other.threshold[j], other.thresholdError[j]);
-    } else {
-      AddEstimate(report, table, name, result.threshold[j], result.thresholdError[j]);
-    }
-  }
-  if (alternative) {
-    AddEstimate(report, table, "(Intercept)", other.intercept, other.interceptError);
-  }
-  for (std::size_t j = 0; j < result.slope.size(); ++j)
-    AddEstimate(report, table, data.Name(j), result.slope[j], result.slopeError[j]);
+  for (const auto& one : parameters) AddRow(report, table, one.name, one.value, one.error);
   report.Subsection("Estimates");
   report.Table(table);
 }
@@ -105,8 +108,9 @@ bool RunOrdinalRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fau
         static_cast<int>(regression.x.size()), static_cast<int>(data.Categories().values.size()),
         probit ? stats::ELink::Probit : stats::ELink::Logistic, run.threads);
     if (result.stopped) return false;
-    data.WriteHeading(CString(probit ? "Probit" : "Logistic") + " regression of " + data.YName() +
-                      " on " + NameList(run.job.data, regression.x));
+    const CString title = CString(probit ? "Probit" : "Logistic") + " regression of " +
+                          data.YName() + " on " + NameList(run.job.data, regression.x);
+    data.WriteHeading(title);
     if (result.status != EStatus::Ok) {
       fault = data.FaultOf(result.status, result.variable);
       return false;
@@ -123,8 +127,12 @@ bool RunOrdinalRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fau
     run.report.Gap();
     WriteFit(run, result);
     WriteCategories(run, data, result);
-    WriteEstimates(run, data, result, regression.alternativeParameters);
+    auto parameters = ParametersOf(data, result, regression.alternativeParameters);
+    WriteEstimates(run, parameters);
     if (!probit) WriteOddsRatios(run, data, result);
+    if (run.estimates != nullptr) {
+      run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
+    }
     data.WarnOfCollinearity(result.smallestPivot);
     if (ReadsThresholds(run.job)) {
       run.report.Warning("The thresholds that FT fixes are not used in the regression of " +

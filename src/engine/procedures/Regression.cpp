@@ -47,6 +47,19 @@ void WriteCoefficients(ENGINERUN& run, const CRegressionData& data,
   report.Table(table);
 }
 
+void TellEstimates(ENGINERUN& run, const CRegressionData& data, const CString& title,
+                   const stats::LeastSquaresResult& result) {
+  if (run.estimates == nullptr) return;
+  ESTIMATES& estimates = run.estimates->emplace_back();
+  estimates.title = title;
+  estimates.n = result.n;
+  estimates.df = result.df2;
+  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
+    estimates.parameters.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1),
+                                    result.coefficient[i], result.standardError[i]});
+  }
+}
+
 void WriteFit(ENGINERUN& run, const stats::LeastSquaresResult& result) {
   CReport& report = run.report;
   CFactTable facts;
@@ -160,8 +173,9 @@ bool RunRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
     const auto k = static_cast<int>(regression.x.size());
     stats::CCrossProducts sums(k + 1, run.threads);
     if (!data.Prepare(y, false, fault) || !Accumulate(data, sums, fault)) return false;
-    data.WriteHeading("Regression of " + data.YName() + " on " +
-                      NameList(run.job.data, regression.x));
+    const CString title =
+        "Regression of " + data.YName() + " on " + NameList(run.job.data, regression.x);
+    data.WriteHeading(title);
     const auto result = stats::EstimateLeastSquares(sums, k, FirstPlaces(regression.x.size()));
     if (result.status != EStatus::Ok) {
       fault = data.FaultOf(result.status, result.variable);
@@ -170,6 +184,7 @@ bool RunRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
     WriteFit(run, result);
     WriteCoefficients(run, data, result, true);
     WriteVariance(run, result);
+    TellEstimates(run, data, title, result);
     data.WarnOfCollinearity(result.smallestPivot);
   }
   return true;
@@ -187,8 +202,9 @@ bool RunTwoStageRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         !Accumulate(data, sums, fault)) {
       return false;
     }
-    data.WriteHeading("Two-stage least squares: " + data.YName() + " on " +
-                      NameList(run.job.data, regression.x));
+    const CString title =
+        "Two-stage least squares: " + data.YName() + " on " + NameList(run.job.data, regression.x);
+    data.WriteHeading(title);
     run.report.Paragraph("Instruments: " + NameList(run.job.data, regression.instruments));
     run.report.Gap();
     const auto result = stats::EstimateTwoStage(sums, k, FirstPlaces(regression.x.size()), z);
@@ -212,6 +228,7 @@ bool RunTwoStageRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "R-square is 1 - residual / total sum of squares and may be negative; the residual "
         "variance has the divisor n - number of coefficients.");
     WriteFirstStages(run, data, result);
+    TellEstimates(run, data, title, result);
     data.WarnOfCollinearity(result.smallestPivot);
   }
   return true;
