@@ -126,7 +126,9 @@ bool CDataView::IsReadyFor(const EditStep& step) const {
 
 void CDataView::TellOfFailure(int error) const {
   if (error == ECANCELED) return;
-  document_.WriteStatusInfo(CString("The data set is unchanged: ") + std::strerror(error));
+  // Memory that runs out leaves no error number.
+  const char* const why = error == 0 ? "out of memory" : std::strerror(error);
+  document_.WriteStatusInfo(CString("The data set is unchanged: ") + why);
   AfxMessageBox(kNoWorkFile);
 }
 

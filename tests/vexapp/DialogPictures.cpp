@@ -3,16 +3,14 @@
 //   dialog_pictures FOLDER [FILE.VSF]
 // QT_SCALE_FACTOR=2 draws them for a fine screen.
 #include <QAbstractButton>
-#include <QApplication>
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QTabWidget>
-#include <QTemporaryDir>
-#include <clocale>
 #include <cstdio>
 
+#include "datadoc/dialogs/Asc2VSFDlg.h"
+#include "datadoc/dialogs/MatrixTextDlg.h"
 #include "dataview/definition/CategoryItems.h"
 #include "dataview/dialogs/ChooseVariableDlg.h"
 #include "dataview/dialogs/DataDefAddDlg.h"
@@ -34,6 +32,7 @@
 #include "dataview/table/DataGrid.h"
 #include "resources/Commands.h"
 #include "resources/DrawnIcon.h"
+#include "support/OffscreenApplication.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/Appearance.h"
 #include "vexapp/DataWindow.h"
@@ -127,6 +126,15 @@ void PictureOfSelection(CAppFrame& frame, CDataDoc& document) {
   DrawAndClose(select, "select-variables");
 }
 
+void PictureOfTextOpening(CAppFrame& frame) {
+  CAsc2VSFDlg text({12, true}, true, &frame);
+  DrawAndClose(text, "open-text");
+  EXTERNDATA kind;
+  kind.ma_type = 1;
+  CMatrixTextDlg matrix(kind, true, 12, &frame);
+  DrawAndClose(matrix, "open-matrix");
+}
+
 void PictureOfWork(CAppFrame& frame) {
   CDataWindow& window = *frame.CurrentWindow();
   CDataViewTbl& table = window.Table();
@@ -149,13 +157,7 @@ void PictureOfWork(CAppFrame& frame) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");
-  const QTemporaryDir settings;
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-  QApplication::setApplicationName("Vex Data");
-  QApplication::setOrganizationName("Vex Data");
+  const COffscreenApplication application(argc, argv);
   if (argc < 2) {
     std::fputs("dialog_pictures FOLDER [FILE.VSF]\n", stderr);
     return 2;
@@ -163,7 +165,7 @@ int main(int argc, char** argv) {
   folder = QString::fromLocal8Bit(argv[1]);
   QString file = QApplication::arguments().value(2);
   if (file.isEmpty()) {
-    file = settings.filePath("sample.VSF");
+    file = application.TemporaryFile("sample.VSF");
     WriteSampleData(file, 2000, 60);
   }
   QApplication::setWindowIcon(DrawnIcon(Picture::Program));
@@ -187,6 +189,7 @@ int main(int argc, char** argv) {
     PictureOfDefinition(frame, document);
     PictureOfOperations(frame, document);
     PictureOfSelection(frame, document);
+    PictureOfTextOpening(frame);
   }
   document.SetModifiedFlag(false);
   return 0;

@@ -1,19 +1,16 @@
 // Draws the procedures' dialogs into PNG files, for looking at them and for the documentation.
 //   procedure_pictures FOLDER DATA.VSF
 // QT_SCALE_FACTOR=2 draws them for a fine screen.
-#include <QApplication>
 #include <QDir>
 #include <QListWidget>
-#include <QSettings>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
-#include <clocale>
 #include <cstdio>
 
 #include "datadoc/DataDoc.h"
 #include "dataview/DataView.h"
 #include "host/Recorder.h"
+#include "support/OffscreenApplication.h"
 #include "syntax/dialogs/DataFTPRGDlg.h"
 #include "syntax/dialogs/DataMTPRGDlg.h"
 #include "syntax/dialogs/ProcedureDialogs.h"
@@ -76,12 +73,7 @@ void DrawAll(CDataDoc& document, const QDir& folder, const QString& look) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");
-  const QTemporaryDir settings;
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-  QApplication::setApplicationName("Vex Data");
+  const COffscreenApplication application(argc, argv);
   if (argc != 3) {
     std::fputs("procedure_pictures FOLDER DATA.VSF\n", stderr);
     return 2;

@@ -1,22 +1,19 @@
 // Draws the program's windows into PNG files, for looking at them and for the documentation.
 //   window_pictures FOLDER [FILE...]
 // QT_SCALE_FACTOR=2 draws them for a fine screen.
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
-#include <QSettings>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTimer>
-#include <clocale>
 #include <cstdio>
 
 #include "dataview/table/DataGrid.h"
 #include "dataview/table/GoToCaseDlg.h"
 #include "resources/Commands.h"
 #include "resources/DrawnIcon.h"
+#include "support/OffscreenApplication.h"
 #include "syntax/dialogs/DataOutDlg.h"
 #include "transfer/FileTypes.h"
 #include "transfer/TextScan.h"
@@ -175,24 +172,18 @@ void PictureOfData(CAppFrame& frame, const QString& look) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");
-  const QTemporaryDir settings;
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-  QApplication::setApplicationName("Vex Data");
-  QApplication::setOrganizationName("Vex Data");
+  const COffscreenApplication application(argc, argv);
   if (argc < 2) {
     std::fputs("window_pictures FOLDER [FILE...]\n", stderr);
     return 2;
   }
   folder = QString::fromLocal8Bit(argv[1]);
   QStringList files = QApplication::arguments().mid(2);
-  const QString sample = settings.filePath("sample.VSF");
+  const QString sample = application.TemporaryFile("sample.VSF");
   if (files.isEmpty()) {
     WriteSampleData(sample, 2000, 60);
-    WriteSampleData(settings.filePath("second.VSF"), 20, 3);
-    files << settings.filePath("second.VSF") << sample;
+    WriteSampleData(application.TemporaryFile("second.VSF"), 20, 3);
+    files << application.TemporaryFile("second.VSF") << sample;
   }
 
   QApplication::setWindowIcon(DrawnIcon(Picture::Program));

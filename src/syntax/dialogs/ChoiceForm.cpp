@@ -37,14 +37,7 @@ CChoiceForm::CChoiceForm(const TORVIKSTRUCT& dataSet, QWidget* parent)
 CVariableChooser& CChoiceForm::AddChooser(const QString& title) {
   chooser_ = new CVariableChooser(data_, title, this);
   layout_->insertWidget(0, chooser_, 1);
-  const CVariableNumbers numbers(data_);
-  for (int variable = 0; variable < data_.variables; ++variable) {
-    const CString& name = data_.variable[static_cast<std::size_t>(variable)].name;
-    if (numbers.Of(name) == variable + 1) continue;
-    // Syntax lines name a variable by its name: they would mean the first one.
-    chooser_->SetUnusable(variable,
-                          tr("Another variable before this one has the same name: rename it"));
-  }
+  chooser_->Source().SetEqualNamesUnusable();
   connect(chooser_, &CVariableChooser::Changed, this, &CChoiceForm::ReadLists);
   return *chooser_;
 }

@@ -32,6 +32,7 @@ void CDataHTDlg::Build() {
   std::vector<int> all(static_cast<std::size_t>(Data().variables));
   std::iota(all.begin(), all.end(), 0);
   variables_->ShowVariables(all);
+  variables_->SetEqualNamesUnusable();
   for (const int variable : all) {
     if (Data().variable[static_cast<std::size_t>(variable)].type == kOrdinal) continue;
     variables_->SetUnusable(variable,

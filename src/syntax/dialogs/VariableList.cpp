@@ -5,6 +5,7 @@
 
 #include "host/Text.h"
 #include "syntax/dialogs/VariableDelegate.h"
+#include "syntax/procedures/VariableNumbers.h"
 
 namespace {
 
@@ -66,6 +67,15 @@ void CVariableList::SetUnusable(int variable, const QString& why) {
   if (item == nullptr) return;
   item->setFlags(Qt::NoItemFlags);
   item->setToolTip(why);
+}
+
+void CVariableList::SetEqualNamesUnusable() {
+  const CVariableNumbers numbers(data_);
+  for (const int variable : Variables()) {
+    if (numbers.Of(data_.variable[static_cast<std::size_t>(variable)].name) == variable + 1)
+      continue;
+    SetUnusable(variable, tr("Another variable before this one has the same name: rename it"));
+  }
 }
 
 void CVariableList::Filter(const QString& text) {

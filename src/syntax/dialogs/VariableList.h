@@ -26,6 +26,9 @@ class CVariableList final : public QListWidget {
   void SetUsed(int variable, bool used);
   // The variable cannot be selected; the tooltip says why.
   void SetUnusable(int variable, const QString& why);
+  // Syntax lines name a variable by its name, which means the first of that name: makes the others
+  // unusable.
+  void SetEqualNamesUnusable();
   // Hides the variables whose names and descriptions do not hold this text.
   void Filter(const QString& text);
 
