@@ -77,9 +77,11 @@ struct PAGE_CELL {
 };
 
 // Where each cell stands. A cell that spans rows covers its columns in the rows below: for each
-// column the first row that is free again.
-std::vector<PAGE_CELL> CellsOf(xmlNode* table) {
-  std::vector<PAGE_CELL> cells;
+// column the first row that is free again. False when cells span more than those of any
+// sound table do.
+bool FindCells(xmlNode* table, std::vector<PAGE_CELL>* cells) {
+  constexpr std::uint64_t kMostPassedOver = 10'000'000;
+  std::uint64_t passedOver = 0;
   std::map<std::uint32_t, std::uint32_t> freeAgain;
   std::uint32_t row = 0;
   std::uint32_t column = 0;
@@ -97,11 +99,12 @@ std::vector<PAGE_CELL> CellsOf(xmlNode* table) {
       return true;
     }
     if (!IsElement(node, "td") && !IsElement(node, "th")) return true;
-    while (covered(column)) ++column;
+    for (; passedOver < kMostPassedOver && covered(column); ++column) ++passedOver;
+    if (passedOver == kMostPassedOver) return false;
     std::string exact = AttributeOf(node, "sdval");
     if (exact.empty()) exact = AttributeOf(node, "x:num");
     if (exact.empty()) exact = AttributeOf(node, "num");
-    cells.push_back({row, column, TextOf(node), std::move(exact), IsElement(node, "th")});
+    cells->push_back({row, column, TextOf(node), std::move(exact), IsElement(node, "th")});
     const std::uint32_t columns = SpanOf(node, "colspan");
     const std::uint32_t rows = SpanOf(node, "rowspan");
     if (rows > 1) {
@@ -113,7 +116,7 @@ std::vector<PAGE_CELL> CellsOf(xmlNode* table) {
     column += columns;
     return false;
   });
-  return cells;
+  return passedOver < kMostPassedOver;
 }
 
 class CHtmlWorkbook final : public CWorkbook {
@@ -182,7 +185,10 @@ void CHtmlWorkbook::ListTables() {
 }
 
 bool CHtmlWorkbook::Load(std::size_t sheet, CSheet* out) {
-  const std::vector<PAGE_CELL> cells = CellsOf(tables_[sheet]);
+  std::vector<PAGE_CELL> cells;
+  if (!FindCells(tables_[sheet], &cells)) {
+    return Fail("the cells of \"" + names_[sheet] + "\" span too many rows");
+  }
   std::set<std::uint32_t> commas;  // columns that write their decimals so
   for (const PAGE_CELL& cell : cells) {
     if (NeedsComma(cell.text)) commas.insert(cell.column);

@@ -17,7 +17,77 @@ namespace statrn32 {
 namespace {
 
 using nlohmann::json;
-using nlohmann::ordered_json;  // keeps the order of the names
+
+// What the values of one name are.
+struct JSON_COLUMN {
+  std::string name;
+  std::int64_t numbers = 0;
+  std::int64_t texts = 0;
+  std::int64_t dates = 0;
+  DATE_KIND kind = DATE_KIND::None;
+  std::size_t bytes = 1;
+  std::int32_t type = 0;
+};
+
+// Counts the kinds of values by name, in the order in which the names come, without keeping the
+// values: the parser calls the members in small letters. Each of them returns false to end it.
+class CJsonCounter {
+ public:
+  static constexpr std::size_t kMostColumns = 32767;
+
+  // Before each record.
+  void Begin() { depth_ = 0; }
+  bool HasTooMany() const { return columns_.size() > kMostColumns; }
+  std::vector<JSON_COLUMN>& Columns() { return columns_; }
+
+  bool null() { return depth_ > 0; }
+  bool boolean(bool) { return Number(); }
+  bool number_integer(json::number_integer_t) { return Number(); }
+  bool number_unsigned(json::number_unsigned_t) { return Number(); }
+  bool number_float(json::number_float_t, const std::string&) { return Number(); }
+  bool binary(json::binary_t&) { return depth_ > 0; }
+  bool string(std::string& text) {
+    if (depth_ == 1) CountText(text);
+    return depth_ > 0;
+  }
+  bool key(std::string& name) { return depth_ != 1 || Choose(name); }
+  bool start_object(std::size_t) { return ++depth_ > 0; }
+  bool end_object() { return depth_-- > 0; }
+  bool start_array(std::size_t) { return depth_++ > 0; }
+  bool end_array() { return depth_-- > 0; }
+  bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) {
+    return false;
+  }
+
+ private:
+  bool Number() {
+    if (depth_ == 1) ++columns_[column_].numbers;
+    return depth_ > 0;
+  }
+  void CountText(const std::string& text);
+  bool Choose(const std::string& name);
+
+  std::vector<JSON_COLUMN> columns_;
+  std::unordered_map<std::string, std::size_t> places_;
+  std::size_t column_ = 0;
+  int depth_ = 0;
+};
+
+bool CJsonCounter::Choose(const std::string& name) {
+  const auto [entry, added] = places_.emplace(name, columns_.size());
+  if (added) columns_.emplace_back().name = name;
+  column_ = entry->second;
+  return !HasTooMany();
+}
+
+void CJsonCounter::CountText(const std::string& text) {
+  JSON_COLUMN& column = columns_[column_];
+  const DATE_KIND kind = ParseIsoMoment(text).kind;
+  ++column.texts;
+  if (kind != DATE_KIND::None) ++column.dates;
+  if (column.kind != DATE_KIND::SerialMoment) column.kind = kind;
+  column.bytes = std::max(column.bytes, text.size());
+}
 
 class CJsonReader final : public CFileReader {
  public:
@@ -28,31 +98,18 @@ class CJsonReader final : public CFileReader {
   std::vector<std::string> Notes() const override;
 
  private:
-  struct COLUMN {
-    std::string name;
-    std::int64_t numbers = 0;
-    std::int64_t texts = 0;
-    std::int64_t dates = 0;
-    DATE_KIND kind = DATE_KIND::None;
-    std::size_t bytes = 1;
-    std::int32_t type = 0;
-  };
-
   // The next line that is not blank; false at the end and after FailFile.
-  template <typename JSON>
-  bool NextObject(JSON* object);
-  bool Count(const std::string& name, const ordered_json& value);
-  void FillValue(const COLUMN& column, const json& object, CBlockFiller* out);
+  bool NextLine();
+  bool FailLine();
+  void FillValue(const JSON_COLUMN& column, const json& object, CBlockFiller* out);
 
   CLineReader lines_;
   std::string line_;
-  std::vector<COLUMN> columns_;
-  std::unordered_map<std::string, std::size_t> places_;
+  std::vector<JSON_COLUMN> columns_;
   std::int64_t left_ = 0;  // lists and objects left out
 };
 
-template <typename JSON>
-bool CJsonReader::NextObject(JSON* object) {
+bool CJsonReader::NextLine() {
   do {
     if (lines_.Next(&line_)) continue;
     if (lines_.TooLong()) {
@@ -60,41 +117,28 @@ bool CJsonReader::NextObject(JSON* object) {
     }
     return false;
   } while (Trimmed(line_).empty());
-  *object = JSON::parse(line_, nullptr, false);
-  if (object->is_object()) return true;
-  return FailFile("line " + std::to_string(lines_.Number()) + " is not a JSON object");
+  return true;
 }
 
-bool CJsonReader::Count(const std::string& name, const ordered_json& value) {
-  constexpr std::size_t kMostColumns = 32767;
-  const auto [entry, added] = places_.emplace(name, columns_.size());
-  if (added) columns_.emplace_back().name = name;
-  if (columns_.size() > kMostColumns) return FailFile("the records have more than 32767 names");
-  COLUMN& column = columns_[entry->second];
-  if (value.is_number() || value.is_boolean()) ++column.numbers;
-  if (!value.is_string()) return true;
-  const auto& text = value.get_ref<const std::string&>();
-  const DATE_KIND kind = ParseIsoMoment(text).kind;
-  ++column.texts;
-  if (kind != DATE_KIND::None) ++column.dates;
-  if (column.kind != DATE_KIND::SerialMoment) column.kind = kind;
-  column.bytes = std::max(column.bytes, text.size());
-  return true;
+bool CJsonReader::FailLine() {
+  return FailFile("line " + std::to_string(lines_.Number()) + " is not a JSON object");
 }
 
 bool CJsonReader::ReadHeader(DICTIONARY* out) {
   constexpr int kNumberWidth = 12;
-  ordered_json object;
+  CJsonCounter counter;
   out->cases = 0;
-  while (NextObject(&object)) {
+  while (NextLine()) {
+    counter.Begin();
+    const bool counted = json::sax_parse(line_, &counter);
+    if (counter.HasTooMany()) return FailFile("the records have more than 32767 names");
+    if (!counted) return FailLine();
     ++out->cases;
-    for (const auto& [name, value] : object.items()) {
-      if (!Count(name, value)) return false;
-    }
   }
+  columns_ = std::move(counter.Columns());
   if (!Error().empty()) return false;
   if (columns_.empty()) return FailFile("there is no record with a value");
-  for (COLUMN& column : columns_) {
+  for (JSON_COLUMN& column : columns_) {
     const bool date = column.texts > 0 && column.dates == column.texts && column.numbers == 0;
     const bool text = !date && column.texts > column.numbers;
     VARIABLE variable;
@@ -111,13 +155,18 @@ bool CJsonReader::ReadHeader(DICTIONARY* out) {
 
 void CJsonReader::FillBlock(CBlockFiller* out) {
   json object;
-  while (!out->Full() && NextObject(&object)) {
-    for (const COLUMN& column : columns_) FillValue(column, object, out);
+  while (!out->Full() && NextLine()) {
+    object = json::parse(line_, nullptr, false);
+    if (!object.is_object()) {
+      FailLine();
+      return;
+    }
+    for (const JSON_COLUMN& column : columns_) FillValue(column, object, out);
     out->EndRecord();
   }
 }
 
-void CJsonReader::FillValue(const COLUMN& column, const json& object, CBlockFiller* out) {
+void CJsonReader::FillValue(const JSON_COLUMN& column, const json& object, CBlockFiller* out) {
   const auto entry = object.find(column.name);
   const bool there = entry != object.end() && !entry->is_null();
   if (there && entry->is_structured()) ++left_;

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <numeric>
+#include <unordered_map>
 
 #include "host/Text.h"
 #include "host/statrn32.h"
@@ -11,12 +13,16 @@
 namespace statrn32 {
 namespace {
 
-// What a column of this type holds, by the words that its name contains.
-void TellType(const std::string& word, VARIABLE* variable) {
-  std::string upper(word);
-  for (char& c : upper) {
+std::string UpperCase(std::string text) {
+  for (char& c : text) {
     if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   }
+  return text;
+}
+
+// What a column of this type holds, by the words that its name contains.
+void TellType(const std::string& word, VARIABLE* variable) {
+  const std::string upper = UpperCase(word);
   const auto has = [&](const char* part) { return upper.find(part) != std::string::npos; };
   if (has("CHAR") || has("TEXT") || has("CLOB") || has("STRING")) {
     variable->type = ST_TYPE_STRING;
@@ -60,7 +66,7 @@ class CSqlReader final : public CFileReader {
   struct SQL_VALUE {
     bool null = true;
     bool isText = false;
-    std::string text;
+    std::string text;  // also of a number, as it was written
     double number = 0;
   };
 
@@ -71,6 +77,7 @@ class CSqlReader final : public CFileReader {
   bool ReadTable();
   bool ReadColumn(TABLE* table, bool* more);
   bool FindRows(bool* found);
+  bool ReadOrder();
   bool ReadRow();
   bool ReadValue(SQL_VALUE* value);
   bool ReadSpecialValue(SQL_VALUE* value);
@@ -80,6 +87,7 @@ class CSqlReader final : public CFileReader {
   CSqlLexer lexer_;
   std::vector<TABLE> tables_;
   std::size_t table_ = 0;
+  std::unordered_map<std::string, std::size_t> columns_;  // of the table, in upper case
   bool inRows_ = false;
   std::vector<std::size_t> order_;  // the table's column of each value of a row
   std::vector<SQL_VALUE> values_;   // by the table's columns
@@ -177,8 +185,33 @@ bool CSqlReader::ReadHeader(DICTIONARY* out) {
     }
   }
   out->variables = tables_[table_].columns;
+  for (std::size_t i = 0; i < out->variables.size(); ++i) {
+    columns_.emplace(UpperCase(out->variables[i].name), i);
+  }
   values_.resize(out->variables.size());
   lexer_.Rewind();
+  return true;
+}
+
+// The columns that the values of a row stand for: named in parentheses, or all in their order.
+bool CSqlReader::ReadOrder() {
+  order_.clear();
+  if (!lexer_.Is("(")) {
+    order_.resize(values_.size());
+    std::iota(order_.begin(), order_.end(), std::size_t{0});
+    return true;
+  }
+  while (!lexer_.Is(")")) {
+    lexer_.Next();
+    const auto column = columns_.find(UpperCase(TextForDisplay(lexer_.Text())));
+    if (column == columns_.end()) {
+      return FailLine("the table has no column \"" + lexer_.Text() + "\"");
+    }
+    order_.push_back(column->second);
+    lexer_.Next();
+    if (!lexer_.Is(",") && !lexer_.Is(")")) return FailLine("a comma is expected");
+  }
+  lexer_.Next();
   return true;
 }
 
@@ -194,24 +227,7 @@ bool CSqlReader::FindRows(bool* found) {
     if (!lexer_.Is("INTO")) continue;
     if (!ReadName(&name)) return false;
     if (!EqualIgnoringCase(name, table.name)) continue;
-    order_.clear();
-    if (lexer_.Is("(")) {
-      while (!lexer_.Is(")")) {
-        lexer_.Next();
-        const auto column = std::find_if(
-            table.columns.begin(), table.columns.end(),
-            [&](const VARIABLE& v) { return EqualIgnoringCase(v.name, lexer_.Text()); });
-        if (column == table.columns.end()) {
-          return FailLine("the table has no column \"" + lexer_.Text() + "\"");
-        }
-        order_.push_back(static_cast<std::size_t>(column - table.columns.begin()));
-        lexer_.Next();
-        if (!lexer_.Is(",") && !lexer_.Is(")")) return FailLine("a comma is expected");
-      }
-      lexer_.Next();
-    } else {
-      for (std::size_t i = 0; i < table.columns.size(); ++i) order_.push_back(i);
-    }
+    if (!ReadOrder()) return false;
     if (!lexer_.Is("VALUES")) return FailLine("VALUES is expected");
     lexer_.Next();
     *found = true;
@@ -239,16 +255,15 @@ bool CSqlReader::ReadRow() {
 bool CSqlReader::ReadValue(SQL_VALUE* value) {
   value->null = false;
   value->isText = lexer_.Kind() == SQL_TOKEN::Text;
-  if (value->isText) {
-    value->text = lexer_.Text();
-  } else if (lexer_.Kind() == SQL_TOKEN::Number) {
-    const std::string& text = lexer_.Text();
+  value->text = lexer_.Text();
+  if (lexer_.Kind() == SQL_TOKEN::Number) {
+    const std::string& text = value->text;
     const auto [stop, failed] =
         std::from_chars(text.data(), text.data() + text.size(), value->number);
     if (failed != std::errc() || stop != text.data() + text.size()) {
       return FailLine("\"" + text + "\" is no number");
     }
-  } else {
+  } else if (!value->isText) {
     return ReadSpecialValue(value);
   }
   lexer_.Next();
@@ -262,6 +277,7 @@ bool CSqlReader::ReadSpecialValue(SQL_VALUE* value) {
     value->null = true;
   } else if (lexer_.Is("TRUE") || lexer_.Is("FALSE")) {
     value->number = lexer_.Is("TRUE") ? 1 : 0;
+    value->text = lexer_.Is("TRUE") ? "1" : "0";
   } else if (date && lexer_.Next() == SQL_TOKEN::Text) {
     value->isText = true;
     value->text = lexer_.Text();
@@ -301,7 +317,6 @@ void CSqlReader::PutValue(const VARIABLE& variable, const SQL_VALUE& value, CBlo
   double number = value.number;
   if (variable.type == ST_TYPE_STRING) {
     if (value.null) return out->Text({}, ST_STATUS_MISSING);
-    if (!value.isText) return out->Text(std::to_string(number));
     return IsUtf8(value.text) ? out->Text(value.text) : out->Text(TextForDisplay(value.text));
   }
   bool there = !value.null && std::isfinite(number);
