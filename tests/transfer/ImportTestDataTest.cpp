@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "host/Text.h"
+#include "support/TestData.h"
 #include "transfer/ImportedColumns.h"
 
 namespace {
@@ -17,7 +18,7 @@ struct Figure {
 
 void Check(const std::string& file, const std::vector<Figure>& figures) {
   ImportedColumns imported;
-  const auto columns = imported.Import(VEX_TEST_DATA "/" + file);
+  const auto columns = imported.Import(TestData(file));
   EXPECT_EQ(imported.cases, 6) << file;
   for (const Figure& figure : figures) {
     const auto name =
@@ -68,7 +69,7 @@ TEST(ImportTestData, MissingValuesWithALetterAreMissing) {
 TEST(ImportTestData, FilesWithoutCasesKeepTheirVariables) {
   for (const auto& [file, variables] : {std::pair{"nocases.sav", 12U}, {"nocases.dta", 9U}}) {
     ImportedColumns imported;
-    EXPECT_EQ(imported.Import(VEX_TEST_DATA "/" + std::string(file)).size(), variables) << file;
+    EXPECT_EQ(imported.Import(TestData(file)).size(), variables) << file;
     EXPECT_EQ(imported.cases, 0);
   }
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "resources/Commands.h"
+#include "support/TestData.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Driver.h"
 #include "vexapp/FileDialogs.h"
@@ -69,7 +70,7 @@ TEST_F(OpenFilesTest, AreNotImportedOverWhenTheyHaveChanges) {
   driver.ThenSaveUnder(b);
   driver.ThenPress(QMessageBox::Ok);
   driver.ThenReject();
-  EXPECT_FALSE(frame.ImportPath(QString(VEX_TEST_DATA) + "/survey.sav"));
+  EXPECT_FALSE(frame.ImportPath(QString::fromStdString(TestData("survey.sav"))));
   EXPECT_TRUE(driver.AllAnswered());
   EXPECT_EQ(driver.Texts(), QStringList("b.VSF is open in a window and has unsaved changes. "
                                         "Close it there first."));

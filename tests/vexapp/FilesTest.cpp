@@ -7,15 +7,12 @@
 
 #include "dataview/ScratchFile.h"
 #include "resources/Commands.h"
+#include "support/TestData.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Driver.h"
 #include "vexapp/ProgressDlg.h"
 
 namespace {
-
-QString TestData(const char* name) {
-  return QString(VEX_TEST_DATA) + "/" + name;
-}
 
 void Drop(CAppFrame& frame, const QString& path) {
   QMimeData data;
@@ -64,7 +61,7 @@ TEST_F(AppFrameTest, OpensADroppedDataSet) {
 TEST_F(AppFrameTest, ImportsADroppedForeignFile) {
   const QString target = QString::fromStdString(folder / "in.VSF");
   driver.ThenSaveUnder(target);
-  Drop(frame, TestData("survey.sav"));
+  Drop(frame, QString::fromStdString(TestData("survey.sav")));
   EXPECT_TRUE(driver.AllAnswered());
   ASSERT_EQ(frame.DataWindows().size(), 1U);
   EXPECT_EQ(frame.CurrentWindow()->FileName(), "in.VSF");
@@ -76,7 +73,7 @@ TEST_F(AppFrameTest, KeepsValueLabelsOnlyWhenAskedTo) {
   for (const bool keep : {false, true}) {
     if (keep) Trigger(commands::kFileKeepLabels);
     driver.ThenSaveUnder(QString::fromStdString(folder / (keep ? "with.VSF" : "without.VSF")));
-    ASSERT_TRUE(frame.ImportPath(TestData("survey.sav")));
+    ASSERT_TRUE(frame.ImportPath(QString::fromStdString(TestData("survey.sav"))));
     const TORVIKSTRUCT& data = *frame.CurrentWindow()->Document().GetTorvik();
     std::int32_t categories = 0;
     for (const VARSTRUCT& variable : data.variable) categories += variable.categories;
@@ -89,7 +86,7 @@ TEST_F(AppFrameTest, GivesATypedNameTheExtensionAndAsksBeforeItReplaces) {
   driver.ThenSaveUnder(QString(target).remove(".VSF"));
   driver.ThenPress(QMessageBox::No);
   driver.ThenReject();
-  EXPECT_FALSE(frame.ImportPath(TestData("survey.sav")));
+  EXPECT_FALSE(frame.ImportPath(QString::fromStdString(TestData("survey.sav"))));
   EXPECT_TRUE(driver.AllAnswered());
   ASSERT_TRUE(frame.OpenPath(target));
   EXPECT_EQ(frame.CurrentWindow()->Document().GetRecnum(), 5) << "the old file stands";
@@ -98,10 +95,10 @@ TEST_F(AppFrameTest, GivesATypedNameTheExtensionAndAsksBeforeItReplaces) {
 TEST_F(AppFrameTest, ShowsWhatAnImportPutIntoAFileThatIsOpen) {
   const QString target = QString::fromStdString(folder / "in.VSF");
   driver.ThenSaveUnder(target);
-  ASSERT_TRUE(frame.ImportPath(TestData("survey.sav")));
+  ASSERT_TRUE(frame.ImportPath(QString::fromStdString(TestData("survey.sav"))));
   driver.ThenSaveUnder(target);
   driver.ThenPress(QMessageBox::Yes);
-  ASSERT_TRUE(frame.ImportPath(TestData("names.sav")));
+  ASSERT_TRUE(frame.ImportPath(QString::fromStdString(TestData("names.sav"))));
   EXPECT_TRUE(driver.AllAnswered());
   ASSERT_EQ(frame.DataWindows().size(), 1U);
   EXPECT_EQ(frame.CurrentWindow()->Document().GetRecnum(), 2);
@@ -118,7 +115,7 @@ TEST_F(AppFrameTest, ExportsTheCurrentDataSet) {
 
 TEST_F(AppFrameTest, LeavesEverythingAsItWasWhenAnImportIsCalledOff) {
   driver.ThenReject();
-  EXPECT_FALSE(frame.ImportPath(TestData("survey.sav")));
+  EXPECT_FALSE(frame.ImportPath(QString::fromStdString(TestData("survey.sav"))));
   EXPECT_TRUE(frame.DataWindows().empty());
   EXPECT_EQ(folder.FileCount(), 0U);
 }

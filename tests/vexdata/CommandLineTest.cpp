@@ -4,12 +4,13 @@
 #include <nlohmann/json.hpp>
 
 #include "support/TempFolder.h"
+#include "support/TestData.h"
 #include "support/VsfBytes.h"
 #include "vexdata/RunVexData.h"
 
 namespace {
 
-const std::string kSurvey = VEX_TEST_DATA "/survey.sav";
+const std::string kSurvey = TestData("survey.sav");
 
 }  // namespace
 

@@ -14,13 +14,14 @@
 #include <nlohmann/json.hpp>
 
 #include "engine/stats/Blocks.h"
+#include "support/TestData.h"
 
 namespace oracle {
 
 using Json = nlohmann::json;
 
 inline std::string Path(const std::string& name) {
-  return std::string(VEX_TEST_DATA) + "/../engine/data/" + name;
+  return TestData("../engine/data/" + name);
 }
 
 inline const Json& Load(const std::string& name) {
