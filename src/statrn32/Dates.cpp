@@ -94,9 +94,10 @@ bool MillisOf(DATE_KIND kind, double value, std::int64_t* millis) {
 
 // Spreadsheets that count from 1900 count 1900-02-29, which there never was, as day 60: the days
 // before it stand one further from the epoch than their numbers say.
+constexpr std::int64_t kFalseDay = 60;
 std::int64_t LeapDayOf1900(DATE_KIND kind, std::int64_t epochDay, std::int64_t days) {
   const bool serial = kind == DATE_KIND::SerialDate || kind == DATE_KIND::SerialMoment;
-  return serial && epochDay == kSerialEpochDay && days >= 1 && days < 60 ? 1 : 0;
+  return serial && epochDay == kSerialEpochDay && days < kFalseDay ? 1 : 0;
 }
 
 bool MomentOf(DATE_KIND kind, std::int64_t epochDay, double value, MOMENT* moment) {
@@ -295,8 +296,13 @@ bool SerialOfDate(std::int64_t year, std::int64_t month, std::int64_t day, doubl
   if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1 || day > 31) return false;
   const std::int64_t number = DayOfCivil(year, static_cast<int>(month), static_cast<int>(day));
   if (CivilOfDay(number).day != day) return false;  // such as 30 February
-  *serial = static_cast<double>(number - kSerialEpochDay);
+  *serial = SerialOfDay(number);
   return true;
+}
+
+double SerialOfDay(std::int64_t day) {
+  const std::int64_t days = day - kSerialEpochDay;
+  return static_cast<double>(days > kFalseDay ? days : days - 1);
 }
 
 }  // namespace statrn32

@@ -99,6 +99,7 @@ bool IsDbfType(char type) {
 
 bool ReadDbfHeader(CInputFile* file, DBF_HEADER* out, std::string* error) {
   CHeaderBytes in(file);
+  bool encrypted = false;
   out->version = static_cast<std::uint8_t>(in.Unsigned(1));
   out->family = FamilyOf(out->version);
   if (out->family == DBF_FAMILY::Dbase2) {
@@ -111,9 +112,15 @@ bool ReadDbfHeader(CInputFile* file, DBF_HEADER* out, std::string* error) {
     out->records = static_cast<std::int64_t>(in.Unsigned(4));
     out->begin = static_cast<std::int64_t>(in.Unsigned(2));
     out->recordBytes = in.Unsigned(2);
-    in.Skip(17);
+    in.Skip(3);
+    encrypted = in.Unsigned(1) == 1 && out->family != DBF_FAMILY::FoxPro;
+    in.Skip(13);
     out->codePage = static_cast<std::uint8_t>(in.Unsigned(1));
     in.Skip(out->family == DBF_FAMILY::Dbase7 ? 38 : 2);
+  }
+  if (encrypted) {
+    *error = "the table is encrypted; please copy it in dBASE without the encryption first";
+    return false;
   }
   if (!ReadFields(&in, out, error)) return false;
   if (PlaceFields(out) < out->recordBytes) WidenTexts(out);

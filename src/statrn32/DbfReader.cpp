@@ -16,7 +16,7 @@ namespace statrn32 {
 namespace {
 
 constexpr double kDayMillis = 86'400'000;
-constexpr std::int64_t kJulianOfSerial0 = 2415019;  // the Julian day of 1899-12-30, at noon
+constexpr std::int64_t kJulianOf1970 = 2440588;  // the Julian day of 1970-01-01, at noon
 
 std::string_view WithoutBlanks(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\0')) text.remove_prefix(1);
@@ -61,6 +61,7 @@ class CDbfReader final : public CFileReader {
 
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
   std::vector<std::string> Notes() const override;
 
  private:
@@ -134,7 +135,7 @@ VARIABLE CDbfReader::VariableOf(const DBF_FIELD& field) {
   variable.decimals = field.type == 'C' ? 0 : field.decimals;
   variable.type = IsTextField(field.type) ? ST_TYPE_STRING : ST_TYPE_NUMERIC;
   if (field.type == 'D') variable.date = DATE_KIND::SerialDate;
-  if (field.type == 'T' || field.type == '@') variable.date = DATE_KIND::DayMoment;
+  if (field.type == 'T' || field.type == '@') variable.date = DATE_KIND::SerialMoment;
   if (variable.date != DATE_KIND::None) variable.type = ST_TYPE_DATE;
   return variable;
 }
@@ -238,7 +239,7 @@ bool CDbfReader::MomentOf(std::string_view bytes, double* serial) const {
   in.SetBigEndian(header_.family == DBF_FAMILY::Dbase7);
   const std::int32_t day = in.I32();
   const std::int32_t millis = in.I32();
-  *serial = static_cast<double>(day - kJulianOfSerial0) + millis / kDayMillis;
+  *serial = SerialOfDay(day - kJulianOf1970) + millis / kDayMillis;
   return in.Ok() && day > 0 && millis >= 0 && millis <= kDayMillis;
 }
 

@@ -49,6 +49,7 @@ class CProgramReader : public CFileReader {
  public:
   bool ReadHeader(DICTIONARY* out) final;
   void FillBlock(CBlockFiller* out) final;
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
   std::vector<std::string> Notes() const final;
 
  protected:

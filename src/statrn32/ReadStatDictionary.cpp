@@ -73,7 +73,7 @@ int CDictionaryPass::FindSet(const std::string& name) const {
 
 bool CDictionaryPass::Parse(DICTIONARY* out) {
   out_ = out;
-  decoder_.SetEncoding(format_.encoding);
+  ChooseEncoding(nullptr, 0);
   const PARSER parser = MakeParser(input_);
   if (!parser) {
     result_.code = READSTAT_ERROR_MALLOC;
@@ -126,14 +126,25 @@ void CDictionaryPass::OnError(const char* message, void* context) {
   if (message != nullptr) static_cast<CDictionaryPass*>(context)->result_.detail = message;
 }
 
+// A choice holds where the file says nothing.
+void CDictionaryPass::ChooseEncoding(const char* named, std::int64_t version) {
+  const bool utf8 = format_.utf8Version > 0 && version >= format_.utf8Version;
+  if (format_.encoding != nullptr) {
+    encoding_ = format_.encoding;
+  } else if (named != nullptr) {
+    encoding_ = named;
+  }
+  if (encoding_.empty() && !utf8) encoding_ = chosen_;
+  decoder_.SetEncoding(encoding_.c_str());
+}
+
 int CDictionaryPass::TakeMetadata(readstat_metadata_t* metadata) {
   out_->cases = metadata->row_count;
   expected_ = metadata->var_count;
   if (format_.setNameBytes != nullptr) {
     setNameBytes_ = format_.setNameBytes(metadata->file_format_version);
   }
-  if (metadata->file_encoding != nullptr) encoding_ = metadata->file_encoding;
-  if (format_.encoding == nullptr) decoder_.SetEncoding(encoding_.c_str());
+  ChooseEncoding(metadata->file_encoding, metadata->file_format_version);
   const std::int64_t room = input_->Size() / format_.bytesPerVariable;
   if (expected_ > kMaxVariables || expected_ > room) {
     return Refuse("the header tells of " + std::to_string(expected_) +

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "statrn32/ReadStatFormat.h"
@@ -13,8 +14,9 @@ namespace statrn32 {
 
 class CDictionaryPass {
  public:
-  CDictionaryPass(const READSTAT_FORMAT& format, CInputFile* input)
-      : format_(format), input_(input) {}
+  // `encoding` is the one to take where the file names none.
+  CDictionaryPass(const READSTAT_FORMAT& format, CInputFile* input, std::string encoding = {})
+      : format_(format), input_(input), chosen_(std::move(encoding)) {}
 
   // Fills `out`; false with how it ended in Result().
   bool Run(DICTIONARY* out);
@@ -22,8 +24,9 @@ class CDictionaryPass {
   // gives none.
   void RunLabels(DICTIONARY* out);
   const PARSE_RESULT& Result() const { return result_; }
-  // The encoding that the file names; empty when it names none.
+  // The encoding of the texts: what the file names, else what was chosen; may be empty.
   const std::string& Encoding() const { return encoding_; }
+  bool EncodingGuessed() const { return decoder_.Guessed(); }
   // The label set that each variable asks for by name.
   const std::vector<std::string>& SetNames() const { return setNames_; }
   // The number of the set of that name, -1 when no labels came for it.
@@ -44,8 +47,11 @@ class CDictionaryPass {
   std::string SetName(const char* name) const;
   int Refuse(std::string reason);
 
+  void ChooseEncoding(const char* named, std::int64_t version);
+
   const READSTAT_FORMAT& format_;
   CInputFile* input_;
+  std::string chosen_;
   DICTIONARY* out_ = nullptr;
   CTextDecoder decoder_;
   std::string encoding_;

@@ -26,6 +26,7 @@ struct READSTAT_FORMAT {
   // without a closing NUL when it has this length. Null: always closed.
   std::size_t (*setNameBytes)(std::int64_t version) = nullptr;
   const char* encoding = nullptr;  // of the text handed over; null: as the file says, empty: none
+  std::int64_t utf8Version = 0;    // the first that holds UTF-8 without saying so; 0: none does
   std::int64_t epochDay;
   DATE_KIND (*dateKind)(std::string_view format);
   DATE_KIND dateOfDisplay;      // what a number displayed as a date counts

@@ -32,11 +32,12 @@ bool CReadStatReader::ReadDictionary(DICTIONARY* out) {
     refused.position = input_.Position();
     return Fail(FailureText(name_, input_, refused));
   }
-  CDictionaryPass pass(format_, &input_);
+  CDictionaryPass pass(format_, &input_, Options().encoding);
   if (!pass.Run(out)) return Fail(FailureText(name_, input_, pass.Result()));
   if (format_.addLabels != nullptr) format_.addLabels(name_, pass.SetNames(), out);
   dictionary_.variables = out->variables;
   encoding_ = pass.Encoding();
+  guessed_ = pass.EncodingGuessed();
   return true;
 }
 

@@ -49,7 +49,7 @@ CRecordPass::CRecordPass(const READSTAT_FORMAT& format, CInputFile* input,
                          const DICTIONARY& dictionary, const std::string& encoding,
                          CBlockRing* ring)
     : format_(format), input_(input), ring_(ring) {
-  decoder_.SetEncoding(format.encoding != nullptr ? format.encoding : encoding.c_str());
+  decoder_.SetEncoding(encoding.c_str());
   columns_.reserve(dictionary.variables.size());
   for (const VARIABLE& variable : dictionary.variables) {
     columns_.push_back(

@@ -22,6 +22,7 @@ class CRecordPass {
   // finished.
   void Run();
   const PARSE_RESULT& Result() const { return result_; }
+  bool EncodingGuessed() const { return decoder_.Guessed(); }
 
  private:
   struct COLUMN {

@@ -33,6 +33,7 @@ struct RECORD_BLOCK {
 struct READ_OPTIONS {
   int nameRow = -1;      // the row of a sheet that holds the names; -1: not asked for
   std::string encoding;  // of a file that does not name its own, as iconv knows it; empty: guessed
+  std::string password;  // of the database that a connection file leads to
   std::string table;     // the sheet, member or table wanted; empty: the reader's choice
 };
 
@@ -57,6 +58,8 @@ class CReader {
   virtual std::vector<std::string> Tables() const { return {}; }
   // Were the names of the variables found in the first row of a sheet?
   virtual bool NamesFound() const { return false; }
+  // Does the file not tell its encoding, and the texts read so far depend on it?
+  virtual bool EncodingGuessed() const { return false; }
   // What had to be left out or was changed, one sentence a fact; complete at the end of the
   // records.
   virtual std::vector<std::string> Notes() const { return {}; }

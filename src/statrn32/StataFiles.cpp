@@ -70,6 +70,7 @@ constexpr READSTAT_FORMAT kDta = {
     .labelsInFile = true,
     .setNameBytes = SetNameBytes,
     .encoding = "",  // what the older versions name is a guess: UTF-8 where it is valid
+    .utf8Version = 118,
     .epochDay = kSasEpochDay,
     .dateKind = StataDateKind,
     .dateOfDisplay = DATE_KIND::DayDate,

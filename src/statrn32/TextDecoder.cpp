@@ -35,12 +35,14 @@ void CTextDecoder::Close() {
   converts_ = false;
 }
 
-void CTextDecoder::SetEncoding(const char* name) {
+void CTextDecoder::SetEncoding(const char* name, bool guess) {
   Close();
   asciiBased_ = true;
+  told_ = false;
   if (name == nullptr || *name == '\0') return;
   converter_ = iconv_open("UTF-8", name);
   converts_ = reinterpret_cast<std::intptr_t>(converter_) != -1;
+  told_ = converts_ && !guess;
   if (!converts_) return;
   // A few encodings (EBCDIC, the shift ones) give ASCII bytes another meaning.
   std::string probe;
@@ -52,7 +54,10 @@ void CTextDecoder::Append(std::string_view bytes, std::string* out) {
   const std::string_view text = WithoutTrailingBlanks(bytes);
   if ((asciiBased_ && IsAscii(text)) || (!converts_ && IsUtf8(text))) {
     out->append(text);
-  } else if (converts_) {
+    return;
+  }
+  if (!told_) guessed_.store(true, std::memory_order_relaxed);
+  if (converts_) {
     Convert(text, out);
   } else {
     out->append(TextForDisplay(text));

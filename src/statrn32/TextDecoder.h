@@ -1,6 +1,7 @@
 // Text of a foreign file as UTF-8.
 #pragma once
 
+#include <atomic>
 #include <iconv.h>
 #include <string>
 #include <string_view>
@@ -17,8 +18,12 @@ class CTextDecoder {
   CTextDecoder(const CTextDecoder&) = delete;
   CTextDecoder& operator=(const CTextDecoder&) = delete;
 
-  // `name` as iconv knows it; null, empty or unknown: no encoding.
-  void SetEncoding(const char* name);
+  // `name` as iconv knows it; null, empty or unknown: no encoding. `guess`: nobody said that it is
+  // this one.
+  void SetEncoding(const char* name, bool guess = false);
+  // Was there a text that another encoding would show differently, and no encoding was told? May be
+  // asked from another thread.
+  bool Guessed() const { return guessed_.load(std::memory_order_relaxed); }
 
   // Appends the decoded text without its trailing blanks.
   void Append(std::string_view bytes, std::string* out);
@@ -31,6 +36,8 @@ class CTextDecoder {
   iconv_t converter_ = nullptr;
   bool converts_ = false;  // `converter_` is open
   bool asciiBased_ = true;
+  bool told_ = false;
+  std::atomic<bool> guessed_{false};
 };
 
 }  // namespace statrn32

@@ -141,7 +141,7 @@ DATE_KIND BuiltInDateKind(unsigned format) {
 
 bool CXlsWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
   encodingChosen_ = !options.encoding.empty();
-  decoder_.SetEncoding(encodingChosen_ ? options.encoding.c_str() : "CP1252");
+  decoder_.SetEncoding(encodingChosen_ ? options.encoding.c_str() : "CP1252", !encodingChosen_);
   if (!ReadStream(name) || !ReadVersion()) return false;
   if (version_ >= 5) return ReadGlobals();
   places_.push_back({"Sheet1", firstRecord_});

@@ -134,6 +134,7 @@ TEST(Dates, NumbersBecomeCalendarPartsAndText) {
       {K::WeekdayNumber, kSpssEpochDay, 8, false, 0, 0, "8"},
       {K::MonthNumber, kSpssEpochDay, 12, false, 0, 0, "December"},
       {K::SerialDate, kSerialEpochDay, 1, true, 19000101, 0, "1900-01-01"},
+      {K::SerialDate, kSerialEpochDay, -2, true, 18991229, 0, "1899-12-29"},
       {K::SerialDate, kSerialEpochDay, 59, true, 19000228, 0, "1900-02-28"},
       {K::SerialDate, kSerialEpochDay, 61, true, 19000301, 0, "1900-03-01"},
       {K::SerialDate, kSerial1904EpochDay, 1, true, 19040102, 0, "1904-01-02"},
@@ -181,7 +182,9 @@ TEST(Dates, TextsOfDatesAreRead) {
     double serial;
   } cases[] = {
       {"2020-01-31", K::SerialDate, 43861},
-      {"1899-12-29", K::SerialDate, -1},
+      {"1900-03-01", K::SerialDate, 61},
+      {"1900-02-28", K::SerialDate, 59},
+      {"1899-12-29", K::SerialDate, -2},
       {"2014-02-19T14:30", K::SerialMoment, 41689 + 52200.0 / 86400},
       {"2014-02-19 14:30:00Z", K::SerialMoment, 41689 + 52200.0 / 86400},
       {"06:00:00.5", K::SerialTime, 21600.5 / 86400},
