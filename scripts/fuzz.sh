@@ -8,7 +8,7 @@ source scripts/lib.sh
 seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
-((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl engine_syntax)
+((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl paradox sigmaplot access statistica jmp minitab engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
 cmake --preset fuzz >/dev/null
@@ -20,7 +20,7 @@ mkdir -p "$found"
 
 # The first files of a corpus: other programs' small files, and what our writers make of some of the example.
 seed() {
-  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,engine_syntax}
+  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,engine_syntax}
   local file kind
   for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
     kind=${file##*.}
@@ -34,6 +34,13 @@ seed() {
     "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/$kind/ours.$kind" --overwrite --quiet
   done
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet
+  "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/paradox/ours.db" --overwrite --quiet
+  # Files of other programs for the formats that are not written here, where there are any.
+  if [[ -n ${VEX_REAL_DATA:-} ]]; then
+    for kind in sigmaplot access statistica jmp minitab paradox; do
+      find "$VEX_REAL_DATA/$kind" -type f -size -400k -exec cp -n -t "$corpus/$kind" {} +
+    done
+  fi
   printf '(3F8.2, 2X / A4, 2I1, H1, D10.3)' >"$corpus/format/statement"
   printf '\002\002(3F4.1)\n 1.5 225x  \n' >"$corpus/text/fixed"
   printf '\000\001name 1 2.5\n1e5 -.3D2 1e-400\n' >"$corpus/text/free"
@@ -50,6 +57,6 @@ seed
 
 for target in "${targets[@]}"; do
   say "fuzz_$target for $seconds seconds"
-  "$bin/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=1024 -timeout=20 -max_len=40000 \
+  "$bin/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=1024 -timeout=20 -max_len=400000 \
     -artifact_prefix="$found/${target}_" -print_final_stats=1 "$corpus/$target" 2>&1 | tail -n 12
 done

@@ -108,6 +108,13 @@ int ST_SetWksReadMode(ST_ENV* env, int mode);
 // reader's choice.
 int ST_SetInputEncoding(ST_ENV* env, const char* encoding);
 int ST_SetInputTable(ST_ENV* env, const char* table);
+// Does the file not name its encoding, and do the texts read so far depend on it?
+bool ST_EncodingGuessed(ST_FILE* file);
+// Does the file lead to a table of a database, which may ask for a password? Such a file is never
+// written to: what is exported to it goes into the database.
+bool ST_LeadsToDatabase(const char* name);
+// The password for the next such file that is opened, and for the next ST_OpenOutFile.
+int ST_SetDatabasePassword(ST_ENV* env, const char* password);
 // The sheets, members or tables of an open file; 0 where the format holds just one.
 int ST_GetNTables(ST_FILE* file);
 const char* ST_GetTableName(ST_FILE* file, int index);

@@ -43,6 +43,7 @@ struct DICTIONARY {
   std::vector<VARIABLE> variables;
   std::vector<LABEL_SET> labelSets;
   std::string tableName;    // to be written, where the format names its tables; may be empty
+  std::string password;     // of the database to be written to; may be empty
   std::int64_t cases = -1;  // -1: not known before the end
 };
 

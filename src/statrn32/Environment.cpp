@@ -53,14 +53,16 @@ bool ST_CanWrite(std::int32_t type) {
 }
 
 std::int32_t ST_SniffFile(const char* name) {
-  const statrn32::FORMAT* const format = statrn32::RecogniseFormat(statrn32::FirstBytesOf(name));
+  if (name == nullptr) return -1;
+  const statrn32::FORMAT* const format =
+      statrn32::RecogniseFile(name, statrn32::FirstBytesOf(name));
   return format != nullptr ? format->code : -1;
 }
 
 bool ST_FileFits(const char* name, std::int32_t type) {
   const statrn32::FORMAT* const format = statrn32::FindFormat(type);
-  return format != nullptr && format->recognises != nullptr &&
-         format->recognises(statrn32::FirstBytesOf(name));
+  return name != nullptr && format != nullptr &&
+         statrn32::FormatFits(*format, name, statrn32::FirstBytesOf(name));
 }
 
 int ST_CloseFiles(ST_ENV* env) {

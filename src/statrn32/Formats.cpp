@@ -1,24 +1,28 @@
 #include "statrn32/Formats.h"
 
+#include <algorithm>
+
+#include "statrn32/AccessFiles.h"
+#include "statrn32/CompoundFile.h"
 #include "statrn32/DbfFiles.h"
 #include "statrn32/ExcelFiles.h"
 #include "statrn32/HtmlFiles.h"
+#include "statrn32/JmpFiles.h"
 #include "statrn32/JsonFiles.h"
+#include "statrn32/MinitabFiles.h"
 #include "statrn32/OfficeFiles.h"
+#include "statrn32/ParadoxFiles.h"
 #include "statrn32/ProgramFiles.h"
 #include "statrn32/SasFiles.h"
+#include "statrn32/SigmaPlotFiles.h"
 #include "statrn32/SpssFiles.h"
 #include "statrn32/SqlFiles.h"
 #include "statrn32/SqliteFiles.h"
 #include "statrn32/StataFiles.h"
+#include "statrn32/StatisticaFiles.h"
 
 namespace statrn32 {
 namespace {
-
-bool IsAccess(std::string_view first) {
-  return first.size() > 19 && first.substr(0, 4) == std::string_view("\0\1\0\0", 4) &&
-         (first.substr(4, 15) == "Standard Jet DB" || first.substr(4, 15) == "Standard ACE DB");
-}
 
 bool IsMatlab(std::string_view first) {
   return first.substr(0, 10) == "MATLAB 5.0";
@@ -43,7 +47,8 @@ constexpr const char* kMinesetNotRead =
 constexpr const char* kProgramVariants =
     "lists and fixed columns, in the program or beside it; written with the data in the program";
 constexpr const char* kSqlDates = "dates, times, date-times";
-constexpr const char* kSqlVariants = "scripts of CREATE TABLE and INSERT statements";
+constexpr const char* kSqlVariants =
+    "scripts of CREATE TABLE and INSERT statements; connection files, which begin with [ODBC]";
 
 // In the order of the codes.
 constexpr FORMAT kFormats[] = {
@@ -64,10 +69,19 @@ constexpr FORMAT kFormats[] = {
      .writer = WriteXls,
      .names = &kSheetNames,
      .limits = &kXlsLimits,
+     .streams = "Workbook\0Book\0",
      .dates = "dates, times, date-times",
      .variants = "versions 2 to 2003; written as version 97"},
     {.code = 9, .name = "Gauss"},
-    {.code = 10, .name = "Paradox"},
+    {.code = 10,
+     .name = "Paradox",
+     .recognises = IsParadox,
+     .reader = ReadParadox,
+     .writer = WriteParadox,
+     .names = &kParadoxNames,
+     .limits = &kParadoxLimits,
+     .dates = "dates, times, date-times",
+     .variants = "versions 3 to 7 with memos, not encrypted; written as version 7 without a key"},
     {.code = 11, .name = "Quattro Pro"},
     {.code = 12,
      .name = "SAS Transport File",
@@ -98,7 +112,13 @@ constexpr FORMAT kFormats[] = {
     {.code = 16, .name = "Systat"},
     {.code = 17, .name = "S-Plus"},
     {.code = 20, .name = "SAS V6 Data File", .notRead = kSasV6NotRead, .instead = kSasInstead},
-    {.code = 21, .name = "SigmaPlot File"},
+    {.code = 21,
+     .name = "SigmaPlot File",
+     .recognises = IsSigmaPlot,
+     .reader = ReadSigmaPlot,
+     .streams = "JNBDirectory\0",
+     .variants = "worksheets of notebooks: numbers and texts, not colours",
+     .instead = kTextInstead},
     {.code = 22,
      .name = "SPSS Data File",
      .recognises = IsSav,
@@ -108,7 +128,13 @@ constexpr FORMAT kFormats[] = {
      .limits = &kSavLimits,
      .dates = "dates, times, date-times, weeks, months, quarters",
      .variants = "plain, compressed and .zsav"},
-    {.code = 23, .name = "Access", .recognises = IsAccess, .instead = kAccessInstead},
+    {.code = 23,
+     .name = "Access",
+     .recognises = IsAccess,
+     .reader = ReadAccess,
+     .dates = "date-times",
+     .variants = "versions 95 to 2019 (.mdb, .accdb), not encrypted; tables, not linked ones",
+     .instead = kAccessInstead},
     {.code = 25,
      .name = "SQL Server (Sybase)",
      .reader = ReadSql<25>,
@@ -134,7 +160,12 @@ constexpr FORMAT kFormats[] = {
      .dates = kSqlDates,
      .variants = kSqlVariants},
     {.code = 29, .name = "Matlab Matrix", .recognises = IsMatlab},
-    {.code = 30, .name = "Statistica"},
+    {.code = 30,
+     .name = "Statistica",
+     .recognises = IsStatistica,
+     .reader = ReadStatistica,
+     .variants = "the first generation (its files begin with \"CSS\"); texts are value labels",
+     .instead = kTextInstead},
     {.code = 31,
      .name = "HTML Table",
      .recognises = IsHtml,
@@ -146,9 +177,20 @@ constexpr FORMAT kFormats[] = {
     {.code = 32, .name = "Epi Info"},
     {.code = 33, .name = "LIMDEP for Windows", .notRead = kLimdepNotRead, .instead = kTextInstead},
     {.code = 34, .name = "Mineset", .notRead = kMinesetNotRead, .instead = kTextInstead},
-    {.code = 35, .name = "JMP"},
+    {.code = 35,
+     .name = "JMP",
+     .recognises = IsJmp,
+     .reader = ReadJmp,
+     .dates = "dates, date-times, durations",
+     .variants = "versions from 5 on, plain and compressed; without value labels",
+     .instead = kTextInstead},
     {.code = 36, .name = "OSIRIS"},
-    {.code = 37, .name = "Minitab"},
+    {.code = 37,
+     .name = "Minitab",
+     .recognises = IsMinitabPortable,
+     .reader = ReadMinitab,
+     .variants = "portable worksheets (.mtp): columns of numbers",
+     .instead = kTextInstead},
     {.code = 38,
      .name = "SAS Data File - Versions 7/8/9",
      .recognises = IsSas7bdat,
@@ -239,22 +281,58 @@ std::string NamesWhere(bool (*fits)(const FORMAT&)) {
   return names;
 }
 
+// Does a compound file have one of these streams, or cannot be read?
+bool HasStream(const std::string& name, const char* streams) {
+  CCompoundFile file;
+  std::string error;
+  if (!file.Open(name, &error)) return true;
+  const std::vector<std::string> names = file.Names("");
+  for (std::string_view wanted = streams; !wanted.empty();
+       wanted = wanted.data() + wanted.size() + 1) {
+    if (std::find(names.begin(), names.end(), wanted) != names.end()) return true;
+  }
+  return false;
+}
+
 std::string UnknownText(std::int32_t code) {
   return "There is no file type with the code " + std::to_string(code);
 }
 
-// Relatives of our formats that are refused by name.
+// Relatives of our formats that are refused by name. Of a format that has a row without first bytes
+// that row speaks of everything that is not known otherwise.
 struct RELATIVE {
   std::int32_t code;
   std::string_view begin;
   const char* text;
+  bool everywhere = false;  // also where another type was asked for
 };
+constexpr const char* kMinitabNotPortable =
+    "this is a Minitab worksheet or project; please save it in Minitab as a portable worksheet "
+    "(*.mtp), or as text (*.csv)";
 constexpr RELATIVE kRelatives[] = {
     {22, std::string_view("\x1c\0\0\0\0\0\0\0ENCRYPTED", 17),
-     "this is an encrypted SPSS file; please save it without a password first"},
+     "this is an encrypted SPSS file; please save it without a password first", true},
     {12, "**COMPRESSED**",
      "this is a SAS file made by PROC CPORT; please make a transport file with PROC COPY and the "
-     "XPORT engine"},
+     "XPORT engine",
+     true},
+    {23, std::string_view("\0\1\0\0MSISAM Database", 19),
+     "this is a file of Money, whose tables are encrypted; please export them there as text"},
+    {30, kCompoundMagic,
+     "this is a Statistica file of a later generation; please save it there as an Excel workbook, "
+     "as an SPSS file (*.sav) or as text (*.csv)"},
+    {35,
+     {},
+     "this is no JMP table of version 5 or later; please save it in JMP as a SAS transport file "
+     "(*.xpt), as an Excel workbook or as text (*.csv)"},
+    {37, kCompoundMagic, kMinitabNotPortable},
+    {37, "PK\x03\x04", kMinitabNotPortable},
+    {37,
+     {},
+     "this is no portable Minitab worksheet (*.mtp); please save it as one in Minitab, or as text "
+     "(*.csv)"},
+    {900, kCompoundMagic,
+     "this is a workbook protected by a password; please save it without one first"},
 };
 
 }  // namespace
@@ -277,16 +355,32 @@ const FORMAT* RecogniseFormat(std::string_view first) {
   return nullptr;
 }
 
+bool FormatFits(const FORMAT& format, const std::string& name, std::string_view first) {
+  if (format.recognises == nullptr || !format.recognises(first)) return false;
+  return first.substr(0, kCompoundMagic.size()) != kCompoundMagic || format.streams == nullptr ||
+         HasStream(name, format.streams);
+}
+
+const FORMAT* RecogniseFile(const std::string& name, std::string_view first) {
+  for (const FORMAT& format : kFormats) {
+    if (FormatFits(format, name, first)) return &format;
+  }
+  return nullptr;
+}
+
 std::string WhyNotRecognised(std::int32_t code, std::string_view first) {
   const FORMAT* const wanted = FindFormat(code);
   if (wanted == nullptr) return UnknownText(code);
   if (wanted->recognises == nullptr || wanted->recognises(first)) return {};
   if (first.empty()) return "the file is empty";
+  const FORMAT* const found = RecogniseFormat(first);
   for (const RELATIVE& relative : kRelatives) {
-    if (first.substr(0, relative.begin.size()) == relative.begin) return relative.text;
+    if (first.substr(0, relative.begin.size()) != relative.begin) continue;
+    if (relative.everywhere || relative.code == code) {
+      if (!relative.begin.empty() || found == nullptr) return relative.text;
+    }
   }
   std::string text = "this is not a file of the type \"" + std::string(wanted->name) + "\"";
-  const FORMAT* const found = RecogniseFormat(first);
   if (found != nullptr)
     text += "; its first bytes are those of \"" + std::string(found->name) + "\"";
   return text;

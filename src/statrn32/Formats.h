@@ -42,10 +42,12 @@ struct FORMAT {
   std::unique_ptr<CWriter> (*writer)() = nullptr;
   const NAME_RULES* names = nullptr;  // of a format that is written
   const LIMITS* limits = nullptr;     // of a format that is written
-  const char* dates = nullptr;        // the kinds of dates that are read, for a person to read
-  const char* variants = nullptr;     // which versions are read and written
-  const char* notRead = nullptr;      // why it is not read and what serves; null: the usual advice
-  const char* instead = nullptr;      // what to write instead of it; null: the usual advice
+  // Of a compound file: the streams of which it has one, each closed by a NUL, the last by two.
+  const char* streams = nullptr;
+  const char* dates = nullptr;     // the kinds of dates that are read, for a person to read
+  const char* variants = nullptr;  // which versions are read and written
+  const char* notRead = nullptr;   // why it is not read and what serves; null: the usual advice
+  const char* instead = nullptr;   // what to write instead of it; null: the usual advice
 };
 
 // How many first bytes `recognises` sees; fewer of a shorter file.
@@ -56,6 +58,10 @@ std::span<const FORMAT> Formats();
 const FORMAT* FindFormat(std::int32_t code);
 // The format that recognises the first bytes, or null.
 const FORMAT* RecogniseFormat(std::string_view first);
+// The same of a whole file, whose first bytes these are: compound files, which begin alike, are
+// told apart by their streams.
+bool FormatFits(const FORMAT& format, const std::string& name, std::string_view first);
+const FORMAT* RecogniseFile(const std::string& name, std::string_view first);
 
 // Why these first bytes are not read as that format, for a person to read; empty when they are.
 std::string WhyNotRecognised(std::int32_t code, std::string_view first);

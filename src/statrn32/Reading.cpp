@@ -6,6 +6,7 @@
 
 #include "host/Numbers.h"
 #include "statrn32/Environment.h"
+#include "statrn32/SqlFiles.h"
 
 using statrn32::FailWith;
 using statrn32::VARIABLE;
@@ -81,6 +82,21 @@ int ST_SetInputTable(ST_ENV* env, const char* table) {
   if (env == nullptr || table == nullptr) return -1;
   env->options.table = table;
   return 0;
+}
+
+int ST_SetDatabasePassword(ST_ENV* env, const char* password) {
+  if (env == nullptr || password == nullptr) return -1;
+  env->options.password = password;
+  env->userDictionary.password = password;
+  return 0;
+}
+
+bool ST_EncodingGuessed(ST_FILE* file) {
+  return file != nullptr && file->reader && file->reader->EncodingGuessed();
+}
+
+bool ST_LeadsToDatabase(const char* name) {
+  return statrn32::IsConnectionFile(statrn32::FirstBytesOf(name));
 }
 
 int ST_GetNTables(ST_FILE* file) {

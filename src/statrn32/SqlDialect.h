@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "statrn32/Dictionary.h"
 #include "statrn32/Names.h"
 
 namespace statrn32 {
@@ -31,5 +32,10 @@ const SQL_DIALECT* FindSqlDialect(std::int32_t code);
 // Appends a name with the marks of the dialect, a text with its quotes.
 void AppendSqlName(const SQL_DIALECT& dialect, std::string_view name, std::string* out);
 void AppendSqlText(const SQL_DIALECT& dialect, std::string_view text, std::string* out);
+// A table's name that may have the names of its schema and database before it, with dots between.
+void AppendSqlPath(const SQL_DIALECT& dialect, std::string_view path, std::string* out);
+
+// The type of a column for a variable.
+std::string SqlTypeOf(const SQL_DIALECT& dialect, const VARIABLE& variable);
 
 }  // namespace statrn32

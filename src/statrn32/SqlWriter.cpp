@@ -1,7 +1,4 @@
-#include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <iterator>
 
 #include "host/Numbers.h"
 #include "host/statrn32.h"
@@ -13,24 +10,6 @@
 namespace statrn32 {
 namespace {
 
-constexpr std::string_view kReserved[] = {
-    "ADD",    "ALL",    "AND",    "AS",     "ASC",    "BY",   "CASE",  "CHECK", "COLUMN",
-    "CREATE", "DATE",   "DELETE", "DESC",   "DROP",   "ELSE", "END",   "FROM",  "GROUP",
-    "HAVING", "IN",     "INDEX",  "INSERT", "INTO",   "IS",   "KEY",   "LIKE",  "NOT",
-    "NULL",   "ON",     "OR",     "ORDER",  "SELECT", "SET",  "TABLE", "THEN",  "TO",
-    "UNION",  "UNIQUE", "UPDATE", "USER",   "VALUES", "WHEN", "WHERE", "WITH"};
-
-constexpr SQL_DIALECT kDialects[] = {
-    {25, "DOUBLE PRECISION", "VARCHAR(%zu)", 16384, "TEXT", '"', '"', "'", "\ngo\n", 1, "",
-     &kSqlShortNames},
-    {27, "FLOAT", "VARCHAR(%zu)", 255, "LVARCHAR(%zu)", 0, 0, "'", ";\n", 1, "", &kSqlPlainNames},
-    {28, "FLOAT(53)", "NVARCHAR(%zu)", 4000, "NVARCHAR(MAX)", '[', ']', "N'", ";\nGO\n", 1000, "",
-     &kSqlNames},
-    {42, "BINARY_DOUBLE", "VARCHAR2(%zu CHAR)", 4000, "CLOB", '"', '"', "'", ";\n", 1, "d",
-     &kSqlShortNames},
-    {44, "DOUBLE", "VARCHAR(%zu)", 32672, "CLOB(%zu)", '"', '"', "'", ";\n", 1000, "", &kSqlNames},
-};
-
 class CSqlWriter final : public CFileWriter {
  public:
   explicit CSqlWriter(std::int32_t code) : CFileWriter(code), dialect_(*FindSqlDialect(code)) {}
@@ -41,7 +20,6 @@ class CSqlWriter final : public CFileWriter {
   bool PutEnd() override { return rows_ == 0 || Put(dialect_.endRow); }
 
  private:
-  std::string TypeOf(const VARIABLE& variable) const;
   void AppendCell(const OUT_CELL& cell, const VARIABLE& variable);
 
   const SQL_DIALECT& dialect_;
@@ -49,15 +27,6 @@ class CSqlWriter final : public CFileWriter {
   std::string line_;
   int rows_ = 0;  // of the statement being written
 };
-
-std::string CSqlWriter::TypeOf(const VARIABLE& variable) const {
-  if (variable.type != ST_TYPE_STRING) return dialect_.number;
-  const auto bytes = static_cast<std::size_t>(std::max(1, variable.width));
-  char type[64];
-  std::snprintf(type, sizeof type, bytes <= dialect_.mostText ? dialect_.text : dialect_.longText,
-                bytes);
-  return type;
-}
 
 bool CSqlWriter::PutHeader() {
   constexpr const char* kDefaultTable = "data";
@@ -69,7 +38,7 @@ bool CSqlWriter::PutHeader() {
   for (std::size_t i = 0; i < Variables().size(); ++i) {
     line_ += i == 0 ? "\n  " : ",\n  ";
     AppendSqlName(dialect_, Variables()[i].name, &line_);
-    line_ += " " + TypeOf(Variables()[i]);
+    line_ += " " + SqlTypeOf(dialect_, Variables()[i]);
   }
   return Put(line_ + "\n)" + dialect_.endRow);
 }
@@ -104,36 +73,6 @@ void CSqlWriter::AppendCell(const OUT_CELL& cell, const VARIABLE& variable) {
 }
 
 }  // namespace
-
-constexpr NAME_RULES kSqlNames = {128, "_", "_ ", false, false, false, {}};
-constexpr NAME_RULES kSqlShortNames = {30, "_", "_ ", false, false, false, {}};
-constexpr NAME_RULES kSqlPlainNames = {128, "_", "_", true, false, false, kReserved};
-constexpr LIMITS kSqlLimits = {.variables = 1012,
-                               .textBytes = 32000,
-                               .textRemark = "Oracle takes an empty text for a missing one."};
-
-const SQL_DIALECT* FindSqlDialect(std::int32_t code) {
-  const auto* const found =
-      std::find_if(std::begin(kDialects), std::end(kDialects),
-                   [code](const SQL_DIALECT& dialect) { return dialect.code == code; });
-  return found != std::end(kDialects) ? found : nullptr;
-}
-
-void AppendSqlName(const SQL_DIALECT& dialect, std::string_view name, std::string* out) {
-  if (dialect.openName == 0) {
-    out->append(name);
-    return;
-  }
-  *out += dialect.openName;
-  for (const char c : name) out->append(c == dialect.closeName ? 2 : 1, c);
-  *out += dialect.closeName;
-}
-
-void AppendSqlText(const SQL_DIALECT& dialect, std::string_view text, std::string* out) {
-  *out += dialect.openString;
-  for (const char c : text) out->append(c == '\'' ? 2 : 1, c);
-  *out += '\'';
-}
 
 std::unique_ptr<CWriter> WriteSqlScript(std::int32_t code) {
   return std::make_unique<CSqlWriter>(code);

@@ -54,7 +54,8 @@ class Damage : public testing::TestWithParam<Format> {
 INSTANTIATE_TEST_SUITE_P(Formats, Damage,
                          testing::Values(Format{22, "t.sav"}, Format{22, "t.zsav"},
                                          Format{13, "t.por"}, Format{14, "t.dta"},
-                                         Format{12, "t.xpt"}, Format{6, "t.dbf"}));
+                                         Format{12, "t.xpt"}, Format{6, "t.dbf"},
+                                         Format{10, "t.db"}));
 
 // Formats of text or of packages of parts: what their writers make is damaged as well, but a cut
 // may still be a shorter file of theirs.

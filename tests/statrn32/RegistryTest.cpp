@@ -17,21 +17,21 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
     bool read;
     bool write;
   } types[] = {
-      {23, "Access", false, false},
+      {23, "Access", true, false},
       {6, "dBASE", true, true},
       {7, "Excel", true, true},
       {32, "Epi Info", false, false},
       {9, "Gauss", false, false},
       {31, "HTML Table", true, true},
       {27, "Informix", true, true},
-      {35, "JMP", false, false},
+      {35, "JMP", true, false},
       {33, "LIMDEP for Windows", false, false},
       {0, "Lotus 1-2-3", false, false},
       {29, "Matlab Matrix", false, false},
       {34, "Mineset", false, false},
-      {37, "Minitab", false, false},
+      {37, "Minitab", true, false},
       {36, "OSIRIS", false, false},
-      {10, "Paradox", false, false},
+      {10, "Paradox", true, true},
       {11, "Quattro Pro", false, false},
       {17, "S-Plus", false, false},
       {38, "SAS Data File - Versions 7/8/9", true, false},
@@ -43,9 +43,9 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
       {39, "SPSS 'Syntax' & Data File", true, true},
       {14, "Stata", true, true},
       {41, "Stata Program & Data File", true, true},
-      {30, "Statistica", false, false},
+      {30, "Statistica", true, false},
       {16, "Systat", false, false},
-      {21, "SigmaPlot File", false, false},
+      {21, "SigmaPlot File", true, false},
       {25, "SQL Server (Sybase)", true, true},
       {28, "SQL Server (Microsoft)", true, true},
       {42, "Oracle", true, true},
@@ -83,6 +83,22 @@ TEST(Registry, AnUnknownCodeIsToldAsSuch) {
   EXPECT_FALSE(ST_CanWrite(1003));
 }
 
+// The first bytes of a table of version 7 with one field.
+std::string ParadoxTable(char kind, std::uint32_t secret) {
+  std::string bytes(400, '\0');
+  bytes[0] = 8, bytes[3] = 8;  // bytes of a row and of the header
+  bytes[4] = kind, bytes[5] = 2;
+  bytes[0x21] = 1, bytes[0x39] = 12;
+  bytes[0x78] = 6, bytes[0x79] = 8;
+  for (std::size_t i = 0; i < 4; ++i) bytes[0x5C + i] = static_cast<char>(secret >> 8 * i);
+  return bytes;
+}
+
+const std::string kCompound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(600, '\0');
+const std::string kEncryptedDbf =
+    std::string("\x03\x64\1\1\0\0\0\0\x41\0\2\0\0\0\0\1", 16) + std::string(16, '\0') +
+    std::string("X\0\0\0\0\0\0\0\0\0\0C", 12) + std::string(20, '\0') + "\r";
+
 TEST(Registry, WhatIsNoFileOfTheTypeIsToldSo) {
   const std::string encrypted =
       std::string("\x1c\0\0\0\0\0\0\0", 8) + "ENCRYPTEDSAV" + std::string(100, 'x');
@@ -100,6 +116,18 @@ TEST(Registry, WhatIsNoFileOfTheTypeIsToldSo) {
       {38, std::string(2000, '\0'), "not a file of the type \"SAS Data File"},
       {13, std::string(2000, ' '), "not a file of the type \"SPSS Portable File\""},
       {14, std::string("\0\1\0\0Standard Jet DB\0", 20), "those of \"Access\""},
+      {23, std::string("\0\1\0\0MSISAM Database\0", 20), "a file of Money"},
+      {30, kCompound, "a later generation"},
+      {35, "some old table", "no JMP table of version 5"},
+      {35, "$FL2@(#) SPSS DATA FILE", "those of \"SPSS Data File\""},
+      {37, kCompound, "as a portable worksheet"},
+      {37, "PK\x03\x04 and more", "as a portable worksheet"},
+      {37, "an old worksheet", "no portable Minitab worksheet"},
+      {900, kCompound, "protected by a password"},
+      {6, kEncryptedDbf, "the table is encrypted"},
+      {10, ParadoxTable(0, 0x12345678), "the table is encrypted"},
+      {10, ParadoxTable(1, 0), "an index of a Paradox table"},
+      {21, kCompound, "damaged"},
   };
   TempFolder folder;
   const std::string name = folder.Name("file");

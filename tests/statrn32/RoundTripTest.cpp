@@ -42,6 +42,7 @@ constexpr Format kFormats[] = {
     {12, "t.stx", true, false, true, false, 4.5e74, 0},
     {6, "t.dbf", true, false, true, false, 1e308, 1e-13, false, false},
     {7, "t.xls", false, false, true, true, kMax, 0, false, false, true},
+    {10, "t.db", false, false, true, false, kMax, 0, false, false, true},
     {25, "t.syb", false, false, true, false, kMax, 0, false, false, true},
     {27, "t.ifx", false, false, true, false, kMax, 0, false, false, true},
     {28, "t.sql", false, false, true, false, kMax, 0, false, false, true},
