@@ -51,8 +51,8 @@ inline constexpr std::int64_t kMatlabEpochDay = -719529;     // the day before 0
 //
 // The serial number of a day; false when there is no such day or the year is not 1 to 9999.
 bool SerialOfDate(std::int64_t year, std::int64_t month, std::int64_t day, double* serial);
-// The serial number of a day counted from 1970-01-01. Before 1900-03-01 it is one less than the days
-// since the epoch, as in spreadsheets.
+// The serial number of a day counted from 1970-01-01. Before 1900-03-01 it is one less than the
+// days since the epoch, as in spreadsheets.
 double SerialOfDay(std::int64_t day);
 
 // A date, a time or both as ISO 8601 writes them ("2020-01-31", "13:45:10.5",

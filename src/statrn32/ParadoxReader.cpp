@@ -54,8 +54,8 @@ double Double(std::string_view bytes) {
   return std::bit_cast<double>((bits & kSign) != 0 ? bits ^ kSign : ~bits);
 }
 
-// 32 digits, two a byte, behind a byte with the sign and, in its low 6 bits, the number of decimals;
-// of numbers below zero the bits of the digits were turned.
+// 32 digits, two a byte, behind a byte with the sign and, in its low 6 bits, the number of
+// decimals; of numbers below zero the bits of the digits were turned.
 double Decimal(std::string_view bytes) {
   const bool negative = (static_cast<unsigned char>(bytes[0]) & 0x80) == 0;
   const unsigned turn = negative ? 0xFF : 0;
