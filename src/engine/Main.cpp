@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/parallel/RankGroup.h"
 #include "engine/run/Interrupt.h"
 #include "engine/run/Run.h"
 
@@ -17,6 +18,7 @@ constexpr const char* kHelp =
     "  --threads N   use N threads (all processors without it; results are the same)\n"
     "  --help        this text\n"
     "  --version     the version\n\n"
+    "Started by mpirun, all of its processes make the run together; the first one writes.\n"
     "Exit codes: 0 done, 1 failed (the output says why), 2 wrong usage, 3 interrupted.\n"
     "Progress goes to standard error.\n";
 
@@ -37,7 +39,7 @@ int main(int argc, char** argv) {
       return 0;
     }
     if (argument == "--version") {
-      std::puts("torvik " VEX_VERSION);
+      std::printf("torvik " VEX_VERSION " (%s)\n", RankSupport());
       return 0;
     }
     if (argument == "--threads") {
@@ -54,6 +56,11 @@ int main(int argc, char** argv) {
     names.push_back(argv[i]);
   }
   if (names.size() != 2) return WrongUsage("two files are needed, the syntax and the output");
+  const auto ranks = JoinRanks(argc, argv);
+  if (!ranks) {
+    return WrongUsage("several processes were started, and this program was built without MPI");
+  }
   WatchForInterrupts();
+  options.ranks = ranks.get();
   return static_cast<int>(RunEngine(names[0], names[1], options));
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <vector>
 
+#include "engine/data/ColumnCodes.h"
 #include "engine/data/DataFile.h"
 #include "engine/stats/Blocks.h"
 #include "engine/syntax/Job.h"
@@ -42,12 +43,17 @@ struct CASEBLOCK {
   const std::int64_t* numbers = nullptr;  // the cases' numbers in the file, counted from 1
 };
 
+class CCaseStore;
+
 class CCaseSource {
  public:
   // File and job must outlive the source. `repetition` counts from 0. Threads: 0 for all
   // processors.
   CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t seed, std::int64_t repetition,
               int threads);
+  // Gives the cases of a store, as often as `counts` says; both outlive the source.
+  CCaseSource(const CDataFile& file, const JOB& job, const CCaseStore& store,
+              const std::vector<double>& counts);
   ~CCaseSource();
   CCaseSource(const CCaseSource&) = delete;
   CCaseSource& operator=(const CCaseSource&) = delete;
@@ -56,6 +62,7 @@ class CCaseSource {
   void SetColumns(std::vector<CASECOLUMN> columns) { columns_ = std::move(columns); }
   // Leave out the cases that have a missing value in any of the columns?
   void SetListwise(bool listwise) { listwise_ = listwise; }
+  bool IsListwise() const { return listwise_; }
 
   // Every case counts 1 from now on, and none is left out for its weight.
   void IgnoreWeights() { weightVariable_ = -1; }
@@ -77,10 +84,15 @@ class CCaseSource {
   // Of the last pass.
   const CASECOUNTS& Counts() const { return counts_; }
 
+  // The columns that passes have asked for since the last ForgetUse, each variable once, with the
+  // last `values` that it had.
+  const std::vector<CASECOLUMN>& Used() const { return used_; }
+  void ForgetUse() { used_.clear(); }
+
  private:
   struct Part;
-  class CColumnCodes;
 
+  void NoteUse();
   void PrepareColumns();
   void PrepareBlock(std::vector<Part>& parts, std::int64_t first);
   void DecodePart(Part& part);
@@ -105,6 +117,9 @@ class CCaseSource {
   std::vector<CASECOLUMN> columns_;
   bool listwise_ = false;
   CASECOUNTS counts_;
+  std::vector<CASECOLUMN> used_;
+  const CCaseStore* store_ = nullptr;
+  const std::vector<double>* drawn_ = nullptr;
   // What the columns need, prepared for the pass.
   std::vector<CMissingTest> columnMissing_;
   bool sameMissing_ = false;  // one test for all columns

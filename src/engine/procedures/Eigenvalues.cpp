@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/run/Estimates.h"
+
 namespace {
 
 using Eigen::Index;
@@ -64,4 +66,11 @@ void WriteEigenvalues(ENGINERUN& run, const Eigen::VectorXd& eigenvalues,
   report.Subsection("Eigenvalues");
   report.Table(table);
   WriteScree(report, eigenvalues, chance);
+}
+
+ESTIMATES EigenvalueEstimates(const Eigen::VectorXd& eigenvalues) {
+  ESTIMATES estimates = MakeEstimates("Eigenvalues");
+  for (Index j = 0; j < eigenvalues.size(); ++j)
+    AddEstimate(estimates, std::to_string(j + 1), eigenvalues(j));
+  return estimates;
 }

@@ -10,3 +10,6 @@
 // listing: a bar for each eigenvalue.
 void WriteEigenvalues(ENGINERUN& run, const Eigen::VectorXd& eigenvalues,
                       const std::optional<stats::ParallelAnalysisResult>& chance);
+
+// As estimates, by their numbers.
+ESTIMATES EigenvalueEstimates(const Eigen::VectorXd& eigenvalues);

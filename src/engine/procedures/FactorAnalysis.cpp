@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "engine/procedures/Eigenvalues.h"
+#include "engine/run/Estimates.h"
 #include "engine/screen/AnalysisMoments.h"
 #include "engine/screen/CasesSections.h"
 #include "engine/stats/FactorAnalysis.h"
@@ -35,8 +36,10 @@ class CFactorAnalysis {
     for (const CString& warning : warnings) report_.Warning(warning);
     report_.Section("Exploratory factor analysis");
     components_ = stats::EstimateComponents(moments_.matrix);
-    chance_ = stats::AnalyseParallel(static_cast<int>(moments_.matrix.rows()), moments_.smallestN,
-                                     kChanceSamples, run_.seed, run_.threads);
+    if (run_.sampling == nullptr || !run_.sampling->isSample) {
+      chance_ = stats::AnalyseParallel(static_cast<int>(moments_.matrix.rows()), moments_.smallestN,
+                                       kChanceSamples, run_.seed, run_.threads);
+    }
     for (const SCREENVARIABLE& variable : variables_.all) names_.push_back(variable.name);
     if (!ChooseFactors(fault)) return false;
     WriteHeading();
@@ -46,6 +49,7 @@ class CFactorAnalysis {
     WriteWarnings();
     WriteLoadings();
     WriteResiduals();
+    if (run_.sampling != nullptr) NoteEstimates();
     if (fa_.scores) SaveScores();
     return true;
   }
@@ -55,7 +59,9 @@ class CFactorAnalysis {
     const Index p = moments_.matrix.rows();
     factors_ = static_cast<int>(fa_.factors);
     const bool chosen = factors_ > 0;
-    if (!chosen) {
+    if (!chosen && run_.sampling != nullptr && run_.sampling->settled) {
+      factors_ = static_cast<int>(*run_.sampling->settled);
+    } else if (!chosen) {
       factors_ = static_cast<int>((components_.eigenvalues.array() > 1).count());
       factors_ = std::max(factors_, 1);
     }
@@ -75,6 +81,20 @@ class CFactorAnalysis {
                                           "variables."
                                     : CString("Use at least three variables."));
     return false;
+  }
+
+  // Bootstrapping keeps to the number of factors.
+  void NoteEstimates() {
+    run_.sampling->settled = factors_;
+    run_.estimates->push_back(EigenvalueEstimates(components_.eigenvalues));
+    run_.estimates->push_back(
+        LoadingEstimates(CString(factors_ > 1 ? "VARIMAX-rotated loadings" : "Loadings") +
+                             " (order and signs of the factors matched to all cases)",
+                         names_, FactorNames(), varimax_.loadings));
+    ESTIMATES uniquenesses = MakeEstimates("Uniquenesses");
+    for (std::size_t i = 0; i < names_.size(); ++i)
+      AddEstimate(uniquenesses, names_[i], result_.uniqueness(static_cast<Index>(i)));
+    run_.estimates->push_back(std::move(uniquenesses));
   }
 
   void WriteHeading() {

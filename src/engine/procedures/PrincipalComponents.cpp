@@ -1,12 +1,22 @@
 #include "engine/procedures/PrincipalComponents.h"
 
 #include "engine/procedures/Eigenvalues.h"
+#include "engine/run/Estimates.h"
 #include "engine/screen/AnalysisMoments.h"
 #include "engine/screen/CasesSections.h"
 
 namespace {
 
 using Eigen::Index;
+
+void NoteEstimates(ENGINERUN& run, const stats::ComponentsResult& result, Index count,
+                   const std::vector<CString>& variables, const std::vector<CString>& names) {
+  if (run.sampling == nullptr) return;
+  run.estimates->push_back(EigenvalueEstimates(result.eigenvalues));
+  run.estimates->push_back(
+      LoadingEstimates("Loadings (order and signs of the components matched to all cases)",
+                       variables, names, result.loadings.leftCols(count)));
+}
 
 std::vector<CString> ComponentNames(Index count) {
   std::vector<CString> names;
@@ -65,6 +75,7 @@ bool RunPrincipalComponents(ENGINERUN& run, const PROCEDURE& procedure, FAULT& f
                         : "Loadings: covariances of the variables with the components, these "
                           "having standard deviation 1");
   report.Table(MatrixTable(report, rows, names, result.loadings.leftCols(count)));
+  NoteEstimates(run, result, count, rows, names);
   if (!pc.scores) return true;
   if (run.files.Find("RA") == nullptr) {
     report.Warning("PS: the scores are not saved. Add RA=file to the output line.");

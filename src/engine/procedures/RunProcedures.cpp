@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/procedures/ProcedureTable.h"
+#include "engine/bootstrap/ProcedureSamples.h"
 #include "engine/screen/DataOutput.h"
 #include "engine/screen/Screening.h"
 
@@ -37,7 +37,7 @@ bool RunProcedures(ENGINERUN& run, FAULT& fault) {
   constexpr int kStagesEach = 8;
   run.progress.Begin(kStagesEach * static_cast<int>(procedures.size()));
   for (const PROCEDURE& procedure : procedures) {
-    if (!RunnerOf(procedure)(run, procedure, fault)) return false;
+    if (!RunWithSamples(run, procedure, fault)) return false;
   }
   if (run.job.output.pk) {
     run.report.Warning("PK on the output line has no effect in this engine.");

@@ -1,6 +1,7 @@
 #include "engine/procedures/Thresholds.h"
 
 #include "engine/procedures/OrdinalTables.h"
+#include "engine/run/Estimates.h"
 #include "engine/screen/CasesSections.h"
 #include "engine/screen/ThresholdFile.h"
 #include "engine/stats/EqualThresholds.h"
@@ -18,6 +19,17 @@ void AddThresholds(const CReport& report, const std::vector<double>& values,
                           report.Number(thresholds[t]),
                           errors.empty() ? CString() : report.Number(errors[t])});
   }
+}
+
+void NoteThresholds(ENGINERUN& run, const CString& heading, const std::vector<double>& values,
+                    const std::vector<double>& thresholds) {
+  if (run.sampling == nullptr) return;
+  ESTIMATES estimates = MakeEstimates(heading);
+  for (std::size_t t = 0; t < thresholds.size(); ++t) {
+    AddEstimate(estimates, CategoryText(values[t]) + " | " + CategoryText(values[t + 1]),
+                thresholds[t]);
+  }
+  run.estimates->push_back(std::move(estimates));
 }
 
 TABLE ThresholdTable(const CReport& report) {
@@ -97,6 +109,7 @@ bool RunEqualThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault
   }
   report.Subsection("Common thresholds");
   report.Table(table);
+  NoteThresholds(run, "Common thresholds", data.Values(), common);
   if (COutputFile* const file = run.files.Find("TH")) {
     for (const std::int32_t variable : et.variables)
       WriteThresholdLine(*file, ShownName(run.job.data, variable), common);
@@ -148,6 +161,7 @@ bool RunMarginalThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
     const CString name = ShownName(run.job.data, variable);
     report.Subsection(name + "   (n = " + CReport::Count(result.n) + ")");
     report.Table(table);
+    NoteThresholds(run, "Thresholds of " + name, counts.values, result.threshold);
     if (COutputFile* const file = run.files.Find("TH"))
       WriteThresholdLine(*file, name, result.threshold);
   }

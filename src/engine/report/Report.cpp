@@ -84,9 +84,25 @@ void CReport::Warning(std::string_view text) {
   Gap();
   Wrapped(text, "  WARNING: ", "           ");
   Gap();
-  if (std::find(warnings_.begin(), warnings_.end(), text) == warnings_.end()) {
-    warnings_.emplace_back(text);
+  Keep(text);
+}
+
+void CReport::Keep(std::string_view warning) {
+  if (std::find(warnings_.begin(), warnings_.end(), warning) == warnings_.end()) {
+    warnings_.emplace_back(warning);
   }
+}
+
+CReport CReport::Blank() const {
+  CReport blank;
+  blank.columns_ = columns_;
+  blank.format_ = format_;
+  return blank;
+}
+
+void CReport::Append(std::string_view text, const std::vector<CString>& warnings) {
+  text_ += text;
+  for (const CString& warning : warnings) Keep(warning);
 }
 
 void CReport::Error(const FAULT& fault) {

@@ -36,6 +36,10 @@ class CReport {
   const CString& Text() const { return text_; }
   // Hands out what was written so far, and forgets it (the warnings are kept for the end).
   CString TakeText();
+  // A report like this one without any text, and what such a one collected put at the end of this.
+  CReport Blank() const;
+  const std::vector<CString>& Warnings() const { return warnings_; }
+  void Append(std::string_view text, const std::vector<CString>& warnings);
   bool HasWarnings() const { return !warnings_.empty(); }
 
   // A number with the report's decimals, or as many as asked for; without an exponent unless it has
@@ -48,6 +52,7 @@ class CReport {
   static CString Probability(double p);
 
  private:
+  void Keep(std::string_view warning);
   void Wrapped(std::string_view text, std::string_view first, std::string_view next);
 
   int columns_ = 80;

@@ -14,3 +14,13 @@ bool ENGINERUN::Pass(CCaseSource& cases, const std::function<void(const CASEBLOC
   progress.NextStage();
   return done;
 }
+
+bool ENGINERUN::Exchange(const std::string& mine, std::vector<std::string>& all, FAULT& fault) {
+  if (ranks == nullptr) {
+    all = {mine};
+    return true;
+  }
+  if (ranks->Exchange(mine, all)) return true;
+  fault.cause = ranks->Problem();
+  return false;
+}

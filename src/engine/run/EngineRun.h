@@ -2,9 +2,11 @@
 #pragma once
 
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "engine/data/CaseSource.h"
+#include "engine/parallel/Ranks.h"
 #include "engine/report/Report.h"
 #include "engine/run/OutputFiles.h"
 #include "engine/run/Progress.h"
@@ -16,12 +18,22 @@ struct ESTIMATES {
   struct PARAMETER {
     CString name;
     double value = 0;
-    double error = 0;  // standard error; 0: the parameter is fixed
+    double error = 0;  // standard error; 0: the parameter is fixed; NaN: it has none
   };
   CString title;             // "Regression of y on x1 and x2"
   double n = 0;              // sum of weights of the cases
   double df = kLargeSample;  // of the residuals, where errors have t distributions
   std::vector<PARAMETER> parameters;
+  // Above 0: loadings, row after row with so many columns, whose order and signs mean nothing.
+  std::size_t factors = 0;
+};
+
+// What bootstrapping tells a procedure, and a procedure bootstrapping.
+struct SAMPLING {
+  // A sample: only its estimates are wanted. What takes time and is only printed is left out.
+  bool isSample = false;
+  // What the data decide once and the samples keep to, such as a number of factors.
+  std::optional<std::int64_t> settled;
 };
 
 struct ENGINERUN {
@@ -38,8 +50,19 @@ struct ENGINERUN {
   std::vector<FAULT> faults;
   // Null, or where procedures put their estimates as well, an element for each equation.
   std::vector<ESTIMATES>* estimates = nullptr;
+  // Null, or what a run of bootstrapping knows.
+  SAMPLING* sampling = nullptr;
+  // The processes that share the work of this run; null when it is one's own.
+  CRanks* ranks = nullptr;
 
   // One pass over the cases with progress and interruption. Returns false with the reason in
   // `fault`; without a cause when the run was interrupted.
   bool Pass(CCaseSource& cases, const std::function<void(const CASEBLOCK&)>& work, FAULT& fault);
+
+  // Whose share of the work this process computes, and of how many.
+  int Part() const { return ranks == nullptr ? 0 : ranks->Rank(); }
+  int Parts() const { return ranks == nullptr ? 1 : ranks->Count(); }
+  // Gives this process's results to all and takes theirs. Returns false with the reason in `fault`,
+  // without a cause when the run was interrupted.
+  bool Exchange(const std::string& mine, std::vector<std::string>& all, FAULT& fault);
 };

@@ -7,11 +7,14 @@
 #include "vexutils/BlockIo.h"
 
 void COutputFile::Write(const void* data, std::size_t size) {
+  if (diverted_ == EDiverted::Lost) return;
   buffer_.append(static_cast<const char*>(data), size);
+  if (diverted_ == EDiverted::Kept) return;
   if (buffer_.size() >= kBlockBytes) Flush();
 }
 
 void COutputFile::WriteAtStart(const void* data, std::size_t size) {
+  if (diverted_ != EDiverted::No) return;
   Flush();
   if (error_ == 0 && !WriteAt(file_.Descriptor(), 0, data, size)) error_ = errno;
 }
@@ -53,6 +56,10 @@ bool COutputFiles::Create(FAULT& fault) {
     taken.push_back({"the file of " + output.Keyword() + "= (" + output.Name() + ")", identity});
   }
   for (COutputFile& output : outputs_) {
+    if (another_) {
+      output.Divert(false);
+      continue;
+    }
     if (output.file_.Create(output.Name())) continue;
     fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
                   ") cannot be written: " + output.file_.ErrorText();
@@ -70,7 +77,26 @@ COutputFile* COutputFiles::Find(std::string_view keyword) {
   return nullptr;
 }
 
+void COutputFiles::MakeKept(COutputFiles& kept) const {
+  for (const COutputFile& output : outputs_) {
+    kept.AddOutput(output.Keyword(), output.Name());
+    kept.outputs_.back().Divert(true);
+  }
+}
+
+std::vector<std::string> COutputFiles::KeptBytes() const {
+  std::vector<std::string> bytes;
+  for (const COutputFile& output : outputs_) bytes.push_back(output.KeptBytes());
+  return bytes;
+}
+
+void COutputFiles::Append(const std::vector<std::string>& bytes) {
+  std::size_t k = 0;
+  for (COutputFile& output : outputs_) output.Write(bytes.at(k++));
+}
+
 bool COutputFiles::Commit(FAULT& fault) {
+  if (another_) return true;
   std::string inPlace;
   for (COutputFile& output : outputs_) output.Flush();
   for (const COutputFile& output : outputs_) {

@@ -21,6 +21,9 @@ class COutputFile {
   // Appends. After a failure nothing more is written; the end of the run reports it.
   void Write(const void* data, std::size_t size);
   void Write(std::string_view text) { Write(text.data(), text.size()); }
+  // From now on nothing is written; the bytes are kept, or thrown away.
+  void Divert(bool keep) { diverted_ = keep ? EDiverted::Kept : EDiverted::Lost; }
+  const std::string& KeptBytes() const { return buffer_; }
   // Replaces bytes that were written before.
   void WriteAtStart(const void* data, std::size_t size);
 
@@ -28,6 +31,8 @@ class COutputFile {
   friend class COutputFiles;
   void Flush();
 
+  enum class EDiverted { No, Kept, Lost };
+  EDiverted diverted_ = EDiverted::No;
   std::string keyword_;
   std::string name_;
   CSideFile file_;
@@ -42,6 +47,14 @@ class COutputFiles {
   void AddInput(std::string_view what, const std::string& name);
   // A file to write; nothing for an empty name.
   void AddOutput(std::string_view keyword, const std::string& name);
+
+  // The files of another process, which writes them; this one only computes what they hold.
+  void BelongToAnother() { another_ = true; }
+  // Fills `kept` with files of the same names that keep what is written to them.
+  void MakeKept(COutputFiles& kept) const;
+  // All of their bytes, and those of such files put at the end of these.
+  std::vector<std::string> KeptBytes() const;
+  void Append(const std::vector<std::string>& bytes);
 
   // Checks all names against each other and creates the side files. Nothing is written when it
   // fails; the fault names the two that collide, or the file that cannot be created.
@@ -63,4 +76,5 @@ class COutputFiles {
   };
   std::vector<Input> inputs_;
   std::list<COutputFile> outputs_;
+  bool another_ = false;
 };

@@ -1,5 +1,6 @@
 #include "engine/run/Run.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -7,13 +8,17 @@
 #include <new>
 #include <random>
 
+#include "engine/bootstrap/MomentSamples.h"
 #include "engine/data/DataFile.h"
+#include "engine/parallel/Parcel.h"
 #include "engine/procedures/ProcedureTable.h"
 #include "engine/procedures/RunProcedures.h"
 #include "engine/run/EngineRun.h"
 #include "engine/run/FileIdentity.h"
 #include "engine/run/Interrupt.h"
+#include "engine/run/RankRepetition.h"
 #include "engine/screen/Screening.h"
+#include "engine/stats/Parallel.h"
 #include "engine/syntax/Syntax.h"
 #include "host/Text.h"
 
@@ -27,15 +32,24 @@ class CRun {
       : syntaxName_(syntaxName),
         outputName_(outputName),
         options_(options),
-        progress_(options.progress) {}
+        ranks_(options.ranks != nullptr ? *options.ranks : alone_),
+        progress_(ranks_.IsFirst() ? options.progress : nullptr) {
+    // The ranks of a machine divide its processors among them.
+    if (options_.threads == 0 && !ranks_.IsAlone()) {
+      options_.threads = std::max(1, stats::ThreadCount(0) / ranks_.CountHere());
+    }
+    if (!ranks_.IsFirst()) files_.BelongToAnother();
+  }
 
   ERUNRESULT Run() {
     if (IdentityOf(outputName_).SameAs(IdentityOf(syntaxName_))) {
+      ranks_.End(ERANKEND::Failed, {});
       return Refuse("the output file is the syntax file: " + outputName_, ERUNRESULT::Usage);
     }
     FAULT fault;
     const bool done = GuardedWork(fault);
     if (dataIsOutput_) {
+      ranks_.End(ERANKEND::Failed, {});
       return Refuse("the output file is the data file: " + outputName_, ERUNRESULT::Failed);
     }
     return Finish(done, fault);
@@ -43,7 +57,7 @@ class CRun {
 
  private:
   ERUNRESULT Refuse(const CString& reason, ERUNRESULT result) {
-    if (options_.messages != nullptr) {
+    if (options_.messages != nullptr && ranks_.IsFirst()) {
       std::fprintf(options_.messages, "torvik: %s\n", reason.c_str());
     }
     return result;
@@ -107,12 +121,6 @@ class CRun {
 
   // Procedures that the syntax knows and this engine does not have yet.
   bool CheckProcedures(FAULT& fault) const {
-    if (job_.output.samples > 0) {
-      fault = {job_.output.line.number, CString(Trimmed(job_.output.line.text)),
-               "Bootstrapping (BS) is not built into this engine yet",
-               "Leave out BS=, SF= and BM=."};
-      return false;
-    }
     for (const PROCEDURE& procedure : job_.procedures) {
       if (RunnerOf(procedure) != nullptr) continue;
       fault = {procedure.line.number, CString(Trimmed(procedure.line.text)),
@@ -120,7 +128,7 @@ class CRun {
                "Leave the line out to screen the data, or run the syntax with another engine."};
       return false;
     }
-    return true;
+    return CheckBootstrap(job_, fault);
   }
 
   bool OpenOutputs(FAULT& fault) {
@@ -152,38 +160,113 @@ class CRun {
     titled_ = true;
   }
 
-  std::uint64_t Seed() {
-    if (job_.output.seed) return static_cast<std::uint64_t>(*job_.output.seed);
-    return std::random_device{}() & 0x7fffffffU;
+  // One seed for all ranks: that of the first.
+  bool FindSeed(std::uint64_t& seed, FAULT& fault) {
+    if (job_.output.seed) {
+      seed = static_cast<std::uint64_t>(*job_.output.seed);
+      return true;
+    }
+    CParcelWriter mine;
+    mine.Put(static_cast<std::uint64_t>(std::random_device{}() & 0x7fffffffU));
+    std::vector<std::string> all;
+    if (!ranks_.Exchange(mine.Bytes(), all)) {
+      fault.cause = ranks_.Problem();
+      return false;
+    }
+    seed = CParcelReader(all.front()).Take<std::uint64_t>();
+    return true;
   }
 
   bool Repeat(FAULT& fault) {
-    const std::uint64_t seed = Seed();
+    std::uint64_t seed = 0;
+    if (!FindSeed(seed, fault)) return false;
     const std::int64_t repetitions = job_.Repetitions();
     if (job_.header.repetitions > 1 && job_.output.repetitions > 0 &&
         job_.header.repetitions != job_.output.repetitions) {
       report_.Warning("RP stands twice with different counts; the one of the output line, " +
                       std::to_string(job_.output.repetitions) + ", is used.");
     }
+    if (!ranks_.IsAlone() && repetitions > 1 && job_.output.dataFile.empty()) {
+      return ShareRepetitions(repetitions, seed, fault);
+    }
     for (std::int64_t r = 0; r < repetitions; ++r) {
-      if (repetitions > 1) {
-        report_.Section("Repetition " + std::to_string(r + 1) + " of " +
-                        std::to_string(repetitions));
-      }
-      JOB job = job_;
-      CCaseSource source(file_, job, seed, r, options_.threads);
-      ENGINERUN run{job, file_, source, report_, files_, progress_, options_.threads, r, seed, {}};
-      const bool done = job.procedures.empty() ? ScreenData(run, fault) : RunProcedures(run, fault);
-      for (const FAULT& found : run.faults) report_.Error(found);
-      failed_ = !run.faults.empty();
-      if (!done || failed_) return false;
+      WriteRepetition(r, repetitions);
+      const PLACE place{report_, files_, &ranks_};
+      if (!RunOnce(r, seed, place, failed_, fault)) return false;
       WriteOut();
+    }
+    return true;
+  }
+
+  // Where a repetition writes, and who shares its work.
+  struct PLACE {
+    CReport& report;
+    COutputFiles& files;
+    CRanks* ranks;
+  };
+
+  void WriteRepetition(std::int64_t repetition, std::int64_t repetitions) {
+    if (repetitions == 1) return;
+    report_.Section("Repetition " + std::to_string(repetition + 1) + " of " +
+                    std::to_string(repetitions));
+  }
+
+  bool RunOnce(std::int64_t repetition, std::uint64_t seed, const PLACE& place, bool& failed,
+               FAULT& fault) {
+    JOB job = job_;
+    CCaseSource source(file_, job, seed, repetition, options_.threads);
+    ENGINERUN run{job,        file_, source, place.report, place.files, progress_, options_.threads,
+                  repetition, seed,  {}};
+    run.ranks = place.ranks;
+    const bool done =
+        (job.procedures.empty() ? ScreenData(run, fault) : RunProcedures(run, fault)) &&
+        (!run.faults.empty() || BootstrapMoments(run, fault));
+    for (const FAULT& found : run.faults) place.report.Error(found);
+    failed = !run.faults.empty();
+    return done && !failed;
+  }
+
+  // Each rank makes every so many repetitions by itself; all then write those of a round in order.
+  bool ShareRepetitions(std::int64_t repetitions, std::uint64_t seed, FAULT& fault) {
+    for (std::int64_t first = 0; first < repetitions; first += ranks_.Count()) {
+      RANKREPETITION own;
+      const std::int64_t mine = first + ranks_.Rank();
+      if (mine < repetitions) {
+        CReport report = report_.Blank();
+        COutputFiles files;
+        files_.MakeKept(files);
+        own.done = RunOnce(mine, seed, {report, files, nullptr}, own.failed, own.fault);
+        if (!own.done && !own.failed && !own.fault) return false;  // interrupted
+        own.text = report.Text();
+        own.warnings = report.Warnings();
+        own.files = files.KeptBytes();
+      }
+      std::vector<std::string> all;
+      if (!ranks_.Exchange(own.Pack(), all)) {
+        fault.cause = ranks_.Problem();
+        return false;
+      }
+      const std::int64_t end = std::min<std::int64_t>(repetitions, first + ranks_.Count());
+      for (std::int64_t r = first; r < end; ++r) {
+        const RANKREPETITION one = RANKREPETITION::Unpack(all[static_cast<std::size_t>(r - first)]);
+        WriteRepetition(r, repetitions);
+        report_.Append(one.text, one.warnings);
+        failed_ = one.failed;
+        fault = one.fault;
+        if (!one.done) return false;
+        files_.Append(one.files);
+        WriteOut();
+      }
     }
     return true;
   }
 
   // Hands the finished text to the file, so that many repetitions do not gather in memory.
   void WriteOut() {
+    if (!ranks_.IsFirst()) {
+      report_.TakeText();
+      return;
+    }
     if (out_.Descriptor() < 0 && (outError_ != 0 || !out_.Create(outputName_))) {
       outError_ = out_.Error();
       return;
@@ -196,6 +279,14 @@ class CRun {
   }
 
   ERUNRESULT Finish(bool done, FAULT& fault) {
+    // No file is put in place before every rank is done.
+    const bool mine = done;
+    const bool stopped = !done && !fault && !failed_;
+    done = ranks_.End(done      ? ERANKEND::Done
+                      : stopped ? ERANKEND::Interrupted
+                                : ERANKEND::Failed,
+                      fault.cause);
+    if (mine && !done) fault.cause = ranks_.Problem();
     if (done) done = files_.Commit(fault);
     if (!done) files_.Discard();
     if (!titled_) Heading();
@@ -214,7 +305,7 @@ class CRun {
                                     : "The run ended with an error. No other file was written.");
     progress_.End();
     WriteOut();
-    if (outError_ == 0 && !out_.Commit()) outError_ = out_.Error();
+    if (ranks_.IsFirst() && outError_ == 0 && !out_.Commit()) outError_ = out_.Error();
     if (outError_ != 0) {
       return Refuse(
           "the output file " + outputName_ + " cannot be written: " + std::strerror(outError_),
@@ -226,6 +317,8 @@ class CRun {
   CString syntaxName_;
   CString outputName_;
   RUNOPTIONS options_;
+  CRanks alone_;
+  CRanks& ranks_;
   JOB job_;
   CDataFile file_;
   CReport report_;

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "engine/parallel/Ranks.h"
 #include "host/Types.h"
 
 // The exit codes of the program.
@@ -17,6 +18,7 @@ struct RUNOPTIONS {
   int threads = 0;                // 0: all processors
   std::FILE* progress = nullptr;  // where progress goes
   std::FILE* messages = nullptr;  // what stands in no output
+  CRanks* ranks = nullptr;        // the processes that make the run together; null: this one
 };
 
 // Never throws. The output file is put in place at the end, whatever the result; it is left alone

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "engine/screen/Faults.h"
+#include "engine/screen/SharedPairs.h"
 
 namespace {
 
@@ -29,6 +30,12 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
   const std::size_t numeric = variables.numeric.size();
   std::optional<stats::CMoments> products;
   std::optional<stats::CPairTables> tables;
+  // Moments about zero with ordinal variables need the deviations with divisor n.
+  std::optional<stats::CUnivariate> univariate;
+  const bool aboutZero = kind == MOMENTS::AboutZero || kind == MOMENTS::Augmented;
+  if (numeric > 0 && aboutZero && !variables.ordinal.empty()) {
+    univariate.emplace(static_cast<int>(numeric), variables.deletion, run.threads);
+  }
   if (numeric > 0) {
     products.emplace(static_cast<int>(numeric), variables.deletion, run.threads);
   }
@@ -52,20 +59,25 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
         stats::CaseBlock cells = block.cells;
         cells.variables = static_cast<int>(numeric);
         if (products) products->Add(cells);
+        if (univariate) univariate->Add(cells);
         if (tables) tables->Add(block.codes);
       },
       fault);
   if (!done) return false;
   std::optional<stats::PolychoricMatrix> polychoric;
   if (variables.ordinal.size() > 1) {
-    polychoric = stats::EstimatePolychoricMatrix(*tables, run.threads);
+    if (!EstimatePairs(run, *tables, polychoric.emplace(), fault)) return false;
   }
   POLYSERIALRESULTS polyserial;
   if (numeric > 0 && !variables.ordinal.empty() &&
       !EstimatePolyserials(run, variables, polyserial, fault)) {
     return false;
   }
-  return BuildMoments(run, variables, kind, {}, products ? &*products : nullptr,
+  ONEVARIABLERESULTS results;
+  for (std::size_t i = 0; univariate && i < numeric; ++i) {
+    results.numeric.push_back(univariate->Result(static_cast<int>(i)));
+  }
+  return BuildMoments(run, variables, kind, results, products ? &*products : nullptr,
                       polychoric ? &*polychoric : nullptr, polyserial, moments, fault);
 }
 

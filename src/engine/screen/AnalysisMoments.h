@@ -4,8 +4,8 @@
 
 #include "engine/screen/MomentMatrix.h"
 
-// Passes over the cases as often as it takes. kind: Covariances or Correlations. False with the
-// reason in `fault`, without a cause when the run was interrupted.
+// Passes over the cases as often as it takes. Any kind but None. False with the reason in `fault`,
+// without a cause when the run was interrupted.
 bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, MOMENTS kind,
                              ANALYSISMOMENTS& moments, FAULT& fault);
 

@@ -2,6 +2,7 @@
 
 #include "engine/screen/Faults.h"
 #include "engine/screen/MomentMatrix.h"
+#include "engine/screen/NumberFile.h"
 #include "engine/screen/ThresholdFile.h"
 #include "host/Numbers.h"
 
@@ -66,33 +67,6 @@ void CheckMatrix(ENGINERUN& run, const SCREENVARIABLES& variables, const Eigen::
   run.report.Warning("The matrix is not positive definite; " +
                      std::to_string(definite.notAboveZero) + " eigenvalues are not above zero.");
   NoteOutputFault(run, cause, remedy);
-}
-
-// Numbers of a text file, several to a line; each row of a triangle begins a line.
-class CNumberWriter {
- public:
-  explicit CNumberWriter(COutputFile& file) : file_(file) {}
-  void Put(double value) {
-    constexpr int kPerLine = 8;
-    if (onLine_ == kPerLine) EndLine();
-    if (onLine_++ > 0) file_.Write(" ");
-    file_.Write(FormatShortest(value));
-  }
-  void EndLine() {
-    if (onLine_ > 0) file_.Write("\n");
-    onLine_ = 0;
-  }
-
- private:
-  COutputFile& file_;
-  int onLine_ = 0;
-};
-
-void SaveVector(COutputFile* file, const Eigen::VectorXd& values) {
-  if (file == nullptr) return;
-  CNumberWriter writer(*file);
-  for (Index i = 0; i < values.size(); ++i) writer.Put(values(i));
-  writer.EndLine();
 }
 
 void WriteCount(COutputFile& file, Index elements) {
@@ -163,13 +137,8 @@ void WriteAsymptoticSection(ENGINERUN& run, const SCREENVARIABLES& variables,
 }
 
 void SaveMoments(ENGINERUN& run, const ANALYSISMOMENTS& moments) {
-  if (COutputFile* const file = run.files.Find("SM")) {
-    CNumberWriter writer(*file);
-    for (Index i = 0; i < moments.matrix.rows(); ++i) {
-      for (Index j = 0; j <= i; ++j) writer.Put(moments.matrix(i, j));
-      writer.EndLine();
-    }
-  }
+  SaveTriangle(run.files.Find("SM"), moments.matrix);
+  if (run.job.output.samples > 0) return;  // ME and SD hold those of the samples
   SaveVector(run.files.Find("ME"), moments.means);
   SaveVector(run.files.Find("SD"), moments.deviations);
 }

@@ -7,6 +7,7 @@
 #include "engine/screen/Faults.h"
 #include "engine/screen/MomentMatrix.h"
 #include "engine/screen/PairSections.h"
+#include "engine/screen/SharedPairs.h"
 #include "engine/stats/MixedAcov.h"
 #include "engine/stats/Parallel.h"
 #include "vexutils/FreeMemory.h"
@@ -70,7 +71,7 @@ class CScreening {
     } else if (run_.job.procedures.empty() && !output_.thresholdFile.empty() && ordinal == 0) {
       fault = OutputFault(run_, "TH asks for thresholds, and no variable is ordinal",
                           "Leave out TH, or select ordinal variables.");
-    } else if (!output_.sampleMomentFile.empty()) {
+    } else if (!output_.sampleMomentFile.empty() && output_.samples == 0) {
       fault = OutputFault(run_, "BM belongs to bootstrapping (BS)", "Leave out BM.");
     }
     return !fault;
@@ -168,7 +169,7 @@ class CScreening {
     if (!needs_.tables) return true;
     if (output_.bivariateTables) WriteBivariateTables(run_, variables_, *tables_);
     if (output_.bivariateTests || output_.moments != MOMENTS::None) {
-      polychoric_ = stats::EstimatePolychoricMatrix(*tables_, run_.threads);
+      if (!EstimatePairs(run_, *tables_, polychoric_.emplace(), fault)) return false;
     }
     if (output_.bivariateTests) WriteBivariateTests(run_, variables_, *tables_, *polychoric_);
     return true;

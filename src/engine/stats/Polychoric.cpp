@@ -138,10 +138,29 @@ bool PolychoricMatrix::Complete() const {
                      [](const PolychoricResult& pair) { return pair.status == EStatus::Ok; });
 }
 
+void SetCorrelations(PolychoricMatrix& matrix) {
+  const auto variables = static_cast<int>(matrix.thresholds.size());
+  matrix.correlation = Eigen::MatrixXd::Identity(variables, variables);
+  for (int i = 1; i < variables; ++i) {
+    for (int j = 0; j < i; ++j) {
+      const PolychoricResult& pair = matrix.pairs[static_cast<std::size_t>(PairIndex(i, j))];
+      // A value at the boundary is an answer of its own; any other failure leaves 0.
+      const bool usable = pair.status == EStatus::Ok || pair.status == EStatus::Boundary;
+      matrix.correlation(i, j) = matrix.correlation(j, i) = usable ? pair.r : 0.0;
+    }
+  }
+}
+
 PolychoricMatrix EstimatePolychoricMatrix(const CPairTables& tables, int threads) {
+  PolychoricMatrix matrix = EstimatePolychoricPart(tables, threads, 0, 1);
+  SetCorrelations(matrix);
+  return matrix;
+}
+
+PolychoricMatrix EstimatePolychoricPart(const CPairTables& tables, int threads, int part,
+                                        int parts) {
   PolychoricMatrix matrix;
   const int variables = tables.Variables();
-  matrix.correlation = Eigen::MatrixXd::Identity(variables, variables);
   for (int i = 0; i < variables; ++i)
     matrix.thresholds.push_back(EstimateThresholds(tables.Margin(i)));
   matrix.pairs.resize(static_cast<std::size_t>(PairIndex(variables, 0)));
@@ -151,15 +170,13 @@ PolychoricMatrix EstimatePolychoricMatrix(const CPairTables& tables, int threads
     const ThresholdResult& rows = matrix.thresholds[static_cast<std::size_t>(i)];
     for (int j = 0; j < i; ++j) {
       const ThresholdResult& columns = matrix.thresholds[static_cast<std::size_t>(j)];
+      if (PairIndex(i, j) % parts != part) continue;
       PolychoricResult& pair = matrix.pairs[static_cast<std::size_t>(PairIndex(i, j))];
       if (rows.status != EStatus::Ok || columns.status != EStatus::Ok) {
         pair.status = rows.status != EStatus::Ok ? rows.status : columns.status;
         continue;
       }
       pair = EstimatePolychoric(tables.Table(i, j), rows.threshold, columns.threshold);
-      // A value at the boundary is an answer of its own; any other failure leaves 0.
-      const bool usable = pair.status == EStatus::Ok || pair.status == EStatus::Boundary;
-      matrix.correlation(i, j) = matrix.correlation(j, i) = usable ? pair.r : 0.0;
     }
   });
   return matrix;

@@ -78,4 +78,10 @@ struct PolychoricMatrix {
 
 PolychoricMatrix EstimatePolychoricMatrix(const CPairTables& tables, int threads = 1);
 
+// The same with the pairs only whose PairIndex leaves the remainder `part` when divided by `parts`;
+// SetCorrelations takes the correlations from `pairs` when those of the other parts are there too.
+PolychoricMatrix EstimatePolychoricPart(const CPairTables& tables, int threads, int part,
+                                        int parts);
+void SetCorrelations(PolychoricMatrix& matrix);
+
 }  // namespace stats

@@ -1,0 +1,111 @@
+#include "engine/bootstrap/BootstrapReport.h"
+
+#include <cmath>
+
+#include "engine/procedures/ProcedureReport.h"
+#include "engine/stats/Resampling.h"
+
+namespace {
+
+// Intervals of fewer samples say little.
+constexpr std::int64_t kFewSamples = 200;
+
+double ScaleOf(const BOOTSTRAPSAMPLES& samples) {
+  return std::sqrt(static_cast<double>(samples.draws) / samples.n);
+}
+
+bool IsWhole(const BOOTSTRAPSAMPLES& samples) {
+  return std::llround(samples.n) == samples.draws;
+}
+
+void WriteFailures(CReport& report, const BOOTSTRAPSAMPLES& samples) {
+  if (samples.failures == 0) return;
+  report.Warning(std::to_string(samples.failures) + " of " + std::to_string(samples.samples) +
+                 " samples have no estimates and are left out (of files: -999999). The first is "
+                 "sample " +
+                 std::to_string(samples.firstFailed) + ": " + samples.firstCause + '.');
+}
+
+std::vector<double> SampledValues(const BOOTSTRAPSAMPLES& samples, std::size_t estimate) {
+  std::vector<double> values;
+  values.reserve(static_cast<std::size_t>(samples.samples - samples.failures));
+  for (std::int64_t s = 0; s < samples.samples; ++s) {
+    if (samples.failed[static_cast<std::size_t>(s)] == 0) {
+      values.push_back(samples.Value(s, estimate));
+    }
+  }
+  return values;
+}
+
+std::vector<CString> RowOf(const CReport& report, const CString& name, double estimate,
+                           const stats::BootstrapSummary& summary) {
+  std::vector<CString> row = {name, report.Number(estimate)};
+  if (summary.status != stats::EStatus::Ok) return row;
+  for (const double value :
+       {summary.bias, summary.standardError, summary.percentile.from, summary.percentile.to}) {
+    row.push_back(report.Number(value));
+  }
+  row.push_back(summary.hasCorrected ? report.Number(summary.corrected.from) : ".");
+  row.push_back(summary.hasCorrected ? report.Number(summary.corrected.to) : ".");
+  return row;
+}
+
+}  // namespace
+
+void WriteBootstrapHeading(ENGINERUN& run, const CString& title, const BOOTSTRAPSAMPLES& samples) {
+  CReport& report = run.report;
+  report.Section(title);
+  CFactTable facts;
+  facts.Add("Bootstrap samples", std::to_string(samples.samples));
+  facts.Add("Cases to draw from", CReport::Count(samples.n));
+  facts.Add("Cases of a sample, drawn with replacement", std::to_string(samples.draws));
+  facts.Add("Seed", std::to_string(run.seed));
+  if (samples.failures > 0) {
+    facts.Add("Samples without estimates", std::to_string(samples.failures));
+  }
+  facts.Write(report);
+  report.Gap();
+  report.Paragraph(
+      "Bias is the mean of the samples minus the estimate, Std. error their standard deviation. "
+      "From and To bound 95% intervals: first the percentiles of the samples, then these corrected "
+      "for bias.");
+  if (!IsWhole(samples)) {
+    report.Gap();
+    report.Paragraph(
+        "The samples are " + std::string(samples.draws < samples.n ? "smaller" : "larger") +
+        " than the data: their deviations from the estimate are multiplied by the root "
+        "of " +
+        std::to_string(samples.draws) + " / " + CReport::Count(samples.n) +
+        " (the bias by that share), so that they hold for all cases.");
+  }
+  report.Gap();
+  report.Paragraph("For the samples " + std::to_string((samples.bytes >> 20) + 1) +
+                   " MB of cases were held in memory.");
+  WriteFailures(report, samples);
+  if (samples.samples - samples.failures < kFewSamples) {
+    report.Warning("Intervals from " + std::to_string(samples.samples - samples.failures) +
+                   " samples are rough; 1000 and more are usual.");
+  }
+}
+
+void WriteBootstrapTables(ENGINERUN& run, const std::vector<ESTIMATES>& whole,
+                          const BOOTSTRAPSAMPLES& samples) {
+  CReport& report = run.report;
+  const double scale = ScaleOf(samples);
+  std::size_t at = 0;
+  for (const ESTIMATES& one : whole) {
+    TABLE table;
+    table.columns = {{"", true},      {"Estimate", false}, {"Bias", false}, {"Std. error", false},
+                     {"From", false}, {"To", false},       {"From", false}, {"To", false}};
+    for (const auto& parameter : one.parameters) {
+      const std::size_t estimate = at++;
+      if (parameter.error == 0) continue;
+      table.rows.push_back(
+          RowOf(report, parameter.name, parameter.value,
+                stats::SummariseSamples(parameter.value, SampledValues(samples, estimate), scale)));
+    }
+    if (table.rows.empty()) continue;
+    report.Subsection(one.title);
+    report.Table(table);
+  }
+}
