@@ -115,7 +115,7 @@ TEST_F(BootstrapTest, DependsOnTheSeedAndNotOnTheThreads) {
 
 TEST_F(BootstrapTest, StandardErrorsAgreeWithTheory) {
   constexpr double kMonteCarlo = 6 / 28.0;  // six standard errors of one from 400 samples
-  ASSERT_EQ(Run("RG y ON x1 x2\nOU BS=400 IX=11 ND=8 WI=12 ME=" + Name("me")), ERUNRESULT::Done)
+  ASSERT_EQ(Run("RG y ON x1 x2\nOU BS=400 IX=11 WP ME=" + Name("me")), ERUNRESULT::Done)
       << Output();
   std::istringstream lines(Output());
   std::vector<double> classical;  // "x1  estimate  s.e. ..." of the regression's own table
@@ -143,7 +143,7 @@ TEST_F(BootstrapTest, StandardErrorsAgreeWithTheory) {
     for (double x = 0; words >> x;) sampled.push_back(x);
   }
   ASSERT_EQ(sampled.size(), 7U);
-  EXPECT_NEAR(sampled[0], classical[0], 1e-8);
+  EXPECT_NEAR(sampled[0], classical[0], 1e-3);
   EXPECT_NEAR(sampled[2], classical[1], kMonteCarlo * classical[1]);
   EXPECT_LT(sampled[3], sampled[0]);
   EXPECT_GT(sampled[4], sampled[0]);
@@ -232,7 +232,7 @@ TEST_F(BootstrapTest, SaysWhatIsWrongWithBadInput) {
       {"SE o1 o2\nOU BS=10", "BS has nothing to compute"},
       {"SE x1-x4\nOU MA=KM BS=2147483647", "MB of memory"},
       {"SC CASE < 2\nSE x2 y\nOU BS=10", "too"},
-      {"SC CASE < 3\nSE x2 y\nOU MA=KM XM SF=1 BS=10", "no sample has estimates"},
+      {"SC CASE < 3\nSE y\nOU MA=KM SF=1 BS=10", "no sample has estimates"},
       {"SE x2 y\nSC x2 > 1000\nOU BS=10", "no case is selected"},
   };
   for (const auto& c : cases) {

@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <iterator>
 #include <random>
 
 #include <gmock/gmock.h>
@@ -68,15 +69,15 @@ class RanksTest : public EngineTest {
 
 // '@' stands for the test's folder.
 const char* const kRuns[] = {
-    "OU MA=KM SM=@sm IX=4",
-    "OU MA=KM BS=50 BM=@bm ME=@me IX=4",
+    "SE x1-x3 o1-o3\nOU MA=KM SM=@sm IX=4",
+    "SE x1-x3 o1-o3\nOU MA=KM BS=50 BM=@bm ME=@me IX=4",
     "SE x1 rare\nOU MA=KM BS=40 BM=@bm IX=4",
     "SE x1-x3\nFA NF=1\nRG x1 ON x2 x3\nOU BS=41 IX=4",
     "NE u = NORMAL()\nSE x1 u\nCO u\nOU MA=CM SM=@sm ME=@me RP=5 IX=9",
     "NE u = NORMAL()\nSE x1 u\nOU MA=CM RA=@ra SM=@sm RP=3 IX=9",
     "SE x1 o1\nOU MA=KM BS=10 BM=@bm RP=4 IX=2",
     "NE u = NORMAL() + rare * 0\nRC x1 OLD=LO-HI NEW=3\nRG x1 ON x2\nOU RP=3 IX=1",
-    "SE x1 rare\nOU BS=0",
+    "SE x1 rare\nOU BS=0",  // an error
 };
 
 TEST_F(RanksTest, AnyNumberGivesTheSameBytes) {
@@ -84,6 +85,7 @@ TEST_F(RanksTest, AnyNumberGivesTheSameBytes) {
     WriteSyntax(Lines(run));
     Clear();
     const auto single = RunEngine(folder / "DATA.TRK", folder / "DATA.OUT", {2, nullptr, nullptr});
+    EXPECT_EQ(single == ERUNRESULT::Done, run != std::end(kRuns)[-1]) << Output();
     const std::string expected = Everything();
     for (const int count : {2, 3}) {
       Clear();
@@ -102,7 +104,7 @@ TEST_F(RanksTest, AnyNumberGivesTheSameBytes) {
 }
 
 TEST_F(RanksTest, OneThatEndsEndsAll) {
-  WriteSyntax(Lines("OU MA=KM BS=50 BM=@bm IX=4"));
+  WriteSyntax(Lines("SE x1 o1\nOU MA=KM BS=50 BM=@bm IX=4"));
   WriteBytes(folder / "OTHER.TRK", "SY='" + (folder / "none.VSF") + "'\nOU\n");
   CThreadGroup group(3);
   group.Run([&](CRanks& ranks) {
@@ -146,7 +148,7 @@ TEST_F(MpiTest, AnyNumberGivesTheSameBytes) {
 }
 
 TEST_F(MpiTest, AFailureOfOneIsTold) {
-  WriteSyntax(Lines("OU MA=KM BS=50 BM=@bm IX=4"));
+  WriteSyntax(Lines("SE x1 o1\nOU MA=KM BS=50 BM=@bm IX=4"));
   WriteBytes(folder / "OTHER.TRK", "SY='" + (folder / "none.VSF") + "'\nOU\n");
   EXPECT_NE(MpiRun("-n 1 " + Engine() + " : -n 1 " + Engine("OTHER.TRK")), 0);
   EXPECT_THAT(UnwrappedOutput(), HasSubstr("process 2 of 2 failed"));
@@ -156,7 +158,7 @@ TEST_F(MpiTest, AFailureOfOneIsTold) {
 
 TEST_F(MpiTest, StoppingTheLauncherOrKillingARankLeavesNoHalfFiles) {
   for (const char* const kill : {"kill -TERM $(cat @launcher)", "kill -KILL $(cat @second)"}) {
-    WriteSyntax(Lines("OU MA=KM BS=3000000 IX=4 BM=@bm"));
+    WriteSyntax(Lines("SE o1-o3\nOU MA=KM BS=1500000 IX=4 BM=@bm"));
     Clear();
     std::filesystem::remove(folder / "launcher");
     std::filesystem::remove(folder / "second");

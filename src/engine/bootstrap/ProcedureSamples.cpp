@@ -1,5 +1,7 @@
 #include "engine/bootstrap/ProcedureSamples.h"
 
+#include <utility>
+
 #include "engine/bootstrap/BootstrapReport.h"
 #include "engine/run/Estimates.h"
 
@@ -53,12 +55,15 @@ bool RunWithSamples(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
   if (run.job.output.samples == 0) return RunnerOf(procedure)(run, procedure, fault);
   const JOB before = run.job;
   WHOLE whole;
-  run.estimates = &whole.estimates;
+  std::vector<ESTIMATES>* const collected = std::exchange(run.estimates, &whole.estimates);
   run.sampling = &whole.sampling;
   run.source.ForgetUse();
   const bool ran = RunnerOf(procedure)(run, procedure, fault);
-  run.estimates = nullptr;
+  run.estimates = collected;
   run.sampling = nullptr;
+  if (collected != nullptr) {
+    collected->insert(collected->end(), whole.estimates.begin(), whole.estimates.end());
+  }
   if (!ran || !run.faults.empty()) return ran;
   if (whole.estimates.empty()) {
     run.report.Warning(ProcedureName(procedure) + " has no estimates that BS would sample.");

@@ -128,7 +128,7 @@ class CSampler {
   void Compute(const stats::CResampler& resampler, std::int64_t sample) {
     std::vector<double> counts;
     resampler.Draw(result_.draws,
-                   stats::CRandomStream(run_.seed, static_cast<std::uint64_t>(run_.repetition),
+                   stats::CSampleStream(run_.seed, static_cast<std::uint64_t>(run_.repetition),
                                         static_cast<std::uint64_t>(sample)),
                    counts);
     JOB job = plan_.job;

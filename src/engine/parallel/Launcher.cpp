@@ -1,6 +1,7 @@
 #include "engine/parallel/Launcher.h"
 
 #include <cstdlib>
+#include <initializer_list>
 
 int LaunchedProcesses() {
   for (const char* name : {"OMPI_COMM_WORLD_SIZE", "PMI_SIZE", "MPI_LOCALNRANKS"}) {

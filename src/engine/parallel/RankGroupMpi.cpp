@@ -62,43 +62,43 @@ class CMpiRanks final : public CRanks {
  private:
   // All ranks tell their headers, then their texts. True when all are at the same place.
   bool Meet(std::int64_t state, const std::string& mine, std::vector<std::string>& all) {
-    HEADER own{state, ++number_, static_cast<std::int64_t>(mine.size())};
-    std::vector<HEADER> headers(static_cast<std::size_t>(count_));
+    mine_ = mine;
+    own_ = {state, ++number_, static_cast<std::int64_t>(mine.size())};
+    headers_.resize(static_cast<std::size_t>(count_));
     MPI_Request request = MPI_REQUEST_NULL;
-    MPI_Iallgather(&own, sizeof own, MPI_BYTE, headers.data(), sizeof own, MPI_BYTE, MPI_COMM_WORLD,
-                   &request);
-    if (!Wait(request)) return false;
-    if (!Gather(mine, headers, all)) return false;
-    return Compare(headers, all);
+    MPI_Iallgather(&own_, sizeof own_, MPI_BYTE, headers_.data(), sizeof own_, MPI_BYTE,
+                   MPI_COMM_WORLD, &request);
+    return Wait(request) && Gather(all) && Compare(headers_, all);
   }
 
   // Pieces of at most 1 GB, because MPI counts in 32 bits; as many for each rank as the longest
   // text needs.
-  bool Gather(const std::string& mine, const std::vector<HEADER>& headers,
-              std::vector<std::string>& all) {
+  bool Gather(std::vector<std::string>& all) {
     constexpr std::int64_t kPiece = std::int64_t{1} << 30;
     const std::int64_t most = kPiece / count_;
     std::int64_t longest = 0;
-    for (const HEADER& header : headers) longest = std::max(longest, header.bytes);
-    all.assign(static_cast<std::size_t>(count_), {});
+    for (const HEADER& header : headers_) longest = std::max(longest, header.bytes);
+    all.assign(headers_.size(), {});
     for (std::int64_t at = 0; at < longest; at += most) {
-      std::vector<int> sizes, places;
+      sizes_.clear();
+      places_.clear();
       int total = 0;
-      for (const HEADER& header : headers) {
-        places.push_back(total);
-        sizes.push_back(static_cast<int>(std::clamp<std::int64_t>(header.bytes - at, 0, most)));
-        total += sizes.back();
+      for (const HEADER& header : headers_) {
+        places_.push_back(total);
+        sizes_.push_back(static_cast<int>(std::clamp<std::int64_t>(header.bytes - at, 0, most)));
+        total += sizes_.back();
       }
-      std::string piece(static_cast<std::size_t>(total), '\0');
+      piece_.resize(static_cast<std::size_t>(total));
+      const std::size_t from = std::min(static_cast<std::size_t>(at), mine_.size());
       MPI_Request request = MPI_REQUEST_NULL;
-      MPI_Iallgatherv(
-          mine.data() + std::min<std::size_t>(static_cast<std::size_t>(at), mine.size()),
-          sizes[static_cast<std::size_t>(rank_)], MPI_BYTE, piece.data(), sizes.data(),
-          places.data(), MPI_BYTE, MPI_COMM_WORLD, &request);
+      MPI_Iallgatherv(mine_.data() + from, sizes_[static_cast<std::size_t>(rank_)], MPI_BYTE,
+                      piece_.data(), sizes_.data(), places_.data(), MPI_BYTE, MPI_COMM_WORLD,
+                      &request);
       if (!Wait(request)) return false;
-      for (std::size_t k = 0; k < all.size(); ++k)
-        all[k].append(piece, static_cast<std::size_t>(places[k]),
-                      static_cast<std::size_t>(sizes[k]));
+      for (std::size_t k = 0; k < all.size(); ++k) {
+        all[k].append(piece_, static_cast<std::size_t>(places_[k]),
+                      static_cast<std::size_t>(sizes_[k]));
+      }
     }
     return true;
   }
@@ -151,6 +151,11 @@ class CMpiRanks final : public CRanks {
   bool over_ = false;  // nobody waits for this rank any more
   bool lost_ = false;  // or somebody may
   CString problem_;
+  // What a transfer reads and fills; it may still be under way when nobody waits for it any more.
+  HEADER own_;
+  std::vector<HEADER> headers_;
+  std::string mine_, piece_;
+  std::vector<int> sizes_, places_;
 };
 
 }  // namespace

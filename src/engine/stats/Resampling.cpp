@@ -42,7 +42,7 @@ CResampler::CResampler(const std::vector<double>& weights) : cases_(weights.size
   for (const std::uint32_t i : less) keep_[i] = 1;
 }
 
-void CResampler::Draw(std::int64_t draws, CRandomStream random, std::vector<double>& counts) const {
+void CResampler::Draw(std::int64_t draws, CSampleStream random, std::vector<double>& counts) const {
   counts.assign(cases_, 0.0);
   const auto cases = static_cast<double>(cases_);
   if (keep_.empty()) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine/stats/RandomStream.h"
+#include "engine/stats/SampleStream.h"
 #include "engine/stats/Status.h"
 
 namespace stats {
@@ -22,7 +22,7 @@ class CResampler {
   double N() const { return n_; }  // sum of weights
 
   // counts[i]: how often case i was drawn.
-  void Draw(std::int64_t draws, CRandomStream random, std::vector<double>& counts) const;
+  void Draw(std::int64_t draws, CSampleStream random, std::vector<double>& counts) const;
 
  private:
   std::size_t cases_ = 0;

@@ -11,13 +11,13 @@
 namespace stats {
 namespace {
 
-TEST(RandomStreamTest, StreamsAreUniformAndApart) {
+TEST(SampleStreamTest, StreamsAreUniformAndApart) {
   constexpr int kNumbers = 20000;
   std::set<std::uint64_t> seen;
   for (const std::uint64_t seed : {0U, 1U, 123456U}) {
     for (const std::uint64_t stream : {0U, 1U}) {
       for (const std::uint64_t sample : {0U, 1U, 2U, 1000U}) {
-        CRandomStream random(seed, stream, sample);
+        CSampleStream random(seed, stream, sample);
         double sum = 0, squares = 0, neighbours = 0, last = 0;
         for (int k = 0; k < kNumbers; ++k) {
           const double u = random.Uniform() - .5;
@@ -30,12 +30,12 @@ TEST(RandomStreamTest, StreamsAreUniformAndApart) {
         EXPECT_LT(std::fabs(sum), 5 * std::sqrt(kNumbers / 12.0));
         EXPECT_LT(std::fabs(squares - kNumbers / 12.0), 5 * std::sqrt(kNumbers / 180.0));
         EXPECT_LT(std::fabs(neighbours), 5 * std::sqrt(kNumbers) / 12);
-        seen.insert(CRandomStream(seed, stream, sample).Bits());
+        seen.insert(CSampleStream(seed, stream, sample).Bits());
       }
     }
   }
   EXPECT_EQ(seen.size(), 3U * 2 * 4);
-  EXPECT_EQ(CRandomStream(5, 6, 7).Bits(), CRandomStream(5, 6, 7).Bits());
+  EXPECT_EQ(CSampleStream(5, 6, 7).Bits(), CSampleStream(5, 6, 7).Bits());
 }
 
 TEST(ResamplerTest, DrawsInProportionToTheWeights) {
@@ -46,8 +46,8 @@ TEST(ResamplerTest, DrawsInProportionToTheWeights) {
     EXPECT_DOUBLE_EQ(resampler.N(), std::accumulate(weights.begin(), weights.end(), 0.0));
     constexpr std::int64_t kDraws = 200000;
     std::vector<double> counts, again;
-    resampler.Draw(kDraws, CRandomStream(3, 0, 0), counts);
-    resampler.Draw(kDraws, CRandomStream(3, 0, 0), again);
+    resampler.Draw(kDraws, CSampleStream(3, 0, 0), counts);
+    resampler.Draw(kDraws, CSampleStream(3, 0, 0), again);
     EXPECT_EQ(counts, again);
     EXPECT_EQ(std::accumulate(counts.begin(), counts.end(), 0.0), kDraws);
     for (std::size_t i = 0; i < weights.size(); ++i) {

@@ -9,9 +9,9 @@ namespace stats {
 // A Weyl sequence through a mixing function (G. L. Steele, D. Lea and C. H. Flood, OOPSLA 2014,
 // 453-472); the start is mixed from the stream's numbers. Any two streams are apart for all
 // practical lengths: the chance that 10,000 streams of a million numbers touch is below 1e-5.
-class CRandomStream {
+class CSampleStream {
  public:
-  CRandomStream(std::uint64_t seed, std::uint64_t stream, std::uint64_t substream)
+  CSampleStream(std::uint64_t seed, std::uint64_t stream, std::uint64_t substream)
       : state_(Mix(Mix(Mix(seed + kStep) ^ stream) + kStep + substream)) {}
 
   std::uint64_t Bits() { return Mix(state_ += kStep); }
