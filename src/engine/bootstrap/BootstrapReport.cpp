@@ -67,8 +67,9 @@ void WriteBootstrapHeading(ENGINERUN& run, const CString& title, const BOOTSTRAP
   report.Gap();
   report.Paragraph(
       "Bias is the mean of the samples minus the estimate, Std. error their standard deviation. "
-      "From and To bound 95% intervals: first the percentiles of the samples, then these corrected "
-      "for bias.");
+      "The "
+      "95% intervals go from 2.5% to 97.5% of the samples; those marked BC are corrected for "
+      "bias.");
   if (!IsWhole(samples)) {
     report.Gap();
     report.Paragraph(
@@ -95,8 +96,9 @@ void WriteBootstrapTables(ENGINERUN& run, const std::vector<ESTIMATES>& whole,
   std::size_t at = 0;
   for (const ESTIMATES& one : whole) {
     TABLE table;
-    table.columns = {{"", true},      {"Estimate", false}, {"Bias", false}, {"Std. error", false},
-                     {"From", false}, {"To", false},       {"From", false}, {"To", false}};
+    table.columns = {
+        {"", true},      {"Estimate", false}, {"Bias", false},    {"Std. error", false},
+        {"2.5%", false}, {"97.5%", false},    {"BC 2.5%", false}, {"BC 97.5%", false}};
     for (const auto& parameter : one.parameters) {
       const std::size_t estimate = at++;
       if (parameter.error == 0) continue;

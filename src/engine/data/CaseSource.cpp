@@ -331,6 +331,8 @@ std::int64_t CCaseSource::Gather(const std::vector<Part>& parts) {
 
 bool CCaseSource::ForEachBlock(const std::function<void(const CASEBLOCK&)>& work,
                                const Progress& progress, FAULT& fault) {
+  NoteUse();
+  if (store_ != nullptr) return store_->ForEachBlock(columns_, listwise_, *drawn_, work, counts_);
   counts_ = CASECOUNTS();
   counts_.otherValues.assign(columns_.size(), 0);
   counts_.undefined.assign(job_.transformations.size(), 0);
