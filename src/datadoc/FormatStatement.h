@@ -25,7 +25,7 @@ struct FORMATFIELDS {
 };
 
 // Columns of one case that a statement may reach; a line of that length is still held in memory.
-inline constexpr std::int32_t kMostColumns = 1 << 24;
+inline constexpr std::int32_t kMostColumns = 1 << 20;
 inline constexpr std::int32_t kMostDecimals = 300;
 
 // The fields of a statement in their order, `most` of them at most: what stands behind those is not
