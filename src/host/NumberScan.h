@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "host/ExactPowers.h"
+
 static_assert(std::endian::native == std::endian::little, "eight characters are read as one word");
 
 // Characters behind the text that ScanNumber may touch (without regard to what they hold).
@@ -15,10 +17,6 @@ inline constexpr std::size_t kNumberScanPadding = 32;
 
 namespace number_scan {
 
-inline constexpr std::uint64_t kExactIntegers = std::uint64_t{1} << 53;
-inline constexpr std::array<double, 23> kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 inline constexpr std::array<std::uint64_t, 9> kWholePowers = {
     1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
@@ -85,10 +83,10 @@ inline const char* ScanNumber(const char* at, char mark, double& value) {
   auto result = static_cast<double>(digits);
   if (exponent < 0) {
     if (exponent < -22) return nullptr;
-    result /= kPowers[static_cast<std::size_t>(-exponent)];
+    result /= kPowersOfTen[static_cast<std::size_t>(-exponent)];
   } else if (exponent > 0) {
     if (exponent > 22) return nullptr;
-    result *= kPowers[static_cast<std::size_t>(exponent)];
+    result *= kPowersOfTen[static_cast<std::size_t>(exponent)];
   }
   value = negative ? -result : result;
   return at;

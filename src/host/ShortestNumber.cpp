@@ -1,20 +1,18 @@
 #include "host/ShortestNumber.h"
 
-#include <array>
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+
+#include "host/ExactPowers.h"
 
 namespace {
 
-constexpr double kExactIntegers = 9007199254740992.0;  // 2^53
-constexpr int kScaledDigits = 15;                      // a scaled value stays below 10^15
-
-constexpr std::array<double, 23> kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                            1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                            1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kScaledDigits = 15;  // a scaled value stays below 10^15
 
 // The eight digits of a number below 10^8, the first in the lowest byte: halves, quarters and
 // digits are split off in all places at once.
@@ -53,12 +51,25 @@ bool AsShortDecimal(double value, Decimal& decimal) {
   // 10^above is above the value: (exponent + 1) x log10(2), rounded up.
   const int above = ((exponent + 1) * 1233 >> 12) + 1;
   const int places = kScaledDigits - above;
-  if (places < 1 || places >= static_cast<int>(kPowers.size())) return false;
-  const double power = kPowers[static_cast<std::size_t>(places)];
+  if (places < 1 || places >= static_cast<int>(kPowersOfTen.size())) return false;
+  const double power = kPowersOfTen[static_cast<std::size_t>(places)];
   const auto scaled = static_cast<std::uint64_t>(value * power + 0.5);
   if (static_cast<double>(scaled) / power != value) return false;
   decimal.Set(scaled, places);
   return true;
+}
+
+char* WriteWhole(std::int64_t number, char* out) {
+  constexpr std::int64_t kEightDigits = 100'000'000;
+  if (number <= -kEightDigits || number >= kEightDigits) {
+    return std::to_chars(out, out + kNumberBytes, number).ptr;
+  }
+  if (number < 0) *out++ = '-';
+  const std::uint64_t digits = EightDigits(static_cast<std::uint32_t>(std::abs(number)));
+  const int zeros = std::min(std::countr_zero(digits) >> 3, 7);  // in front of the first digit
+  const std::uint64_t text = (digits | 0x3030303030303030U) >> (8 * zeros);
+  std::memcpy(out, &text, sizeof text);
+  return out + 8 - zeros;
 }
 
 // Below 10^0; both of the exponent's digits are written.
@@ -104,14 +115,10 @@ char* WriteDecimal(const Decimal& decimal, char* out) {
 
 char* WriteShortest(double value, char* out) {
   const double magnitude = std::fabs(value);
-  if (magnitude < kExactIntegers) {
+  if (magnitude < static_cast<double>(kExactIntegers)) {
     const auto whole = static_cast<std::int64_t>(value);
     if (static_cast<double>(whole) == value && (whole != 0 || !std::signbit(value))) {
-      if (whole >= 0 && whole < 10) {
-        *out = static_cast<char>('0' + whole);
-        return out + 1;
-      }
-      return std::to_chars(out, out + kNumberBytes, whole).ptr;
+      return WriteWhole(whole, out);
     }
   }
   Decimal decimal;  // filled where it is used

@@ -43,6 +43,12 @@ std::vector<double> Samples() {
       0.1,        0.5,  1e-7,  9.9e-8,  123456.789, 0.001,
       1e13,       1e14, 0.3,   99999.5, 1e-6,       0.000123,
       1e15 + 0.5, 4.35, 2.675, 1.005,   5e-324,     1.7976931348623157e308};
+  for (double power = 1; power < 1e17; power *= 10) {
+    for (const double near : {power - 1, power, power + 1}) {
+      values.push_back(near);
+      values.push_back(-near);
+    }
+  }
   std::mt19937_64 random(20240601);
   for (int i = 0; i < 200'000; ++i) {
     const std::uint64_t bits = random();

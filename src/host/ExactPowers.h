@@ -1,0 +1,13 @@
+// What a double holds exactly: the product or the quotient of two such numbers is correctly rounded
+// in one step.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+// All whole numbers up to here.
+inline constexpr std::uint64_t kExactIntegers = std::uint64_t{1} << 53;
+
+inline constexpr std::array<double, 23> kPowersOfTen = {
+    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
