@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "datadoc/DataSet.h"
+#include "datadoc/ExportCells.h"
 #include "datadoc/ExternData.h"
 #include "datadoc/FormatStatement.h"
-#include "datadoc/Missing.h"
 #include "datadoc/TextOpening.h"
 #include "host/Framework.h"
 #include "host/Host.h"
@@ -134,6 +134,10 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   void SetExportNames(bool names) { exportNames_ = names; }
   // The delimiter of the text type that has none of its own; without one its export fails.
   void SetExportDelimiter(char delimiter) { exportDelimiter_ = delimiter; }
+  // Takes the description of a system data file and the open file itself, which is owned from now
+  // on: its cells stay there, and the document can be exported without a scratch file. Nothing else
+  // can be done with its cells.
+  void ExportFrom(const CString& fileName, int file, VsfContents contents);
   // Every variable with its name, as a number of the display's width and decimals.
   bool GetAppDataHeader(variables_t& variables) override;
   bool GetAppDataRecord(long record, const variables_t& variables, values_t& values) override;
@@ -166,13 +170,13 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   std::vector<FileDialogRow> SaveAsRows() const override;
   void OnSaveAsRowChosen(int row) override;
   long GetAppRecordCount() const override { return data_.records; }
+  std::span<const double> GetAppNumbers(long record, const variables_t& variables) override;
   bool WantsNamesLine() const override { return exportNames_; }
   void ReportError(const CString& text) override;
   void ReportNote(const CString& text) override { exportNotes_.push_back(text); }
   bool ReportProgress(double fraction) override;
 
  private:
-  bool ReadExportBlock(long record);
   void WarnOfMissing(const CString& name, int type);
   int ReadFileOfKind(const CString& fileName);
   int WriteFileOfKind(const CString& fileName);
@@ -204,9 +208,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
 
   bool exportNames_ = false;
   char exportDelimiter_ = 0;
-  std::vector<double> exportBlock_;  // records from exportBegin_ on
-  long exportBegin_ = 0;
-  std::vector<CMissingTest> exportMissing_;  // of each variable, as of GetAppDataHeader
+  CExportCells exportCells_;
   std::vector<CString> exportNotes_;
   std::vector<CString> exportProblems_;  // told in one message at the end
   std::unique_ptr<CProgress> exportProgress_;

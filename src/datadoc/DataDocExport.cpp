@@ -1,18 +1,14 @@
 // The document's side of export.
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 
 #include <boost/algorithm/string/join.hpp>
 
 #include "datadoc/DataDoc.h"
-#include "datadoc/Missing.h"
-#include "datadoc/VsfLayout.h"
 #include "dataview/DataView.h"
 #include "host/Text.h"
 #include "host/statrn32.h"
 #include "transfer/ExportLosses.h"
-#include "vexutils/BlockIo.h"
 
 namespace {
 
@@ -63,7 +59,7 @@ bool CDataDoc::DoExportData(const CString& name, int type) {
   }
   const bool done = basic_exportable_t::DoExportData(name, type);
   exportProgress_.reset();
-  exportBlock_ = {};
+  exportCells_.End();
   if (CDataView* const view = GetDataView()) view->ReopenFile();
   if (!exportProblems_.empty()) AfxMessageBox(boost::algorithm::join(exportProblems_, "\n"));
   if (done && !exportNotes_.empty()) {
@@ -78,16 +74,19 @@ bool CDataDoc::GetTextFileDelimiter(char& delimiter) {
 }
 
 bool CDataDoc::GetAppDataHeader(variables_t& variables) {
-  CDataView* const view = GetDataView();
-  if (view == nullptr || view->OpenScratchFile("rb") == nullptr) {
-    ReportError("The temporary work file is gone.");
-    return false;
+  int scratch = -1;
+  if (!exportCells_.HasFile()) {
+    CDataView* const view = GetDataView();
+    std::FILE* const stream = view != nullptr ? view->OpenScratchFile("rb") : nullptr;
+    if (stream == nullptr) {
+      ReportError("The temporary work file is gone.");
+      return false;
+    }
+    scratch = fileno(stream);
   }
-  exportBlock_.clear();
-  exportBegin_ = 0;
+  exportCells_.Start(data_, scratch);
   const NumberForm form = ExportedForm();
   variables.clear();
-  exportMissing_.clear();
   for (std::size_t i = 0; i < static_cast<std::size_t>(data_.variables); ++i) {
     STUtils::variable_info_t variable;
     variable.name = TextForDisplay(data_.variable[i].name);
@@ -95,42 +94,25 @@ bool CDataDoc::GetAppDataHeader(variables_t& variables) {
     variable.printWidth = form.width;
     variable.decimals = form.decimals;
     variables.push_back(std::move(variable));
-    exportMissing_.emplace_back(data_, i);
   }
   return true;
 }
 
 bool CDataDoc::GetAppDataRecord(long record, const variables_t& variables, values_t& values) {
-  if (record >= data_.records || !ReadExportBlock(record)) return false;
-  const double* const cells =
-      exportBlock_.data() + static_cast<std::size_t>(record - exportBegin_) * variables.size();
+  const double* const cells = exportCells_.Record(record);
+  if (cells == nullptr) return false;
   for (std::size_t i = 0; i < variables.size(); ++i) {
     STUtils::variable_data_t& value = values[i];
     value.kind = ST_TYPE_NUMERIC;
     value.value = cells[i];
-    value.missing = exportMissing_[i](cells[i]);
+    value.missing = exportCells_.IsMissing(cells[i], i);
     if (!value.text.empty()) value.text.clear();
   }
   return true;
 }
 
-// Makes the block of records hold `record`.
-bool CDataDoc::ReadExportBlock(long record) {
-  const auto variables = static_cast<std::size_t>(std::max(data_.variables, 1));
-  const auto held = static_cast<long>(exportBlock_.size() / variables);
-  if (record >= exportBegin_ && record < exportBegin_ + held) return true;
-  const std::size_t atOnce =
-      std::max<std::size_t>(1, STUtils::kTransferBytes / (variables * kCellBytes));
-  const auto count = std::min<std::int64_t>(static_cast<std::int64_t>(atOnce),
-                                            std::int64_t{data_.records} - record);
-  exportBlock_.resize(static_cast<std::size_t>(count) * variables);
-  exportBegin_ = record;
-  std::FILE* const scratch = GetDataView()->GetScratchStream();
-  const std::size_t bytes = exportBlock_.size() * kCellBytes;
-  errno = EIO;  // the reason where the file is only too short
-  return scratch != nullptr &&
-         ReadAt(fileno(scratch), CellBytes(record, data_.variables), exportBlock_.data(), bytes) ==
-             static_cast<std::int64_t>(bytes);
+std::span<const double> CDataDoc::GetAppNumbers(long record, const variables_t&) {
+  return exportCells_.Numbers(record);
 }
 
 // What does not read back as it was is told before anything is written: blanks do not show where a

@@ -115,6 +115,13 @@ int CDataDoc::OpenVSFFile(const CString& fileName) {
   return 1;
 }
 
+void CDataDoc::ExportFrom(const CString& fileName, int file, VsfContents contents) {
+  exportCells_.TakeFile(file, contents);
+  if (contents.damaged) WriteStatusInfo(DamageNote(contents));
+  data_ = std::move(contents.data);
+  SetPathName(fileName, false);
+}
+
 // The scratch file was lost on the way: nothing is left to describe.
 void CDataDoc::ResetDescription() {
   data_ = TORVIKSTRUCT();

@@ -40,6 +40,9 @@ class CMissingTest {
   // Copies cells; those that are missing or infinite become NaN. Returns how many these are.
   std::size_t Copy(const double* from, std::size_t count, double* to) const;
 
+  // Makes every `stride`th of the cells NaN where it is missing; `count` is that of all cells.
+  void Blank(double* cells, std::size_t count, std::size_t stride) const;
+
  private:
   void Add(double definition);
 

@@ -12,6 +12,7 @@
 #include "host/ShortestNumber.h"
 #include "host/statrn32.h"
 #include "transfer/FileTypes.h"
+#include "transfer/NumberLines.h"
 #include "vexutils/SideFile.h"
 
 namespace STUtils {
@@ -145,11 +146,29 @@ bool basic_exportable_t<CharT, CountT>::WriteTextRecords(basic_text_export_t<Cha
   }
   values_t values(variables.size());
   CountT record = 0;
+  if (!WriteNumberLines(target, variables, record)) return false;
   for (; GetAppDataRecord(record, variables, values); ++record) {
-    if (!StepProgress(record)) return false;
+    if (record % kRecordsPerStep == 0 && !StepProgress(record)) return false;
     if (!WriteTextFileDataRecord(target, record, values)) return false;
   }
   return CheckComplete(record);
+}
+
+// As many records as there are in the quick way, which gives the same lines.
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::WriteNumberLines(basic_text_export_t<CharT>& target,
+                                                         const variables_t& variables,
+                                                         CountT& record) {
+  if (variables.empty()) return true;
+  CNumberLines lines(variables.size(), target.Separator());
+  for (;;) {
+    const std::span<const double> cells = GetAppNumbers(record, variables);
+    if (cells.empty()) return true;
+    if (!StepProgress(record)) return false;
+    const std::string_view text = lines.Text(cells);
+    if (!target.stream.write(text.data(), static_cast<std::streamsize>(text.size()))) return false;
+    record += static_cast<CountT>(cells.size() / variables.size());
+  }
 }
 
 template <typename CharT, typename CountT>
@@ -237,7 +256,7 @@ bool basic_exportable_t<CharT, CountT>::WriteStatRecords(CStatTransfer<CharT>& t
   values_t values(transfer.variables.size());
   CountT record = 0;
   for (; GetAppDataRecord(record, transfer.variables, values); ++record) {
-    if (!StepProgress(record)) return false;
+    if (record % kRecordsPerStep == 0 && !StepProgress(record)) return false;
     if (!WriteStatFileDataRecord(transfer, record, values)) return false;
   }
   return CheckComplete(record);
@@ -271,7 +290,6 @@ bool basic_exportable_t<CharT, CountT>::CheckComplete(CountT records) {
 
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::StepProgress(CountT record) {
-  if (record % kRecordsPerStep != 0) return true;
   const auto total = static_cast<double>(std::max<CountT>(1, GetAppRecordCount()));
   stopped_ = !ReportProgress(static_cast<double>(record) / total);
   return !stopped_;

@@ -1,6 +1,7 @@
 // The export sequence: from something that hands over records to a foreign or text file.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -63,6 +64,10 @@ class basic_exportable_t {
  protected:
   // Records to come, for progress and for formats that want the count first.
   virtual CountT GetAppRecordCount() const = 0;
+  // Records from `record` on, at most kRecordsPerStep, of nothing but numbers: a cell for each
+  // variable, NaN where it is missing. Valid until the next call. Empty where there are none to be
+  // had in this way; GetAppDataRecord is asked for each then.
+  virtual std::span<const double> GetAppNumbers(CountT, const variables_t&) { return {}; }
   // Is the first line of a text file to hold the names?
   virtual bool WantsNamesLine() const { return false; }
   virtual void ReportError(const string& text) = 0;
@@ -73,6 +78,8 @@ class basic_exportable_t {
  private:
   bool WriteToStandardOutput(int type, CharT delimiter, const variables_t& variables);
   bool WriteTextRecords(basic_text_export_t<CharT>& target, const variables_t& variables);
+  bool WriteNumberLines(basic_text_export_t<CharT>& target, const variables_t& variables,
+                        CountT& record);
   bool WriteStatRecords(CStatTransfer<CharT>& transfer);
   bool CheckComplete(CountT records);
   bool StepProgress(CountT record);

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -59,6 +60,30 @@ TEST_F(Export, EveryDefinitionOfMissingLeavesAnEmptyField) {
   document.GetTorvik()->variable[1].missing = {kNotSet, kNotSet, kNotSet, 4, 6};
   ASSERT_EQ(ExportTo(folder / "out.csv", 1003), eOK);
   EXPECT_EQ(ReadBytes(folder / "out.csv"), "1,2\n,\n,\n");
+}
+
+// Records leave in blocks, and numbers in more ways than one.
+TEST_F(Export, EveryNumberHasTheTextOfAValueAlone) {
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  std::vector<std::vector<double>> rows = {
+      {0, -0.0, kInfinite}, {-1, 0.5, -kInfinite}, {1e15, 1e16, 999.5}, {1e300, M, 5e-324}};
+  for (int i = 0; i < 3000; ++i) rows.push_back({i * 1.0, -i * 37.0, i * 41.0 / 8});
+  Fill(rows);
+  document.GetTorvik()->variable[0].missing[0] = 7;
+  document.GetTorvik()->variable[2].missing = {kNotSet, kNotSet, kNotSet, 100, 200};
+  std::string expected;
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      STUtils::variable_data_t value;
+      value.kind = 1;
+      value.value = row[i];
+      value.missing = IsMissingCell(*document.GetTorvik(), row[i], i);
+      STUtils::AppendValueText(value, expected);
+      expected += i + 1 < row.size() ? '\t' : '\n';
+    }
+  }
+  ASSERT_EQ(ExportTo(folder / "out.txt", 1005), eOK);
+  EXPECT_EQ(ReadBytes(folder / "out.txt"), expected);
 }
 
 TEST_F(Export, WarnsOfWhatWillNotReadBack) {
