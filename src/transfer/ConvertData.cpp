@@ -11,6 +11,11 @@ std::optional<ParsedNumber> ParseDataNumber(const std::string& text) {
   return again ? again : number;
 }
 
+void PutPoint(char mark, std::string& text) {
+  if (mark == '.') return;
+  for (char& c : text) c = c == mark ? '.' : c == '.' ? ';' : c;
+}
+
 double ConvertData(const std::string& text, double defaultValue) {
   const auto number = ParseDataNumber(text);
   return number ? number->value : defaultValue;

@@ -11,10 +11,17 @@ namespace STUtils {
 CMissingStrings::CMissingStrings(std::vector<std::string> entries) : entries_(std::move(entries)) {
   for (const std::string& entry : entries_) {
     const std::string text(Trimmed(entry));
-    if (text.empty()) continue;
+    if (!text.empty()) texts_.push_back(text);
+  }
+  SetDecimalMark('.');
+}
+
+void CMissingStrings::SetDecimalMark(char mark) {
+  numbers_.clear();
+  for (std::string text : texts_) {
+    PutPoint(mark, text);
     const auto number = ParseDataNumber(text);
     if (number && number->length == text.size()) numbers_.push_back(number->value);
-    texts_.push_back(text);
   }
 }
 

@@ -8,11 +8,14 @@
 namespace STUtils {
 
 // Blanks around an entry and the case of letters do not count; an entry that is a number stands for
-// every field that is equal to it as a number. Prepared once, asked for every field.
+// every field that is equal to it as a number, with the decimal mark of the file. Prepared once,
+// asked for every field.
 class CMissingStrings {
  public:
   CMissingStrings() : CMissingStrings({"NA", "NIL"}) {}
   explicit CMissingStrings(std::vector<std::string> entries);
+
+  void SetDecimalMark(char mark);
 
   const std::vector<std::string>& Entries() const { return entries_; }  // as given
 

@@ -24,13 +24,6 @@ constexpr bool IsBlank(char c) {
 constexpr bool IsWhite(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
-// Can this stand between fields, being no part of a number, a quote or a line end?
-constexpr bool IsDelimiter(char c) {
-  const bool letter = (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
-  const bool ofNumber = (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
-  return !letter && !ofNumber && c != '"' && c != '\\' && !IsLineEnd(c) &&
-         static_cast<unsigned char>(c) < 0x80;
-}
 
 }  // namespace
 
@@ -53,6 +46,7 @@ bool basic_text_import_t<CharT>::Configure(const TextSettings& settings) {
   settings_ = settings;
   if (settings.encoding) source_.SetEncoding(*settings.encoding);
   mark_ = settings.decimalMark;
+  missing_.SetDecimalMark(mark_);
   this->delimiter = settings.delimiter;
   layout_ = this->type == SPACE_TEXT_FILE_TYPE   ? Layout::Free
             : this->type == FIRST_TEXT_FILE_TYPE ? Layout::CommaOrBlanks
@@ -63,10 +57,16 @@ bool basic_text_import_t<CharT>::Configure(const TextSettings& settings) {
   if (layout_ != Layout::Delimited) return true;
   if (separator_ == 0) return Fail(0, "the delimiter of this file type is not known");
   if (separator_ == mark_) return Fail(0, "the decimal mark is also the delimiter");
-  if (!IsDelimiter(separator_)) {
+  if (!CanDelimit(separator_)) {
     return Fail(0, string("fields cannot be delimited by \"") + separator_ + '"');
   }
   return true;
+}
+
+template <typename CharT>
+void basic_text_import_t<CharT>::SetMissingStrings(CMissingStrings missing) {
+  missing_ = std::move(missing);
+  missing_.SetDecimalMark(mark_);
 }
 
 template <typename CharT>
@@ -464,9 +464,7 @@ void basic_text_import_t<CharT>::Convert(std::size_t column, std::string_view te
 template <typename CharT>
 std::optional<double> basic_text_import_t<CharT>::Number(std::string_view text, bool& whole) const {
   numberText_ = text.substr(0, kLongestCompared);
-  if (mark_ != '.') {
-    for (CharT& c : numberText_) c = c == mark_ ? '.' : c == '.' ? ';' : c;
-  }
+  PutPoint(mark_, numberText_);
   const auto number = ParseDataNumber(numberText_);
   whole = number && number->length == text.size();
   return number ? std::optional(number->value) : std::nullopt;

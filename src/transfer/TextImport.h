@@ -55,7 +55,7 @@ class basic_text_import_t : public basic_text_transfer_t<CharT> {
   // Takes effect with the next ReadFirstLine or StartRecords. False with the reason in Error()
   // where the settings do not go together with the type.
   bool Configure(const TextSettings& settings);
-  void SetMissingStrings(CMissingStrings missing) { missing_ = std::move(missing); }
+  void SetMissingStrings(CMissingStrings missing);
 
   bool IsFailed() const { return !error_.empty(); }
   // The file, the line where there is one, and what is wrong; empty when nothing is.

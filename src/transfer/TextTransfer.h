@@ -13,6 +13,15 @@ inline constexpr std::size_t kTransferBytes = std::size_t{128} << 10;
 // delimiter is asked for.
 char TextSeparator(std::int32_t type, char own);
 
+// Can this stand between fields, being no part of a number, a quote or a line end?
+constexpr bool CanDelimit(char c) {
+  const bool letter = (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
+  const bool ofNumber = (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+  const bool lineEnd = c == '\n' || c == '\r';
+  return !letter && !ofNumber && !lineEnd && c != '"' && c != '\\' && c != 0 &&
+         static_cast<unsigned char>(c) < 0x80;
+}
+
 template <typename CharT>
 class basic_text_transfer_t {
  public:

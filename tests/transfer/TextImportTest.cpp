@@ -102,6 +102,15 @@ TEST_F(TextImportTest, TextsThatMeanMissingMayBeginWithANumber) {
   EXPECT_TRUE(host.messages.empty()) << host.LastMessage();
 }
 
+TEST_F(TextImportTest, NumbersThatMeanMissingHaveTheFilesDecimalMark) {
+  port.SetMissingStrings({"9,5", "1.5", "-8"});
+  const TextSettings commas{.decimalMark = ',', .delimiter = ';'};
+  ASSERT_TRUE(Import("a;b\n9,50;2\n1,5;-8,0\n", 1003, commas)) << Reason();
+  EXPECT_EQ(Rows(), (rows_t{{M, 2}, {1.5, M}}));
+  ASSERT_TRUE(Import("a;b\n9.5;2\n1.50;-8\n", 1003, {.delimiter = ';'})) << Reason();
+  EXPECT_EQ(Rows(), (rows_t{{9.5, 2}, {M, M}}));
+}
+
 TEST_F(TextImportTest, NamesComeFromTheFirstLineOrTheTemplate) {
   const struct {
     const char* text;
