@@ -1,4 +1,5 @@
 // The scan and the readers of text files. The first two bytes choose the type and the settings.
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -6,13 +7,38 @@
 
 #include <sys/mman.h>
 
+#include "transfer/ConvertData.h"
 #include "transfer/TextScan.h"
 
 namespace {
 
-constexpr int kMostRecords = 5000;
+using reader_t = STUtils::basic_text_import_t<char>;
+using record_t = std::vector<STUtils::variable_data_t>;
 
-void ReadAll(STUtils::basic_text_import_t<char>& reader) {
+constexpr int kMostRecords = 5000;
+constexpr std::size_t kMostCompared = 20'000;  // values
+
+// A number that was read without its text in the quick way is the one that the text stands for.
+void Compare(reader_t& reader, const std::vector<record_t>& records, std::size_t columns) {
+  reader.SetTextColumns(columns);
+  if (!reader.StartRecords()) std::abort();
+  record_t texts(columns);
+  for (const record_t& record : records) {
+    if (!reader.ReadRecord(texts)) std::abort();
+    for (std::size_t i = 0; i < columns; ++i) {
+      if (record[i].kind != 1 || record[i].missing || !record[i].text.empty()) continue;
+      std::string text = texts[i].text;
+      PutPoint(reader.Settings().decimalMark, text);
+      const auto number = ParseDataNumber(text);
+      if (!number || std::bit_cast<std::uint64_t>(number->value) !=
+                         std::bit_cast<std::uint64_t>(record[i].value)) {
+        std::abort();
+      }
+    }
+  }
+}
+
+void ReadAll(reader_t& reader) {
   bool hasNames = false;
   std::vector<STUtils::variable_info_t> variables;
   if (!STUtils::SenseTextData(reader, hasNames, variables, {})) return;
@@ -22,13 +48,20 @@ void ReadAll(STUtils::basic_text_import_t<char>& reader) {
     if (variables[i].type != 2) variables[i].type = 1;
   }
   reader.SetVariables(variables);
-  std::vector<STUtils::variable_data_t> values(variables.size());
+  record_t values(variables.size());
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    values[i].kind = variables[i].selected ? variables[i].type : 0;
+  }
+  std::vector<record_t> compared;
   reader.StartRecords();
   for (int record = 0; record < kMostRecords && reader.ReadRecord(values); ++record) {
     for (std::size_t i = 0; i < variables.size(); ++i) {
       if (values[i].missing && values[i].value != 0) std::abort();
     }
+    if (compared.size() * variables.size() < kMostCompared) compared.push_back(values);
   }
+  reader.ClearError();
+  Compare(reader, compared, variables.size());
 }
 
 }  // namespace
@@ -46,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if ((data[0] & 32) != 0) {
     settings.encoding = static_cast<STUtils::TextEncoding>(data[0] >> 6 & 3);
   }
-  STUtils::basic_text_import_t<char> reader;
+  reader_t reader;
   const std::string name = "/proc/self/fd/" + std::to_string(descriptor);
   if (reader.Open(name, 1001 + (data[0] & 7) % 5) && reader.Configure(settings)) ReadAll(reader);
   close(descriptor);
