@@ -97,7 +97,8 @@ class Parser {
         ->group(kTextGroup);
     command
         .add_option("--missing", import_.missing,
-                    "Fields that mean missing, with commas between them; NA,NIL when not given")
+                    "Fields that mean missing, with commas or semicolons between them; NA,NIL when "
+                    "not given")
         ->group(kTextGroup);
     command
         .add_flag("--all-numeric", import_.allNumeric,
@@ -121,7 +122,8 @@ class Parser {
     command->add_option("--type", export_.type, "Code of the file type (see 'formats')")
         ->check(CLI::NonNegativeNumber);
     command->add_flag("--names", export_.names, "Text files: names on the first line");
-    command->add_option("--delimiter", export_.delimiter, "Between values, for type 1004");
+    command->add_option("--delimiter", export_.delimiter,
+                        "Between values, one character or \"tab\"; for type 1004");
     command->add_flag("--overwrite", export_.overwrite, "Replace an existing file");
     command->callback([this] { command_ = [this] { return ExportFile(export_); }; });
   }

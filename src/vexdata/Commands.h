@@ -21,10 +21,10 @@ struct ImportOptions {
   bool keepLabels = false;
   // Text files:
   std::optional<bool> names;       // on the first line; else told from it
-  std::optional<CString> missing;  // with commas between the texts
+  std::optional<CString> missing;  // with commas or semicolons between the texts
   bool allNumeric = false;         // also columns that look like texts
   CString delimiter;               // empty: the type's own
-  CString decimalMark = ".";
+  std::optional<CString> decimalMark;
   bool overwrite = false;
 };
 

@@ -9,6 +9,7 @@
 #include "vexdata/CommandLine.h"
 #include "vexdata/Commands.h"
 #include "vexdata/SystemFile.h"
+#include "vexdata/TextOptions.h"
 
 namespace {
 
@@ -37,18 +38,36 @@ bool Exists(const CString& fileName) {
   return false;
 }
 
+// An option that this type of file has no use for; null when there is none.
+const char* UselessOption(const ImportOptions& options, int type) {
+  const bool text = STUtils::IsTextFileType(type);
+  const bool delimited =
+      text && type != STUtils::FIRST_TEXT_FILE_TYPE && type != STUtils::SPACE_TEXT_FILE_TYPE;
+  if (!delimited && !options.delimiter.empty()) return "--delimiter";
+  if (text) return options.table.empty() ? nullptr : "--table";
+  if (options.names) return *options.names ? "--names" : "--no-names";
+  if (options.missing) return "--missing";
+  if (options.allNumeric) return "--all-numeric";
+  return options.decimalMark ? "--decimal-mark" : nullptr;
+}
+
+// The texts that mean missing. Where one of them holds a comma, semicolons stand between them.
+std::vector<CString> MissingTexts(const CString& option) {
+  const char separator = option.find(';') != CString::npos ? ';' : ',';
+  std::vector<CString> texts;
+  boost::algorithm::split(texts, option, [separator](char c) { return c == separator; });
+  return texts;
+}
+
 // How a text file is read; empty after a message.
 std::optional<STUtils::TextSettings> SettingsOf(const ImportOptions& options, int type) {
   STUtils::TextSettings settings;
   if (!STUtils::IsTextFileType(type)) return settings;
   settings.hasNames = options.names;
-  settings.decimalMark = options.decimalMark.front();
-  const CString delimiter = options.delimiter == "tab" ? "\t" : options.delimiter;
-  if (delimiter.size() > 1 || (delimiter.empty() && type == STUtils::DELIMITED_TEXT_FILE_TYPE)) {
-    AfxMessageBox("This file type needs --delimiter with one character, or tab");
-    return std::nullopt;
-  }
-  if (!delimiter.empty()) settings.delimiter = delimiter.front();
+  if (options.decimalMark) settings.decimalMark = options.decimalMark->front();
+  const auto delimiter = DelimiterOf(options.delimiter, type);
+  if (!delimiter) return std::nullopt;
+  settings.delimiter = *delimiter;
   if (options.encoding.empty()) return settings;
   settings.encoding = STUtils::EncodingOfOption(options.encoding);
   if (settings.encoding) return settings;
@@ -66,6 +85,11 @@ int ImportFile(const ImportOptions& options) {
   if (!Exists(options.source)) return kExitFailed;
   int type = ChosenType(options);
   if (type == STUtils::UNKNOWN_FILE_TYPE) return kExitFailed;
+  if (const char* const useless = UselessOption(options, type)) {
+    AfxMessageBox(CString(useless) +
+                  " has no effect on this type of file: " + STUtils::NameOfType(type));
+    return kExitUsage;
+  }
   const auto settings = SettingsOf(options, type);
   if (!settings) return kExitUsage;
   CString target = options.target;
@@ -80,11 +104,7 @@ int ImportFile(const ImportOptions& options) {
   port.SetTable(options.table);
   port.SetEncoding(options.encoding);
   port.SetTextSettings(*settings);
-  if (options.missing) {
-    std::vector<CString> texts;
-    boost::algorithm::split(texts, *options.missing, [](char c) { return c == ','; });
-    port.SetMissingStrings(std::move(texts));
-  }
+  if (options.missing) port.SetMissingStrings(MissingTexts(*options.missing));
   if (options.allNumeric) {
     port.SetTextConfirmer([](CTextConfirmation& confirmation) {
       std::string none;

@@ -74,8 +74,12 @@ class TerminalProgress final : public CProgress {
   std::array<void (*)(int), kSignals.size()> previousHandlers_{};
 };
 
+// Messages may quote what a file holds: line ends and what a terminal would obey become blanks.
 CString OneLine(CString text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
+  constexpr char kDelete = 0x7F;
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == kDelete; }, ' ');
   return text;
 }
 

@@ -56,7 +56,6 @@ TEST_F(CommandLine, ExitCodesAndMessages) {
       {{"show", small, "--cases", "3-2"}, 2, "--cases"},
       {{"import", kSurvey, target, "--type", "-7"}, 2, nullptr},
       {{"export", small, "-", "--type", "22"}, 2, "standard output"},
-      {{"export", small, folder / "x.txt", "--type", "1004"}, 2, "--delimiter"},
       {{"export", small, folder / "x.what"}, 1, "--type"},
       {{"convert", folder / "absent.VSF", target, "--layout", "new"},
        1,
