@@ -84,6 +84,8 @@ std::optional<Leading> ReadWithD(const char* first, const char* mark, const char
   return Leading{number->value, at};
 }
 
+// Text data files are read as far as a number goes, where ParseNumber takes all that could belong
+// to one: "1e" is 1 with something behind it here, and no number there.
 std::optional<Leading> ReadLeading(std::string_view text) {
   const char* first = text.data();
   const char* const last = first + text.size();

@@ -99,7 +99,9 @@ TEST_F(DataPort, KnowsTheTextsThatMeanMissing) {
   } cases[] = {{1003, 0, "NA", true},    {1003, 0, " na ", true},  {1005, 0, "NIL", true},
                {1003, 99, "99.0", true}, {1003, 100, "100", true}, {1003, 0, "0", false},
                {1003, 0, "", false},     {1003, 5, "NA", false},   {1003, 98, "98", false},
-               {22, 0, "NA", false},     {22, 99, "99", false}};
+               {22, 0, "NA", false},     {22, 99, "99", false},    {1001, 0, "na", true},
+               {1002, 0, "Nil", true},   {1004, 100, "", true},    {1003, -99, "-99", false},
+               {1006, 0, "NA", false},   {0, 0, "NA", false},      {1003, 0, "NANIL", false}};
   for (const auto& c : cases) {
     EXPECT_EQ(port.SameAsMissing(c.type, Value(c.number, false, c.text)), c.missing)
         << c.type << ' ' << c.text;

@@ -114,6 +114,14 @@ TEST_F(TextOptions, ThoseThatCannotBeFollowedAreRefusedInOneLine) {
   EXPECT_FALSE(std::filesystem::exists(target));
 }
 
+TEST_F(TextOptions, MessagesHoldNothingThatATerminalObeys) {
+  WriteBytes(folder / "source.csv", "a,b\n1,2,\"x\x1B[31m\n\x7Fy\"\n");
+  const Outcome outcome = Import(folder / "source.csv", {});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_NE(outcome.err.find("line 3: there are more than the 2 fields"), std::string::npos);
+  EXPECT_NE(outcome.err.find("\"x [31m  y\""), std::string::npos) << outcome.err;
+}
+
 TEST_F(TextOptions, TheDelimiterOfAnExportIsReadBack) {
   const std::string text = folder / "out.txt";
   WriteBytes(folder / "source.csv", "a,b\n1,\n-2.5,3\n");
