@@ -14,16 +14,15 @@
 namespace {
 
 // The file type that was asked for, or the one of the name when the content does not speak against
-// it; UNKNOWN_FILE_TYPE after a message.
+// it, or that of the content when the name says nothing; UNKNOWN_FILE_TYPE after a message.
 int ChosenType(const ImportOptions& options) {
   if (options.type >= 0) return options.type;
   const int byName = STUtils::TypeOfFileName(options.source);
-  if (byName == STUtils::UNKNOWN_FILE_TYPE) {
-    AfxMessageBox(options.source + ": no file type has this extension; --type chooses one");
-    return byName;
-  }
   const int byContent = STUtils::TypeByContent(options.source, byName);
-  if (byContent == byName) return byName;
+  if (byName == STUtils::UNKNOWN_FILE_TYPE && byContent == byName) {
+    AfxMessageBox(options.source + ": no file type has this extension; --type chooses one");
+  }
+  if (byContent == byName || byName == STUtils::UNKNOWN_FILE_TYPE) return byContent;
   AfxMessageBox(boost::str(
       boost::format("%1%: by its name %2% (%3%), by its content %4% (%5%); --type chooses one") %
       options.source % STUtils::NameOfType(byName) % byName % STUtils::NameOfType(byContent) %

@@ -87,6 +87,13 @@ TEST_F(CommandLine, ImportsWithTheTypeOfTheNameOrTheOneAskedFor) {
   EXPECT_NE(stopped.err.find("SPSS Data File"), std::string::npos) << stopped.err;
   EXPECT_EQ(RunVexData({"import", belied, folder / "b.VSF", "--type", "22"}).code, 0);
   EXPECT_EQ(ReadBytes(folder / "b.VSF"), bytes);
+
+  // A name that says nothing leaves it to the content.
+  WriteBytes(folder / "survey.odd", ReadBytes(kSurvey));
+  EXPECT_EQ(RunVexData({"import", folder / "survey.odd", folder / "c.VSF"}).code, 0);
+  EXPECT_EQ(ReadBytes(folder / "c.VSF"), bytes);
+  WriteBytes(folder / "none.odd", "what is this");
+  EXPECT_EQ(RunVexData({"import", folder / "none.odd", folder / "d.VSF"}).code, 1);
 }
 
 TEST_F(CommandLine, ShowsCellsAndReadsDamagedFilesAsFarAsTheyGo) {
