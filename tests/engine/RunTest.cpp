@@ -247,7 +247,6 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
       {"SE 1 2\nOU TH=x", 3, "no variable is ordinal"},
       {"SE 1 2\nOU MA=CM SM=/no/such/folder/x", 3, "cannot be written"},
       {"OFA NOR NF=1\nOU", 2, "Factor analysis of ordinal variables (OFA) is not built into this"},
-      {"MC 1 2 RP=3\nOU", 2, "Multiple imputation by MCMC (MC) is not built"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Run(c.lines), ERUNRESULT::Failed) << c.lines;

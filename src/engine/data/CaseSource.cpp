@@ -300,7 +300,11 @@ void CCaseSource::Apply(const CASEFUNCTION& function, Part& part) const {
       const bool none = missing_[variable](row[variable]) || !std::isfinite(row[variable]);
       inputs[j] = none ? kMissing : row[variable];
     }
-    function.compute(inputs.data(), outputs.data());
+    if (function.computeOfCase) {
+      function.computeOfCase(part.numbers[i], inputs.data(), outputs.data());
+    } else {
+      function.compute(inputs.data(), outputs.data());
+    }
     for (std::size_t j = 0; j < outputs.size(); ++j) {
       row[function.outputs[j]] = std::isfinite(outputs[j]) ? outputs[j] : kMissing;
     }

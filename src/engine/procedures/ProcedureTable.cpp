@@ -4,6 +4,8 @@
 #include "engine/procedures/FactorAnalysis.h"
 #include "engine/procedures/HomogeneityTest.h"
 #include "engine/procedures/IncompleteData.h"
+#include "engine/procedures/Matching.h"
+#include "engine/procedures/MultipleImputation.h"
 #include "engine/procedures/NormalScores.h"
 #include "engine/procedures/OrdinalRegression.h"
 #include "engine/procedures/PrincipalComponents.h"
@@ -32,6 +34,8 @@ constexpr ROW kRows[] = {
     {"LO", RunOrdinalRegression},
     {"CR", RunCensoredRegression},
     {"EM", RunExpectationMaximisation},
+    {"MC", RunMultipleImputation},
+    {"IMPUTE", RunMatching},
 };
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include "engine/procedures/RunProcedures.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 #include "engine/bootstrap/ProcedureSamples.h"
+#include "engine/procedures/CompletedData.h"
 #include "engine/screen/DataOutput.h"
 #include "engine/screen/Screening.h"
 
@@ -32,12 +35,35 @@ bool ReadsThresholds(const JOB& job) {
   });
 }
 
+namespace {
+
+bool Finish(ENGINERUN& run, FAULT& fault) {
+  return AsksForScreening(run.job.output) ? ScreenData(run, fault) : SaveData(run, fault);
+}
+
+// Passes over the data, roughly: those behind an imputation are made on each of its data sets.
+int Stages(const std::vector<PROCEDURE>& procedures) {
+  constexpr std::int64_t kStagesEach = 8;
+  std::int64_t stages = 0, dataSets = 1;
+  for (const PROCEDURE& procedure : procedures) {
+    const auto* const imputation = std::get_if<MULTIPLEIMPUTATION>(&procedure.what);
+    if (imputation != nullptr) dataSets = std::max(dataSets, imputation->dataSets);
+    stages += kStagesEach * dataSets;
+  }
+  return static_cast<int>(std::min<std::int64_t>(stages, std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+
 bool RunProcedures(ENGINERUN& run, FAULT& fault) {
   const std::vector<PROCEDURE> procedures = run.job.procedures;
-  constexpr int kStagesEach = 8;
-  run.progress.Begin(kStagesEach * static_cast<int>(procedures.size()));
+  run.progress.Begin(Stages(procedures));
+  std::optional<CCompletedData> completed;
   for (const PROCEDURE& procedure : procedures) {
-    if (!RunWithSamples(run, procedure, fault)) return false;
+    const bool done = completed ? completed->RunProcedure(procedure, fault)
+                                : RunWithSamples(run, procedure, fault);
+    if (!done) return false;
+    if (!run.job.completions.empty()) completed.emplace(run);
   }
   if (run.job.output.pk) {
     run.report.Warning("PK on the output line has no effect in this engine.");
@@ -48,5 +74,6 @@ bool RunProcedures(ENGINERUN& run, FAULT& fault) {
         "thresholds were written.");
   }
   if (!run.faults.empty()) return true;
-  return AsksForScreening(run.job.output) ? ScreenData(run, fault) : SaveData(run, fault);
+  if (!completed) return Finish(run, fault);
+  return completed->OnEach(Finish, AsksForScreening(run.job.output), fault);
 }

@@ -54,6 +54,7 @@ struct ENGINERUN {
   SAMPLING* sampling = nullptr;
   // The processes that share the work of this run; null when it is one's own.
   CRanks* ranks = nullptr;
+  std::size_t dataSet = 0;  // of the job's completed data sets, counted from 0
 
   // One pass over the cases with progress and interruption. Returns false with the reason in
   // `fault`; without a cause when the run was interrupted.

@@ -1,10 +1,26 @@
 #include "engine/run/OutputFiles.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
+#include <sys/resource.h>
+
 #include "engine/run/FileIdentity.h"
 #include "vexutils/BlockIo.h"
+
+namespace {
+
+// Every side file stays open to the end; the usual limit is lower than a process may have.
+void AllowOpenFiles(std::size_t files) {
+  constexpr rlim_t kOthers = 64;
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= files + kOthers) return;
+  limit.rlim_cur = std::min<rlim_t>(files + kOthers, limit.rlim_max);
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+}  // namespace
 
 void COutputFile::Write(const void* data, std::size_t size) {
   if (diverted_ == EDiverted::Lost) return;
@@ -20,11 +36,12 @@ void COutputFile::WriteAtStart(const void* data, std::size_t size) {
 }
 
 void COutputFile::Flush() {
+  if (diverted_ != EDiverted::No) return;
   if (error_ == 0 && !WriteAt(file_.Descriptor(), offset_, buffer_.data(), buffer_.size())) {
     error_ = errno;
   }
   offset_ += static_cast<std::int64_t>(buffer_.size());
-  buffer_.clear();
+  buffer_ = {};
 }
 
 void COutputFiles::AddInput(std::string_view what, const std::string& name) {
@@ -55,6 +72,7 @@ bool COutputFiles::Create(FAULT& fault) {
     }
     taken.push_back({"the file of " + output.Keyword() + "= (" + output.Name() + ")", identity});
   }
+  AllowOpenFiles(outputs_.size());
   for (COutputFile& output : outputs_) {
     if (another_) {
       output.Divert(false);
@@ -71,8 +89,12 @@ bool COutputFiles::Create(FAULT& fault) {
 }
 
 COutputFile* COutputFiles::Find(std::string_view keyword) {
+  return Find(keyword, 0);
+}
+
+COutputFile* COutputFiles::Find(std::string_view keyword, std::size_t which) {
   for (COutputFile& output : outputs_) {
-    if (output.Keyword() == keyword) return &output;
+    if (output.Keyword() == keyword && which-- == 0) return &output;
   }
   return nullptr;
 }

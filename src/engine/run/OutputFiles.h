@@ -26,10 +26,11 @@ class COutputFile {
   const std::string& KeptBytes() const { return buffer_; }
   // Replaces bytes that were written before.
   void WriteAtStart(const void* data, std::size_t size);
+  // Hands to the disk what was written so far.
+  void Flush();
 
  private:
   friend class COutputFiles;
-  void Flush();
 
   enum class EDiverted { No, Kept, Lost };
   EDiverted diverted_ = EDiverted::No;
@@ -60,8 +61,10 @@ class COutputFiles {
   // fails; the fault names the two that collide, or the file that cannot be created.
   bool Create(FAULT& fault);
 
-  // The file of this keyword, or null when it was not asked for. Owned by this object.
+  // The file of this keyword, or null when it was not asked for. Owned by this object. Where a
+  // keyword has several files, `which` counts them from 0.
   COutputFile* Find(std::string_view keyword);
+  COutputFile* Find(std::string_view keyword, std::size_t which);
 
   // Puts all files in place. After a failure the fault names the file, and says which ones are in
   // place already.

@@ -17,6 +17,7 @@
 #include "engine/run/FileIdentity.h"
 #include "engine/run/Interrupt.h"
 #include "engine/run/RankRepetition.h"
+#include "engine/screen/DataOutput.h"
 #include "engine/screen/Screening.h"
 #include "engine/stats/Parallel.h"
 #include "engine/syntax/Syntax.h"
@@ -141,7 +142,7 @@ class CRun {
     files_.AddOutput("SD", output.deviationsFile);
     files_.AddOutput("AC", output.covarianceFile);
     files_.AddOutput("AV", output.varianceFile);
-    files_.AddOutput("RA", output.dataFile);
+    for (const CString& name : SavedFileNames(job_)) files_.AddOutput("RA", name);
     if (ReadsThresholds(job_)) {
       files_.AddInput("the file of the thresholds (TH)", output.thresholdFile);
     } else {

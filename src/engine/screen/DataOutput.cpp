@@ -1,5 +1,6 @@
 #include "engine/screen/DataOutput.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -99,6 +100,7 @@ class CDataWriter {
       const CString description = EncodeVsfDescription(data, kind, VsfFiller::Spaces);
       file_.WriteAtStart(description.data(), description.size());
     }
+    file_.Flush();
     return true;
   }
 
@@ -150,7 +152,22 @@ class CDataWriter {
 
 }  // namespace
 
+std::vector<CString> SavedFileNames(const JOB& job) {
+  std::int64_t dataSets = 1;
+  for (const PROCEDURE& procedure : job.procedures) {
+    const auto* const imputation = std::get_if<MULTIPLEIMPUTATION>(&procedure.what);
+    if (imputation != nullptr) dataSets = std::max(dataSets, imputation->dataSets);
+  }
+  const CString& name = job.output.dataFile;
+  if (dataSets == 1 || name.empty()) return {name};
+  const std::size_t dot = name.size() - std::filesystem::path(name).extension().string().size();
+  std::vector<CString> names;
+  for (std::int64_t i = 1; i <= dataSets; ++i)
+    names.push_back(name.substr(0, dot) + '_' + std::to_string(i) + name.substr(dot));
+  return names;
+}
+
 bool SaveData(ENGINERUN& run, FAULT& fault) {
-  COutputFile* const file = run.files.Find("RA");
+  COutputFile* const file = run.files.Find("RA", run.dataSet);
   return file == nullptr || CDataWriter(run, *file).Write(fault);
 }

@@ -21,6 +21,7 @@ using Quiet = policies::policy<policies::domain_error<policies::ignore_error>,
                                policies::underflow_error<policies::ignore_error>,
                                policies::evaluation_error<policies::ignore_error>>;
 
+constexpr double kAsNormal = 1e12;  // degrees of freedom
 constexpr double kInverseRootTwoPi = 0.39894228040143267794;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
@@ -71,11 +72,20 @@ double ChiSquareUpper(double x, double df) {
 
 double StudentTwoSided(double t, double df) {
   if (df <= 0) return 1;
+  if (df > kAsNormal) return NormalTwoSided(t);
   if (std::isinf(t)) return 0;
   // The smaller of the two arguments keeps its digits.
   const double square = t * t;
   return square > df ? boost::math::ibeta(df / 2, 0.5, df / (df + square), Quiet())
                      : boost::math::ibetac(0.5, df / 2, square / (df + square), Quiet());
+}
+
+double StudentQuantile(double p, double df) {
+  if (df > kAsNormal) return NormalQuantile(p);
+  if (p < 0.5) return -StudentQuantile(1 - p, df);
+  double upper = 0;
+  const double lower = boost::math::ibeta_inv(df / 2, 0.5, 2 * (1 - p), &upper, Quiet());
+  return std::sqrt(df * upper / lower);
 }
 
 double FUpper(double f, double df1, double df2) {

@@ -19,10 +19,12 @@ double NormalTwoSided(double z);
 // P(chi-square with df degrees of freedom > x); 1 for x at or below 0 and for df at or below 0.
 double ChiSquareUpper(double x, double df);
 
-// P(|T| > |t|) for Student's t with df degrees of freedom, and P(F > f); 1 for degrees of freedom
-// at or below 0.
+// P(|T| > |t|) for Student's t with df degrees of freedom (infinite: the normal distribution), and
+// P(F > f); 1 for degrees of freedom at or below 0.
 double StudentTwoSided(double t, double df);
 double FUpper(double f, double df1, double df2);
+// The t that Student's t with df > 0 degrees of freedom is below with probability p.
+double StudentQuantile(double p, double df);
 
 // log NormalCdf(x), finite for every finite x, and its derivative density(x) / NormalCdf(x).
 double LogNormalCdf(double x);

@@ -15,17 +15,24 @@
 namespace stats {
 
 // Cases by which of their values are missing. All that the likelihood needs of the cases of a
-// pattern are the sums and products of their observed values, so that memory grows with the
-// patterns and the square of the variables, never with the cases. Values are counted in the given
-// centers and scales.
+// pattern are the sums and products of their observed values. They are formed as soon as a pattern
+// has more cases than observed values; until then its cases are kept, which takes less room. So
+// memory grows with the patterns, and where each has many cases not with the cases. Values are
+// counted in the given centers and scales.
 class CMissingPatterns {
  public:
   struct Pattern {
     std::vector<int> observed, missing;  // variables
     std::int64_t cases = 0;
-    double n = 0;              // sum of weights
-    Eigen::VectorXd sum;       // of the observed ones
-    Eigen::MatrixXd products;  // sums of products about zero
+    double n = 0;  // sum of weights
+    // Of the observed ones, empty as long as `rows` has the cases.
+    Eigen::VectorXd sum;
+    Eigen::MatrixXd products;  // about zero
+    std::vector<double> rows;  // case after case, each with its weight in front
+
+    // Sums of weights times deviations from `mean`, and of their products.
+    void Deviations(const Eigen::VectorXd& mean, Eigen::VectorXd& deviations,
+                    Eigen::MatrixXd& squares) const;
   };
 
   CMissingPatterns(Eigen::VectorXd center, Eigen::VectorXd scale);
@@ -43,12 +50,14 @@ class CMissingPatterns {
 
  private:
   Pattern& PatternOf(const double* cells);
+  static void AddCase(Pattern& pattern, double weight, const double* observed);
 
   Eigen::VectorXd center_, scale_;
   std::map<std::string, std::size_t> index_;
   std::vector<Pattern> patterns_;
   std::int64_t allMissing_ = 0;
-  std::string key_;
+  std::string key_, lastKey_;
+  std::size_t last_ = 0;  // the pattern of lastKey_
 };
 
 // EM (A. P. Dempster, N. M. Laird and D. B. Rubin, Journal of the Royal Statistical Society B 39,
@@ -65,9 +74,16 @@ struct IncompleteNormalResult {
   std::vector<double> logLikelihoods;  // before each iteration, and at the end; never falling
   double change = 0;                   // the last one
   int iterations = 0;
+  // What the last iteration added, in units of the variables' scales. EM converges most slowly
+  // where most information is missing, and comes in from there.
+  Eigen::VectorXd meanStep;
+  Eigen::MatrixXd covarianceStep;
+  // NotPositiveDefinite: variables that depend on each other, as far as they stand out.
+  std::vector<int> dependent;
 };
+// Results do not depend on the number of threads (0: all processors).
 IncompleteNormalResult EstimateIncompleteNormal(const CMissingPatterns& patterns, int iterations,
-                                                double criterion);
+                                                double criterion, int threads = 1);
 
 // What is expected of missing values given the observed ones: B and a for each pattern, value =
 // a + B observed, in the units of the data.

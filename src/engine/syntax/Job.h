@@ -38,6 +38,8 @@ struct CASEFUNCTION {
   VARIABLELIST outputs;
   // Values in, values out; missing ones are NaN. Called from several threads.
   std::function<void(const double* inputs, double* outputs)> compute;
+  // Called in its place where set; the case's number in the file is counted from 1.
+  std::function<void(std::int64_t number, const double* inputs, double* outputs)> computeOfCase;
 };
 
 using TRANSFORMATION = std::variant<COMPUTE, RECODE, CASEFUNCTION>;
@@ -59,6 +61,9 @@ struct JOB {
   VARIABLELIST emptyIn;  // cases where all of these are missing are left out; empty: none
   VARIABLELIST added;    // variables that procedures made; RA saves them as well
   OUTPUTLINE output;
+  // Several completed data sets that a procedure made: each fills in the missing values in its own
+  // way. What follows is done on all of them.
+  std::vector<CASEFUNCTION> completions;
 
   std::int64_t Repetitions() const {
     return output.repetitions > 0 ? output.repetitions : header.repetitions;

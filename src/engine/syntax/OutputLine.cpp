@@ -152,6 +152,7 @@ class COutputLineReader {
         value > high) {
       Fail("expected a whole number from " + std::to_string(low) + " to " + std::to_string(high) +
            " after " + CString(key) + ", found " + Shown(text));
+      fault_.remedy = "Give " + CString(key) + " such a number, or leave it out.";
       return;
     }
     number = value;
