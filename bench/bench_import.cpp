@@ -1,7 +1,6 @@
 // Importing a foreign file of many cases with vexdata, as a whole process, compared with other
-// programs that read the same file, where they are installed: R's foreign (to a binary matrix;
-// .sav) and readstat (to csv). The floor reads the file's bytes and writes as many as the result
-// has.
+// programs that read the same file, where they are installed: packages of R (to a binary matrix)
+// and readstat (to csv). The floor reads the file's bytes and writes as many as the result has.
 //
 //   bench_import FILE... [--vexdata PROGRAM] [--folder FOLDER] [--runs N]
 #include <cstdio>
@@ -25,16 +24,31 @@ struct Options {
   int runs = 3;
 };
 
+// Packages of R, with what each makes a data frame by.
+struct Peer {
+  const char* extension;
+  const char* name;
+  const char* reading;
+};
+constexpr Peer kPeers[] = {
+    {".sav", "R foreign", "foreign::read.spss(commandArgs(TRUE)[1], use.value.labels = FALSE)"},
+    {".sav", "R haven", "haven::zap_labels(haven::read_sav(commandArgs(TRUE)[1]))"},
+    {".dta", "R haven", "haven::zap_labels(haven::read_dta(commandArgs(TRUE)[1]))"},
+    {".sas7bdat", "R haven", "haven::read_sas(commandArgs(TRUE)[1])"},
+    {".dbf", "R foreign", "foreign::read.dbf(commandArgs(TRUE)[1], as.is = TRUE)"},
+    {".xls", "R readxl", "readxl::read_xls(commandArgs(TRUE)[1], guess_max = 100)"},
+    {".xlsx", "R readxl", "readxl::read_xlsx(commandArgs(TRUE)[1], guess_max = 100)"},
+};
+constexpr const char* kToMatrix =
+    "con <- file(commandArgs(TRUE)[2], 'wb'); n <- nrow(d);"
+    "for (s in seq.int(1L, n, by = 100000L)) { e <- min(n, s + 99999L);"
+    "m <- vapply(d, function(x) as.double(x[s:e]), numeric(e - s + 1L)); "
+    "writeBin(as.vector(t(m)), con) };"
+    "close(con)";
+
 int Run(const Options& options) {
   const std::string target = options.folder + "/bench_import.VSF";
   const std::string other = options.folder + "/bench_import.out";
-  const std::string toMatrix =
-      "d <- as.data.frame(foreign::read.spss(commandArgs(TRUE)[1], use.value.labels = FALSE));"
-      "con <- file(commandArgs(TRUE)[2], 'wb'); n <- nrow(d);"
-      "for (s in seq.int(1L, n, by = 100000L)) { e <- min(n, s + 99999L);"
-      "m <- vapply(d, function(x) as.double(x[s:e]), numeric(e - s + 1L)); "
-      "writeBin(as.vector(t(m)), con) };"
-      "close(con)";
   const auto start = Time({options.vexdata, "--version"});
   if (!start) throw std::runtime_error("cannot run " + options.vexdata);
   std::printf("vexdata's own start: %.3f s, peak %.1f MiB\n", start->seconds, start->memory);
@@ -47,9 +61,12 @@ int Run(const Options& options) {
                 static_cast<double>(std::filesystem::file_size(file)) / 1e6,
                 static_cast<double>(std::filesystem::file_size(target)) / 1e6, floor);
     Print("vexdata import", ours, floor);
-    if (file.ends_with(".sav")) {
-      Print("R foreign to binary matrix",
-            MedianOf(options.runs, {"Rscript", "-e", toMatrix, file, other}, other), floor);
+    for (const Peer& peer : kPeers) {
+      if (!file.ends_with(peer.extension)) continue;
+      const std::string script =
+          std::string("d <- as.data.frame(") + peer.reading + ");" + kToMatrix;
+      Print(peer.name, MedianOf(options.runs, {"Rscript", "-e", script, file, other}, other),
+            floor);
     }
     const std::string csv = other + ".csv";
     Print("readstat to csv", MedianOf(1, {"readstat", file, csv}, csv), floor);

@@ -80,12 +80,30 @@ void CDataPort::TellOfKeptPart() {
 }
 
 bool CDataPort::OpenInFile(const string& name, int type, STUtils::CStatTransfer<char>& transfer) {
-  const string table = asksForTable_ && table_.empty() ? AskForTable(name, type) : table_;
+  if (sourceChooser_ && !ChooseSource(name, type)) {
+    stopped_ = true;
+    return false;
+  }
+  const bool asks = asksForTable_ && !sourceChooser_ && table_.empty();
+  const string table = asks ? AskForTable(name, type) : table_;
   asksForTable_ = false;
   ST_SetInputTable(transfer.Environment(), table.c_str());
   ST_SetInputEncoding(transfer.Environment(), encoding_.c_str());
+  ST_SetDatabasePassword(transfer.Environment(), password_.c_str());
   return basic_data_import_t::OpenInFile(name, type, transfer) &&
          SelectVariables(transfer.variables);
+}
+
+bool CDataPort::ChooseSource(const string& name, int type) {
+  CSourceChoice choice(name, type);
+  if (!choice.AsksForAnything()) return true;
+  progress_.reset();  // the user's time is none of the import's
+  const bool chosen = sourceChooser_(choice);
+  progress_ = Host().StartProgress("Importing " + name);
+  table_ = choice.TableName();
+  encoding_ = choice.EncodingName();
+  password_ = choice.password;
+  return chosen;
 }
 
 // Goes through the tables of the file until one is wanted; empty when there is nothing to choose or

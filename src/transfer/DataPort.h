@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "transfer/DataImport.h"
+#include "transfer/SourceChoice.h"
 #include "transfer/TextConfirmation.h"
 #include "vexutils/SideFile.h"
 
@@ -42,6 +43,12 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   void SetTable(string table) { table_ = std::move(table); }
   // The encoding of a file that does not name its own ("CP850"); empty, as at first: guessed.
   void SetEncoding(string encoding) { encoding_ = std::move(encoding); }
+  // Asks what a file leaves open (its table, its encoding, a password); false when the user gave
+  // up. Without it nothing is asked but the table, where a dialog chose the file.
+  using SourceChooser = std::function<bool(CSourceChoice&)>;
+  void SetSourceChooser(SourceChooser chooser) { sourceChooser_ = std::move(chooser); }
+  // The password of the database that a connection file leads to.
+  void SetPassword(string password) { password_ = std::move(password); }
   // What the last import had to leave behind, one sentence a fact; empty when nothing.
   const std::vector<string>& Notes() const { return notes_; }
 
@@ -87,6 +94,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   bool CanUpdateStatusInfo(std::int64_t last) const;
   void ResetStatusInfo() const;
   void WriteStatusInfo(const string& text) const;
+  bool ChooseSource(const string& name, int type);
   string AskForTable(const string& name, int type);
   bool SelectVariables(variables_t& variables);
   bool WriteVSFVariable(ofstream& stream, const STUtils::variable_info_t& variable,
@@ -106,6 +114,8 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   std::vector<string> selection_;
   string table_;
   string encoding_;
+  string password_;
+  SourceChooser sourceChooser_;
   bool asksForTable_ = false;  // a dialog chose the file
 
   std::unique_ptr<CProgress> progress_;

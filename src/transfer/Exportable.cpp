@@ -123,6 +123,18 @@ bool basic_exportable_t<CharT, CountT>::WriteToStandardOutput(int type, CharT de
   return false;
 }
 
+// The file stays as it is: what is written goes into the database, whole or not at all.
+template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::ExportToDatabase(const string& name,
+                                                         CStatTransfer<CharT>& transfer) {
+  bool written = OpenExportFile(name, transfer.type, transfer) && WriteStatRecords(transfer);
+  written = written && ST_CloseFiles(transfer.Environment()) == 0;
+  if (!written && !stopped_) ReportError(transfer.ErrorText());
+  transfer.variables.clear();
+  transfer.Close();
+  return written;
+}
+
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::OpenExportFile(const string& name, int type,
                                                        CharT delimiter,
@@ -212,6 +224,7 @@ bool basic_exportable_t<CharT, CountT>::ExportStatData(const string& name, int t
     ReportError(transfer.ErrorText());
     return false;
   }
+  if (ST_LeadsToDatabase(name.c_str())) return ExportToDatabase(name, transfer);
   CSideFile side;
   if (!side.Create(name)) {
     ReportError(name + ": " + side.ErrorText());

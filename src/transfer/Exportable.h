@@ -45,6 +45,7 @@ class basic_exportable_t {
   virtual bool OpenExportFile(const string& name, int type, CharT delimiter,
                               basic_text_export_t<CharT>& target);
   virtual bool OpenExportFile(const string& name, int type, CStatTransfer<CharT>& transfer);
+  bool ExportToDatabase(const string& name, CStatTransfer<CharT>& transfer);
   virtual bool WriteStatFileDataRecord(CStatTransfer<CharT>& transfer, CountT record,
                                        values_t& values);
   virtual bool GetAppDataHeader(variables_t& variables) = 0;

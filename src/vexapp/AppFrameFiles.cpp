@@ -22,6 +22,7 @@
 #include "transfer/FileContent.h"
 #include "transfer/FileTypes.h"
 #include "transfer/dialogs/ImportTextDataDlg.h"
+#include "transfer/dialogs/SourceChoiceDlg.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/DataWindow.h"
 #include "vexapp/Display.h"
@@ -169,6 +170,10 @@ bool CAppFrame::ImportPath(const QString& path) {
   port.SetKeepLabels(menus_->Action(commands::kFileKeepLabels)->isChecked());
   port.SetTextConfirmer([this](CTextConfirmation& confirmation) {
     CdlgImportTextData dialog(confirmation, this);
+    return app_.RunDialog(dialog) == QDialog::Accepted;
+  });
+  port.SetSourceChooser([this](CSourceChoice& choice) {
+    CSourceChoiceDlg dialog(choice, this);
     return app_.RunDialog(dialog) == QDialog::Accepted;
   });
   std::string name = PathBytes(path.isEmpty() ? path : QFileInfo(path).absoluteFilePath());

@@ -1,6 +1,7 @@
 // Draws the program's windows into PNG files, for looking at them and for the documentation.
 //   window_pictures FOLDER [FILE...]
 // QT_SCALE_FACTOR=2 draws them for a fine screen.
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -16,8 +17,10 @@
 #include "support/OffscreenApplication.h"
 #include "syntax/dialogs/DataOutDlg.h"
 #include "transfer/FileTypes.h"
+#include "transfer/SourceChoice.h"
 #include "transfer/TextScan.h"
 #include "transfer/dialogs/ImportTextDataDlg.h"
+#include "transfer/dialogs/SourceChoiceDlg.h"
 #include "vexapp/AboutDlg.h"
 #include "vexapp/AppFrame.h"
 #include "vexapp/Appearance.h"
@@ -152,6 +155,28 @@ void PictureOfTextImport(CAppFrame& frame, const QString& look) {
   dialog.close();
 }
 
+// A table of dBASE that does not name its encoding.
+void PictureOfSourceChoice(CAppFrame& frame, const QString& look) {
+  constexpr int kDbf = 6;
+  QTemporaryDir folder;
+  const QString name = folder.filePath("towns.dbf");
+  QByteArray bytes(65, '\0');
+  bytes[0] = 3, bytes[1] = 100, bytes[2] = 1, bytes[3] = 1, bytes[4] = 3;
+  bytes[8] = 65, bytes[10] = 11;
+  bytes.replace(32, 4, "TOWN");
+  bytes[43] = 'C', bytes[48] = 10, bytes[64] = '\r';
+  QFile file(name);
+  if (!file.open(QIODevice::WriteOnly)) return;
+  file.write(bytes + " K\x94ln       M\x81nchen    Z\x81rich    ");
+  file.close();
+  CSourceChoice choice(name.toStdString(), kDbf);
+  CSourceChoiceDlg dialog(choice, &frame);
+  Draw(dialog, "sourcechoice-" + look);
+  dialog.findChild<QComboBox*>("encodingBox")->setCurrentIndex(4);
+  Draw(dialog, "sourcechoice-850-" + look);
+  dialog.close();
+}
+
 void PictureOfData(CAppFrame& frame, const QString& look) {
   CDataViewTbl& table = frame.CurrentWindow()->Table();
   frame.resize(1100, 700);
@@ -202,6 +227,7 @@ int main(int argc, char** argv) {
     PictureOfEngine(frame, name);
     PictureOfTexts(frame, name, files.last());
     PictureOfTextImport(frame, name);
+    PictureOfSourceChoice(frame, name);
   }
   ChooseAppearance(Appearance::Light);
   PictureOfMenus(frame);
