@@ -69,6 +69,35 @@ TEST(Report, ShowsNumbersWithoutSurprises) {
   EXPECT_EQ(CReport::Probability(0.0006), "0.001");
 }
 
+// Two digits of the standard error at least; decimals that were asked for stay.
+TEST(Report, ShowsEstimatesAsFarAsTheyAreKnown) {
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  struct {
+    double value, error;
+    const char* want;
+    const char* fixed;
+  } const cases[] = {
+      {2.5, 0.5, "2.500", "2.500"},
+      {-0.0317, 0.00903, "-0.0317", "-0.032"},
+      {0.0000692, 0.0000564, "0.000069", "0.000"},
+      {0.0000564, 0.0000564, "0.000056", "0.000"},
+      {890420.4, 12000, "890420.400", "890420.400"},
+      {3e-12, 2e-13, "3e-12", "0.000"},
+      {-3, 2e-16, "-3.000", "-3.000"},
+      {0, 2e-16, "0.000", "0.000"},
+      {1.5, 0, "1.500", "1.500"},
+      {1.5, kInfinite, "1.500", "1.500"},
+  };
+  CReport report;
+  for (const auto& c : cases) {
+    report.SetNumbers({0, 3, false});
+    EXPECT_EQ(report.Estimate(c.value, c.error), c.want);
+    report.SetNumbers({0, 3, true});
+    EXPECT_EQ(report.Estimate(c.value, c.error), c.fixed);
+  }
+  EXPECT_EQ(CReport::Digits(-4.80991515e-18), "-4.81e-18");
+}
+
 TEST(Report, RepeatsEachWarningOnceAtTheEnd) {
   CReport report;
   report.Warning("careful");

@@ -18,8 +18,8 @@ void AddRow(const CReport& report, TABLE& table, const CString& name, double est
     return;
   }
   const double z = estimate / error;
-  table.rows.push_back({name, report.Number(estimate), report.Number(error), report.Number(z),
-                        CReport::Probability(stats::NormalTwoSided(z))});
+  table.rows.push_back({name, report.Estimate(estimate, error), report.Estimate(error, error),
+                        report.Number(z), CReport::Probability(stats::NormalTwoSided(z))});
 }
 
 void WriteCategories(ENGINERUN& run, const CRegressionData& data,
@@ -73,9 +73,11 @@ void WriteOddsRatios(ENGINERUN& run, const CRegressionData& data,
   table.columns = {{"Variable", true}, {"Odds ratio", false}, {"95% from", false}, {"to", false}};
   for (std::size_t j = 0; j < result.slope.size(); ++j) {
     const double reach = k95 * result.slopeError[j];
-    table.rows.push_back({data.Name(j), report.Number(std::exp(result.slope[j])),
-                          report.Number(std::exp(result.slope[j] - reach)),
-                          report.Number(std::exp(result.slope[j] + reach))});
+    const double ratio = std::exp(result.slope[j]);
+    const double error = ratio * result.slopeError[j];
+    table.rows.push_back({data.Name(j), report.Estimate(ratio, error),
+                          report.Estimate(std::exp(result.slope[j] - reach), error),
+                          report.Estimate(std::exp(result.slope[j] + reach), error)});
   }
   report.Subsection("Odds ratios of a higher category for one unit of x");
   report.Table(table);

@@ -33,9 +33,10 @@ void WriteCoefficients(ENGINERUN& run, const CRegressionData& data,
     table.columns.push_back({"VIF", false});
   }
   for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
+    const double error = result.standardError[i];
     std::vector<CString> row = {i == 0 ? "(Intercept)" : data.Name(i - 1),
-                                report.Number(result.coefficient[i]),
-                                report.Number(result.standardError[i]), report.Number(result.t[i]),
+                                report.Estimate(result.coefficient[i], error),
+                                report.Estimate(error, error), report.Number(result.t[i]),
                                 CReport::Probability(result.p[i])};
     if (oneStage && i > 0) {
       row.push_back(report.Number(result.standardised[i - 1]));
@@ -66,7 +67,7 @@ void WriteFit(ENGINERUN& run, const stats::LeastSquaresResult& result) {
   facts.Add("n", CReport::Count(result.n));
   facts.Add("R-square", report.Number(result.rSquare));
   facts.Add("Adjusted R-square", report.Number(result.adjustedRSquare));
-  facts.Add("Residual standard deviation", report.Number(result.residualSd));
+  facts.Add("Residual standard deviation", report.Estimate(result.residualSd, result.residualSd));
   facts.Add("Residual degrees of freedom", CReport::Count(result.df2));
   facts.Write(report);
 }
@@ -78,17 +79,25 @@ void WriteVariance(ENGINERUN& run, const stats::LeastSquaresResult& result) {
                    {"df", false},    {"Mean square", false},
                    {"F", false},     {"p", false}};
   const auto row = [&report](const char* name, double squares, double df) {
-    return std::vector<CString>{name, report.Number(squares), CReport::Count(df),
-                                report.Number(squares / df)};
+    return std::vector<CString>{name, report.Estimate(squares, squares), CReport::Count(df),
+                                report.Estimate(squares / df, squares / df)};
   };
   table.rows.push_back(row("Regression", result.regressionSquares, result.df1));
   table.rows.back().push_back(report.Number(result.f));
   table.rows.back().push_back(CReport::Probability(result.pF));
   table.rows.push_back(row("Residual", result.residualSquares, result.df2));
-  table.rows.push_back(
-      {"Total", report.Number(result.totalSquares), CReport::Count(result.df1 + result.df2)});
+  table.rows.push_back({"Total", report.Estimate(result.totalSquares, result.totalSquares),
+                        CReport::Count(result.df1 + result.df2)});
   report.Subsection("Analysis of variance");
   report.Table(table);
+}
+
+void WarnOfPerfectFit(ENGINERUN& run, const CRegressionData& data,
+                      const stats::LeastSquaresResult& result) {
+  constexpr double kRounding = 1e-24;
+  if (result.residualSquares > kRounding * result.totalSquares) return;
+  run.report.Warning("The x variables predict " + data.YName() +
+                     " up to rounding: standard errors, t, F and p mean nothing here.");
 }
 
 // x first; then the instruments that are none of them. The places of the instruments go to `z`.
@@ -185,6 +194,7 @@ bool RunRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
     WriteCoefficients(run, data, result, true);
     WriteVariance(run, result);
     TellEstimates(run, data, title, result);
+    WarnOfPerfectFit(run, data, result);
     data.WarnOfCollinearity(result.smallestPivot);
   }
   return true;
@@ -229,6 +239,7 @@ bool RunTwoStageRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "variance has the divisor n - number of coefficients.");
     WriteFirstStages(run, data, result);
     TellEstimates(run, data, title, result);
+    WarnOfPerfectFit(run, data, result);
     data.WarnOfCollinearity(result.smallestPivot);
   }
   return true;

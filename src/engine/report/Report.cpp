@@ -142,6 +142,21 @@ CString CReport::Number(double value, int decimals) {
   return text;
 }
 
+CString CReport::Estimate(double value, double error) const {
+  constexpr int kMostDecimals = 9;
+  const double size = std::abs(error);
+  if (format_.fixed || !(size > 0) || !std::isfinite(size)) return Number(value);
+  const auto wanted = static_cast<int>(1 - std::floor(std::log10(size)));
+  if (wanted <= kMostDecimals) return Number(value, std::max(wanted, format_.decimals));
+  return std::abs(value) < 1 && value != 0 ? Digits(value) : Number(value);
+}
+
+CString CReport::Digits(double value) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%.3g", value);
+  return text;
+}
+
 CString CReport::Count(double value) {
   constexpr int kDecimals = 2;
   return Number(value, value == std::floor(value) ? 0 : kDecimals);

@@ -9,8 +9,9 @@
 
 // How the numbers of an output are shown.
 struct NUMBERFORMAT {
-  int width = 0;     // columns of numbers are at least this wide
-  int decimals = 3;  // of statistics and matrices
+  int width = 0;       // columns of numbers are at least this wide
+  int decimals = 3;    // of statistics and matrices
+  bool fixed = false;  // estimates have these decimals, too
 };
 
 // Collects the text; the caller writes it where it belongs. Not thread-safe.
@@ -46,6 +47,11 @@ class CReport {
   // too many digits for that.
   CString Number(double value) const { return Number(value, format_.decimals); }
   static CString Number(double value, int decimals);
+  // An estimate or its standard error, with so many decimals more that two digits of the error are
+  // shown; where the decimals are fixed, with those.
+  CString Estimate(double value, double error) const;
+  // Three digits, wherever they stand.
+  static CString Digits(double value);
   // A sum of weights: whole ones without decimals.
   static CString Count(double value);
   // A probability, "<0.001" where it would show as zero.

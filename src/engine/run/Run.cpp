@@ -92,7 +92,7 @@ class CRun {
     report_.SetPage(job_.output.Columns());
     if (job_.output.fieldsGiven) {
       report_.SetNumbers(
-          {static_cast<int>(job_.output.width), static_cast<int>(job_.output.decimals)});
+          {static_cast<int>(job_.output.width), static_cast<int>(job_.output.decimals), true});
     }
     if (!parsed || !CheckProcedures(fault) || !OpenOutputs(fault)) return false;
     Heading();
