@@ -8,6 +8,7 @@
 #include "engine/screen/AnalysisMoments.h"
 #include "engine/screen/CasesSections.h"
 #include "engine/stats/FactorAnalysis.h"
+#include "engine/stats/Moments.h"
 #include "engine/stats/Rotation.h"
 #include "host/Numbers.h"
 
@@ -72,14 +73,15 @@ class CFactorAnalysis {
     while (most + 1 < p && stats::FactorDegreesOfFreedom(static_cast<int>(p), most + 1) >= 0) {
       ++most;
     }
-    fault = ProcedureFault(procedure_,
-                           std::to_string(factors_) + " factors of " + std::to_string(p) +
-                               " variables have fewer than 0 degrees of freedom" +
-                               (chosen ? CString() : " (so many eigenvalues are above 1)"),
-                           most > 0 ? "Ask for at most " + std::to_string(most) +
-                                          " factors (NF), or use more "
-                                          "variables."
-                                    : CString("Use at least three variables."));
+    fault =
+        ProcedureFault(procedure_,
+                       CountText(factors_, "factor") + " of " + CountText(p, "variable") +
+                           (factors_ == 1 ? " has" : " have") + " fewer than 0 degrees of freedom" +
+                           (chosen ? CString() : " (as many eigenvalues are above 1)"),
+                       most > 0 ? "Ask for at most " + std::to_string(most) +
+                                      " factors (NF), or use more "
+                                      "variables."
+                                : CString("Use at least three variables."));
     return false;
   }
 
@@ -132,7 +134,7 @@ class CFactorAnalysis {
       fault = ProcedureFault(
           procedure_,
           "the correlation matrix is not positive definite (smallest eigenvalue " +
-              FormatShortest(smallest) + "), so that there is no likelihood",
+              CReport::Digits(smallest) + "), so that there is no likelihood",
           "Use MINRES (MR), leave out variables that are sums of others, or use listwise "
           "deletion.");
     } else {
@@ -155,16 +157,23 @@ class CFactorAnalysis {
       table.rows.push_back({what, report_.Number(value), CReport::Count(df),
                             df > 0 ? CReport::Probability(p) : "."});
     };
-    addTest("Chi-square, (n - 1) F", fit.chiSquare, fit.df, fit.p);
-    addTest("Chi-square, Bartlett's factor", fit.bartlett, fit.df, fit.pBartlett);
-    if (fit.df > 0) {
+    if (fit.likelihood) {
+      addTest("Chi-square, (n - 1) F", fit.chiSquare, fit.df, fit.p);
+      addTest("Chi-square, Bartlett's factor", fit.bartlett, fit.df, fit.pBartlett);
+    }
+    if (fit.likelihood && fit.df > 0) {
       add("RMSEA", fit.rmsea);
       add("Tucker-Lewis index", fit.tuckerLewis);
     }
     add("Root mean square residual", fit.rootMeanSquareResidual);
     report_.Subsection("Fit");
     report_.Table(table);
-    if (!variables_.ordinal.empty()) {
+    if (!fit.likelihood) {
+      report_.Gap();
+      report_.Paragraph(
+          "The correlation matrix is not positive definite: there is no likelihood, and so no test "
+          "of fit.");
+    } else if (!variables_.ordinal.empty()) {
       report_.Gap();
       report_.Paragraph(
           "The tests suppose a sample covariance matrix of normal variables; for polychoric and "
@@ -182,8 +191,9 @@ class CFactorAnalysis {
     constexpr double kNearlySingular = 1e-6;
     const double smallest = components_.eigenvalues(components_.eigenvalues.size() - 1);
     if (smallest < kNearlySingular) {
-      report_.Warning("The correlation matrix is nearly singular: its smallest eigenvalue is " +
-                      FormatShortest(smallest) + ".");
+      report_.Warning(CString("The correlation matrix is ") +
+                      (smallest < 0 ? "not positive definite" : "nearly singular") +
+                      ": its smallest eigenvalue is " + CReport::Digits(smallest) + ".");
     }
   }
 
@@ -256,7 +266,7 @@ class CFactorAnalysis {
       report_.Warning("FS: the scores are not saved. Add RA=file to the output line.");
       return;
     }
-    if (components_.eigenvalues(components_.eigenvalues.size() - 1) <= 0) {
+    if (stats::CheckPositiveDefinite(moments_.matrix).status != stats::EStatus::Ok) {
       report_.Warning("FS: there are no scores, because the matrix is not positive definite.");
       return;
     }

@@ -34,11 +34,10 @@ bool RunPrincipalComponents(ENGINERUN& run, const PROCEDURE& procedure, FAULT& f
   if (!FindScreenVariables(run, variables, warnings, fault)) return false;
   const auto p = static_cast<std::int64_t>(variables.all.size());
   if (pc.components > p) {
-    fault =
-        ProcedureFault(procedure,
-                       std::to_string(pc.components) + " components are asked for, and there " +
-                           (p == 1 ? "is 1 variable" : "are " + std::to_string(p) + " variables"),
-                       "Ask for no more components than variables (NC).");
+    fault = ProcedureFault(procedure,
+                           CountText(pc.components, "component") + " are asked for, and there " +
+                               (p == 1 ? "is " : "are ") + CountText(p, "variable"),
+                           "Ask for no more components than variables (NC).");
     return false;
   }
   ANALYSISMOMENTS moments;
@@ -60,7 +59,7 @@ bool RunPrincipalComponents(ENGINERUN& run, const PROCEDURE& procedure, FAULT& f
   }
   if (!(result.eigenvalues(p - 1) > 0)) {
     report.Warning("The matrix is not positive definite: its smallest eigenvalue is " +
-                   report.Number(result.eigenvalues(p - 1)) + ".");
+                   CReport::Digits(result.eigenvalues(p - 1)) + ".");
   }
   report.Line("  n = " + CReport::Count(moments.smallestN));
   WriteEigenvalues(run, result.eigenvalues, {});

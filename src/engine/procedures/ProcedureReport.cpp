@@ -8,6 +8,10 @@ FAULT ProcedureFault(const PROCEDURE& procedure, CString cause, CString remedy) 
           std::move(remedy)};
 }
 
+CString CountText(double count, const CString& what) {
+  return CReport::Count(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
 CString NameList(const TORVIKSTRUCT& data, const VARIABLELIST& variables) {
   CString names;
   for (std::size_t i = 0; i < variables.size(); ++i) {

@@ -11,6 +11,9 @@
 
 FAULT ProcedureFault(const PROCEDURE& procedure, CString cause, CString remedy);
 
+// "1 factor", "2 factors"
+CString CountText(double count, const CString& what);
+
 // "x1, x2 and x3"
 CString NameList(const TORVIKSTRUCT& data, const VARIABLELIST& variables);
 

@@ -15,7 +15,8 @@ struct STANDARDISED {
   std::vector<double> values, scores;  // of the categories of an ordinal variable
 
   double operator()(double value) const {
-    if (values.empty()) return (value - mean) / deviation;
+    // A constant variable adds nothing, and a missing value of it still leaves the case out.
+    if (values.empty()) return (value - mean) / (deviation > 0 ? deviation : 1);
     const auto at = std::lower_bound(values.begin(), values.end(), value);
     return at != values.end() && *at == value
                ? scores[static_cast<std::size_t>(at - values.begin())]

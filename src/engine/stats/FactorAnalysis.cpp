@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <vector>
 
 #include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
@@ -218,10 +220,19 @@ class CBoundedNewton {
   const VectorXd& high_;
 };
 
-void PutSigns(MatrixXd& loadings) {
+// Columns by descending squares, each with a sum of 0 or more.
+MatrixXd InOrder(const MatrixXd& loadings) {
+  std::vector<Index> order(static_cast<std::size_t>(loadings.cols()));
+  std::iota(order.begin(), order.end(), Index{0});
+  std::stable_sort(order.begin(), order.end(), [&loadings](Index i, Index j) {
+    return loadings.col(i).squaredNorm() > loadings.col(j).squaredNorm();
+  });
+  MatrixXd ordered(loadings.rows(), loadings.cols());
   for (Index j = 0; j < loadings.cols(); ++j) {
-    if (loadings.col(j).sum() < 0) loadings.col(j) = -loadings.col(j);
+    const auto column = loadings.col(order[static_cast<std::size_t>(j)]);
+    ordered.col(j) = (column.sum() < 0 ? -1.0 : 1.0) * column;
   }
+  return ordered;
 }
 
 double LogDeterminant(const Eigen::LLT<MatrixXd>& factor) {
@@ -237,11 +248,12 @@ void ComputeFit(const MatrixXd& correlation, double n, int k, FactorResult& resu
     for (Index j = 0; j < i; ++j) squares += result.residual(i, j) * result.residual(i, j);
   }
   fit.rootMeanSquareResidual = std::sqrt(squares / (p * (p - 1) / 2));
-  const Eigen::LLT<MatrixXd> observed(correlation);
-  if (observed.info() != Eigen::Success) return;  // no likelihood
   const MatrixXd implied = correlation - result.residual;
+  fit.likelihood = CheckPositiveDefinite(correlation).status == EStatus::Ok &&
+                   CheckPositiveDefinite(implied).status == EStatus::Ok;
+  if (!fit.likelihood) return;
+  const Eigen::LLT<MatrixXd> observed(correlation);
   const Eigen::LLT<MatrixXd> model(implied);
-  if (model.info() != Eigen::Success) return;
   fit.discrepancy =
       LogDeterminant(model) - LogDeterminant(observed) + model.solve(correlation).trace() - p;
   fit.chiSquare = (n - 1) * fit.discrepancy;
@@ -304,8 +316,7 @@ FactorResult EstimateFactors(const MatrixXd& correlation, double n, int factors,
   objective.Evaluate(x);
   result.uniqueness = objective.Uniqueness(x);
   result.heywood = (x.array() <= low.array()).cast<int>();
-  result.loadings = objective.Loadings();
-  PutSigns(result.loadings);
+  result.loadings = InOrder(objective.Loadings());
   result.residual = correlation - result.loadings * result.loadings.transpose() -
                     MatrixXd(result.uniqueness.asDiagonal());
   ComputeFit(correlation, n, factors, result);

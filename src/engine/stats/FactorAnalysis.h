@@ -22,17 +22,19 @@ enum class EFactorMethod {
 // Fit of a model with `df` degrees of freedom; chi-square (n - 1) F, and with Bartlett's factor n -
 // 1 - (2 p + 5) / 6 - 2 k / 3 (M. S. Bartlett, British Journal of Psychology, Statistical Section
 // 3, 1950, 77-85). For MINRES F is the likelihood's discrepancy at its estimates. The baseline has
-// no factors.
+// no factors. A matrix that is not positive definite has no likelihood, and then only df and the
+// residuals are known.
 struct FactorFit {
-  double discrepancy = 0;
   double df = 0;
+  double rootMeanSquareResidual = 0;  // off the diagonal
+  bool likelihood = false;
+  double discrepancy = 0;
   double chiSquare = 0, p = 1;
   double bartlett = 0, pBartlett = 1;
   double baseline = 0, dfBaseline = 0;  // (n - 1) F of the baseline
   double rmsea = 0;                     // sqrt(max(0, (chiSquare - df) / (df (n - 1))))
   double tuckerLewis = 0;  // L. R. Tucker and C. Lewis, Psychometrika 38, 1973, 1-10; Bartlett's
                            // factors: that of the baseline has k = 0
-  double rootMeanSquareResidual = 0;  // off the diagonal
 };
 
 // Status: BadArgument (no factor, or not fewer factors than variables), TooFewCases (negative df:

@@ -167,6 +167,24 @@ TEST(FactorAnalysis, ReportsHeywoodCasesAndImpossibleOnes) {
   EXPECT_EQ(stats::EstimateFactors(r, 100, 4, ml).status, EStatus::BadArgument);
   r(0, 1) = r(1, 0) = 1;
   EXPECT_EQ(stats::EstimateFactors(r, 100, 1, ml).status, EStatus::NotPositiveDefinite);
+  // MINRES can do with such a matrix, but has no likelihood to test it by.
+  const auto minres = stats::EstimateFactors(r, 100, 1, EFactorMethod::Minres);
+  ASSERT_EQ(minres.status, EStatus::Ok);
+  EXPECT_FALSE(minres.fit.likelihood);
+  EXPECT_GT(minres.fit.rootMeanSquareResidual, 0);
+}
+
+// The eigenvalues that maximum likelihood goes by are weighted: the largest need not have the
+// largest squares.
+TEST(FactorAnalysis, PutsTheColumnsInTheOrderOfTheirSquares) {
+  const oracle::Data data =
+      oracle::ReadCsv("mtcars.csv").Select({"mpg", "wt", "hp", "cyl", "am", "qsec"});
+  const auto result =
+      stats::EstimateFactors(Correlations(data), 32, 2, EFactorMethod::MaximumLikelihood);
+  ASSERT_EQ(result.status, EStatus::Ok);
+  // R 4.2.2, factanal without rotation
+  EXPECT_NEAR(result.loadings.col(0).squaredNorm(), 2.970, 5e-4);
+  EXPECT_NEAR(result.loadings.col(1).squaredNorm(), 2.242, 5e-4);
 }
 
 TEST(Components, AgreeWithTheReference) {
