@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <numeric>
 
 #include "engine/procedures/ProcedureReport.h"
 #include "engine/screen/CasesSections.h"
@@ -56,17 +57,19 @@ bool ReadValues(ENGINERUN& run, std::int32_t variable, SCORES& scores, FAULT& fa
 }
 
 void AddRows(const CReport& report, const CString& name, const SCORES& scores, TABLE& table) {
-  const auto describe = [&scores](const std::vector<double>& values) {
-    return stats::DescribeColumn(values.data(), static_cast<std::int64_t>(values.size()),
-                                 scores.frequencies.data());
+  const double n = std::accumulate(scores.frequencies.begin(), scores.frequencies.end(), 0.0);
+  const auto add = [&](const CString& what, const std::vector<double>& values) {
+    const auto one = stats::DescribeColumn(values.data(), static_cast<std::int64_t>(values.size()),
+                                           scores.frequencies.data());
+    // Values whose squares are no doubles have no moments.
+    const auto number = [&](double moment) {
+      return one.status == stats::EStatus::Ok ? report.Number(moment) : CString(".");
+    };
+    table.rows.push_back({what, CReport::Count(n), std::to_string(scores.values.size()),
+                          number(one.mean), number(one.sd), number(one.g1), number(one.g2)});
   };
-  const auto add = [&](const CString& what, const stats::UnivariateResult& one) {
-    table.rows.push_back({what, CReport::Count(one.n), std::to_string(scores.values.size()),
-                          report.Number(one.mean), report.Number(one.sd), report.Number(one.g1),
-                          report.Number(one.g2)});
-  };
-  add(name + ", values", describe(scores.values));
-  add(name + ", scores", describe(scores.scores));
+  add(name + ", values", scores.values);
+  add(name + ", scores", scores.scores);
 }
 
 }  // namespace
@@ -83,6 +86,7 @@ bool RunNormalScores(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
                            "Name fewer variables in one run.");
     return false;
   }
+  CASECOUNTS cases;
   auto all = std::make_shared<std::vector<SCORES>>();
   TABLE table;
   table.columns = {{"Variable", true},  {"n", false},        {"Distinct", false}, {"Mean", false},
@@ -90,6 +94,11 @@ bool RunNormalScores(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
   for (const std::int32_t variable : ns.variables) {
     SCORES scores;
     if (!ReadValues(run, variable, scores, fault)) return false;
+    const std::int64_t infinite = cases.infinite;
+    cases = run.source.Counts();
+    cases.infinite += infinite;
+    fault = UnusableCasesFault(run.job, cases);
+    if (fault) return false;
     const auto result = stats::ComputeNormalScores(scores.values, scores.frequencies);
     if (result.status != stats::EStatus::Ok) {
       fault = ProcedureFault(procedure,
@@ -102,7 +111,7 @@ bool RunNormalScores(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
     AddRows(report, ShownName(run.job.data, variable), scores, table);
     all->push_back(std::move(scores));
   }
-  WriteDataHeading(run, ns.variables.size(), "each variable has its own cases");
+  WriteOwnCasesSection(run, ns.variables.size(), cases);
   report.Section("Normal scores");
   report.Paragraph(
       "Each value is replaced by the mean of a normal variable within the value's interval of the "

@@ -30,13 +30,18 @@ bool COrdinalTables::FindCategories(FAULT& fault) {
   }
   const CENSUS census = taker.Result();
   WriteDataHeading(run_, variables_.size(), DeletionText(true));
-  CFactTable facts;
-  facts.Add("Cases in the data file", std::to_string(run_.file.Records()));
-  facts.Add("Left out for missing values", std::to_string(run_.source.Counts().incomplete));
-  facts.Add("Cases used", std::to_string(run_.source.Counts().used));
-  facts.Write(run_.report);
-  WriteDataWarnings(run_, run_.source.Counts());
+  WriteListwiseCases(run_, run_.source.Counts());
+  if (run_.source.Counts().used == 0) {
+    fault = UnusableCasesFault(run_.job, run_.source.Counts());
+    if (!fault) {
+      fault = ProcedureFault(procedure_, "no case has values of all the variables",
+                             "Choose other variables, or change the selection of cases.");
+    }
+    return false;
+  }
   for (std::size_t j = 0; j < variables_.size(); ++j) {
+    const std::int64_t other = run_.source.Counts().otherValues[j];
+    if (other > 0) run_.report.Warning(OtherValuesText(Name(j), other));
     std::vector<double> values = columns[j].values;
     if (values.empty()) values = census.values[j].values;
     if (census.values[j].tooMany) {
@@ -44,11 +49,6 @@ bool COrdinalTables::FindCategories(FAULT& fault) {
                              "variable " + Name(j) + " has more than " +
                                  std::to_string(VALUECOUNTS::kMostValues) + " different values",
                              "Join them to categories with RC, or choose ordinal variables.");
-      return false;
-    }
-    if (values.empty()) {
-      fault = ProcedureFault(procedure_, "no case has values of all the variables",
-                             "Choose other variables, or change the selection of cases.");
       return false;
     }
     if (j == 0) values_ = values;

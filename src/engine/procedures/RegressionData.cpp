@@ -20,6 +20,7 @@ bool CRegressionData::Prepare(std::int32_t y, bool categories, FAULT& fault) {
   y_ = y;
   coded_ = categories;
   categories_ = VALUECOUNTS();
+  otherValues_ = 0;
   std::vector<CASECOLUMN> columns;
   for (const std::int32_t column : columns_) columns.push_back({column, {}});
   columns.push_back({y, {}});
@@ -51,6 +52,7 @@ bool CRegressionData::FindCategories(FAULT& fault) {
       },
       fault);
   if (!done) return false;
+  otherValues_ = run_.source.Counts().otherValues[at];
   if (categories_.tooMany) {
     fault = ProcedureFault(procedure_,
                            "variable " + YName() + " has more than " +
@@ -84,19 +86,8 @@ bool CRegressionData::Pass(const std::function<void(const stats::RegressionBlock
 
 void CRegressionData::WriteHeading(const CString& title) const {
   WriteDataHeading(run_, columns_.size() + 1, DeletionText(IsListwise(run_)));
-  const CASECOUNTS& counts = run_.source.Counts();
-  CFactTable facts;
-  facts.Add("Cases in the data file", std::to_string(run_.file.Records()));
-  if (!run_.job.selection.IsEmpty()) {
-    facts.Add("Left out by the selection", std::to_string(counts.notSelected));
-  }
-  if (run_.source.HasWeights()) {
-    facts.Add("Left out for want of a weight above zero", std::to_string(counts.withoutWeight));
-  }
-  facts.Add("Left out for missing values", std::to_string(counts.incomplete));
-  facts.Add("Cases used", std::to_string(counts.used));
-  facts.Write(run_.report);
-  WriteDataWarnings(run_, counts);
+  WriteListwiseCases(run_, run_.source.Counts());
+  if (otherValues_ > 0) run_.report.Warning(OtherValuesText(YName(), otherValues_));
   run_.report.Section(title);
 }
 
@@ -109,6 +100,7 @@ FAULT CRegressionData::FaultOf(stats::EStatus status, int variable) const {
   switch (status) {
     case stats::EStatus::NoCases:
     case stats::EStatus::ZeroWeights:
+      if (FAULT unusable = UnusableCasesFault(run_.job, run_.source.Counts())) return unusable;
       return fault("no case has values of all variables of the equation of " + YName(),
                    "Leave out variables with many missing values, or change the selection.");
     case stats::EStatus::TooFewCases:
@@ -119,6 +111,10 @@ FAULT CRegressionData::FaultOf(stats::EStatus status, int variable) const {
                          "Leave it out of the list behind ON.")
                  : fault("the y variable " + YName() + " has one value only",
                          "Choose another y variable, or change the selection of cases.");
+    case stats::EStatus::NotFinite:
+      return fault("the values of " + (isX ? "the x variable " + x : "the y variable " + YName()) +
+                       " are too large or too small: their squares cannot be computed",
+                   "Bring the variable to another unit with a line NE before this one.");
     case stats::EStatus::NotPositiveDefinite:
       return fault("the x variable " + x + " is collinear: it is a sum of x variables before it",
                    "Leave it, or one of the others, out of the list behind ON.");
@@ -139,6 +135,6 @@ void CRegressionData::WarnOfCollinearity(double smallestPivot) const {
   constexpr double kNearly = 1e-6;
   if (smallestPivot >= kNearly) return;
   run_.report.Warning("The x variables of the equation of " + YName() +
-                      " are nearly collinear: only a share of " + FormatShortest(smallestPivot) +
+                      " are nearly collinear: only a share of " + CReport::Digits(smallestPivot) +
                       " of the variance of one of them is not explained by others.");
 }

@@ -39,8 +39,8 @@ class CRegressionData {
   ENGINERUN& run_;
   const PROCEDURE& procedure_;
   VARIABLELIST columns_;
-  VARIABLELIST others_;  // the other y of the line
   std::int32_t y_ = 0;
   bool coded_ = false;
   VALUECOUNTS categories_;
+  std::int64_t otherValues_ = 0;  // cells of y that are none of its defined categories
 };

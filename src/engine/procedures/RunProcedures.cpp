@@ -6,6 +6,7 @@
 
 #include "engine/bootstrap/ProcedureSamples.h"
 #include "engine/procedures/CompletedData.h"
+#include "engine/procedures/ProcedureReport.h"
 #include "engine/screen/DataOutput.h"
 #include "engine/screen/Screening.h"
 
@@ -25,6 +26,20 @@ bool AsksForScreening(const OUTPUTLINE& output) {
          output.printVariances || !output.momentFile.empty() || !output.meansFile.empty() ||
          !output.deviationsFile.empty() || !output.covarianceFile.empty() ||
          !output.varianceFile.empty();
+}
+
+// A procedure cannot have what an SD line drops.
+bool UsesDropped(const JOB& job, FAULT& fault) {
+  for (const PROCEDURE& procedure : job.procedures) {
+    for (const std::int32_t variable : VariablesOf(procedure)) {
+      if (!job.selection.Drops(variable)) continue;
+      fault = ProcedureFault(
+          procedure, "variable " + ShownName(job.data, variable) + " is dropped by an SD line",
+          "Take it out of one of the two lines.");
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -56,6 +71,7 @@ int Stages(const std::vector<PROCEDURE>& procedures) {
 }  // namespace
 
 bool RunProcedures(ENGINERUN& run, FAULT& fault) {
+  if (UsesDropped(run.job, fault)) return false;
   const std::vector<PROCEDURE> procedures = run.job.procedures;
   run.progress.Begin(Stages(procedures));
   std::optional<CCompletedData> completed;

@@ -1,5 +1,7 @@
 #include "engine/procedures/Thresholds.h"
 
+#include <cmath>
+
 #include "engine/procedures/OrdinalTables.h"
 #include "engine/run/Estimates.h"
 #include "engine/screen/CasesSections.h"
@@ -17,7 +19,9 @@ void AddThresholds(const CReport& report, const std::vector<double>& values,
   for (std::size_t t = 0; t < thresholds.size(); ++t) {
     table.rows.push_back({CategoryText(values[t]) + " | " + CategoryText(values[t + 1]),
                           report.Number(thresholds[t]),
-                          errors.empty() ? CString() : report.Number(errors[t])});
+                          errors.empty()             ? CString()
+                          : std::isfinite(errors[t]) ? report.Number(errors[t])
+                                                     : "."});
   }
 }
 
@@ -119,27 +123,60 @@ bool RunEqualThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault
 
 namespace {
 
-// One ordinal variable on all of its cases.
-bool ReadMargin(ENGINERUN& run, const PROCEDURE& procedure, std::int32_t variable,
-                VALUECOUNTS& counts, FAULT& fault) {
-  run.source.SetColumns({{variable, DefinedCategories(run.job.data, variable)}});
-  run.source.SetListwise(true);
-  CCensusTaker taker({true}, true, run.threads);
-  if (!run.Pass(
-          run.source, [&taker](const CASEBLOCK& block) { taker.Add(block); }, fault)) {
+// Ordinal variables, each on all of its cases.
+class CMargins {
+ public:
+  CMargins(ENGINERUN& run, const PROCEDURE& procedure) : run_(run), procedure_(procedure) {}
+
+  // The next variable: its categories that have cases. False with the reason in `fault`.
+  bool Read(std::int32_t variable, VALUECOUNTS& counts, FAULT& fault) {
+    const CString name = ShownName(run_.job.data, variable);
+    run_.source.SetColumns({{variable, DefinedCategories(run_.job.data, variable)}});
+    run_.source.SetListwise(true);
+    CCensusTaker taker({true}, true, run_.threads);
+    if (!run_.Pass(
+            run_.source, [&taker](const CASEBLOCK& block) { taker.Add(block); }, fault)) {
+      return false;
+    }
+    const std::int64_t infinite = cases_.infinite;
+    cases_ = run_.source.Counts();
+    if (cases_.otherCells > 0) warnings_.push_back(OtherValuesText(name, cases_.otherCells));
+    cases_.infinite += infinite;
+    counts = taker.Result().values[0];
+    if (!counts.tooMany && counts.values.size() > 1) return true;
+    fault = UnusableCasesFault(run_.job, cases_);
+    if (!fault) fault = FaultOf(name, counts);
     return false;
   }
-  counts = taker.Result().values[0];
-  if (!counts.tooMany && counts.values.size() > 1) return true;
-  fault = ProcedureFault(
-      procedure,
-      "variable " + ShownName(run.job.data, variable) +
-          (counts.tooMany
-               ? " has more than " + std::to_string(VALUECOUNTS::kMostValues) + " different values"
-           : counts.values.empty() ? CString(" has no value in any case")
-                                   : CString(" has one category only")),
-      "Choose an ordinal variable, or make categories with RC.");
-  return false;
+
+  // The section of the data, behind the last variable.
+  void WriteData(std::size_t variables) const {
+    WriteOwnCasesSection(run_, variables, cases_);
+    for (const CString& warning : warnings_) run_.report.Warning(warning);
+  }
+
+ private:
+  FAULT FaultOf(const CString& name, const VALUECOUNTS& counts) const {
+    const CString cause =
+        counts.tooMany
+            ? " has more than " + std::to_string(VALUECOUNTS::kMostValues) + " different values"
+        : counts.values.empty() ? CString(" has no value in any case")
+                                : CString(" has one category only");
+    return ProcedureFault(procedure_, "variable " + name + cause,
+                          "Choose an ordinal variable, or make categories with RC.");
+  }
+
+  ENGINERUN& run_;
+  const PROCEDURE& procedure_;
+  CASECOUNTS cases_;
+  std::vector<CString> warnings_;
+};
+
+// The defined categories with those that have no case.
+VALUECOUNTS WithEmptyCategories(const TORVIKSTRUCT& data, std::int32_t variable,
+                                VALUECOUNTS counts) {
+  for (const double value : DefinedCategories(data, variable)) counts.Add(value, 0);
+  return counts;
 }
 
 }  // namespace
@@ -147,18 +184,22 @@ bool ReadMargin(ENGINERUN& run, const PROCEDURE& procedure, std::int32_t variabl
 bool RunMarginalThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
   CReport& report = run.report;
   const auto& mt = std::get<MARGINALTHRESHOLDS>(procedure.what);
-  WriteDataHeading(run, mt.variables.size(), "each variable has its own cases");
+  CMargins margins(run, procedure);
+  std::vector<VALUECOUNTS> all(mt.variables.size());
+  for (std::size_t j = 0; j < all.size(); ++j) {
+    if (!margins.Read(mt.variables[j], all[j], fault)) return false;
+  }
+  margins.WriteData(all.size());
   report.Section("Marginal thresholds");
   report.Paragraph(
       "Each variable's own, from all of its cases: normal quantiles of the cumulative "
       "proportions.");
-  for (const std::int32_t variable : mt.variables) {
-    VALUECOUNTS counts;
-    if (!ReadMargin(run, procedure, variable, counts, fault)) return false;
+  for (std::size_t j = 0; j < all.size(); ++j) {
+    const VALUECOUNTS& counts = all[j];
     const auto result = stats::EstimateThresholds(counts.counts);
     TABLE table = ThresholdTable(report);
     AddThresholds(report, counts.values, result.threshold, result.standardError, table);
-    const CString name = ShownName(run.job.data, variable);
+    const CString name = ShownName(run.job.data, mt.variables[j]);
     report.Subsection(name + "   (n = " + CReport::Count(result.n) + ")");
     report.Table(table);
     NoteThresholds(run, "Thresholds of " + name, counts.values, result.threshold);
@@ -181,7 +222,11 @@ bool RunFixedThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault
                            "file.");
     return false;
   }
-  if (!ReadMargin(run, procedure, variable, counts, fault)) return false;
+  CMargins margins(run, procedure);
+  if (!margins.Read(variable, counts, fault)) return false;
+  if (thresholds.size() + 1 != counts.values.size()) {
+    counts = WithEmptyCategories(run.job.data, variable, std::move(counts));
+  }
   if (thresholds.size() + 1 != counts.values.size()) {
     fault =
         ProcedureFault(procedure,
@@ -195,12 +240,15 @@ bool RunFixedThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault
     fault = ProcedureFault(
         procedure,
         "the thresholds of " + name + " cannot be fixed: " +
-            (result.status == EStatus::BadArgument ? CString("those of the file do not ascend")
-                                                   : CString(stats::StatusText(result.status))),
+            (result.status == EStatus::BadArgument ? "those of the file do not ascend"
+             : result.status == EStatus::Boundary
+                 ? "all cases lie in two neighbouring categories, so that the standard deviation "
+                   "has no estimate"
+                 : stats::StatusText(result.status)),
         "Use another file of thresholds, or join categories with RC.");
     return false;
   }
-  WriteDataHeading(run, 1, "all cases that have a value");
+  margins.WriteData(1);
   report.Section("Fixed thresholds of " + name);
   TABLE table = ThresholdTable(report);
   table.columns.back().heading = "Own threshold";

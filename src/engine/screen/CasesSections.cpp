@@ -18,14 +18,19 @@ void AddFact(TABLE& table, const CString& what, std::int64_t count) {
   table.rows.push_back({what, std::to_string(count)});
 }
 
-void WriteCaseCounts(const ENGINERUN& run, const SCREENVARIABLES& variables) {
-  const CASECOUNTS& counts = variables.counts;
+// The cases that no procedure has.
+TABLE LeftOutTable(const ENGINERUN& run, const CASECOUNTS& counts) {
   TABLE table = FactTable();
   AddFact(table, "Cases in the data file", run.file.Records());
   if (!run.job.selection.IsEmpty()) AddFact(table, "Left out by the selection", counts.notSelected);
   if (run.source.HasWeights()) {
     AddFact(table, "Left out for want of a weight above zero", counts.withoutWeight);
   }
+  return table;
+}
+
+void WriteCaseCounts(const ENGINERUN& run, const SCREENVARIABLES& variables) {
+  TABLE table = LeftOutTable(run, variables.counts);
   AddFact(table, "Complete cases", variables.census.complete);
   if (variables.IsListwise()) {
     AddFact(table, "Left out by listwise deletion",
@@ -140,6 +145,20 @@ void WriteDataWarnings(const ENGINERUN& run, const CASECOUNTS& counts) {
                        TextForDisplay(Trimmed(line.text)) + ") has no finite result for " +
                        std::to_string(count) + " cases. They get a missing value.");
   }
+}
+
+void WriteListwiseCases(const ENGINERUN& run, const CASECOUNTS& counts) {
+  TABLE table = LeftOutTable(run, counts);
+  AddFact(table, "Left out for missing values", counts.incomplete);
+  AddFact(table, "Cases used", counts.used);
+  run.report.Table(table);
+  WriteDataWarnings(run, counts);
+}
+
+void WriteOwnCasesSection(const ENGINERUN& run, std::size_t variables, const CASECOUNTS& counts) {
+  WriteDataHeading(run, variables, "each variable has its own cases");
+  run.report.Table(LeftOutTable(run, counts));
+  WriteDataWarnings(run, counts);
 }
 
 void WriteDataSection(const ENGINERUN& run, const SCREENVARIABLES& variables) {

@@ -10,5 +10,10 @@ void WriteDataHeading(const ENGINERUN& run, std::size_t variables, const char* d
 // "listwise deletion", "pairwise deletion"
 const char* DeletionText(bool listwise);
 void WriteDataWarnings(const ENGINERUN& run, const CASECOUNTS& counts);
+// What became of the cases in a pass that left out the incomplete ones, and its warnings.
+void WriteListwiseCases(const ENGINERUN& run, const CASECOUNTS& counts);
+// The section for variables that each have their own cases: without those left out for missing
+// values.
+void WriteOwnCasesSection(const ENGINERUN& run, std::size_t variables, const CASECOUNTS& counts);
 void WriteDataSection(const ENGINERUN& run, const SCREENVARIABLES& variables);
 void WriteMissingSection(const ENGINERUN& run, const SCREENVARIABLES& variables);

@@ -50,6 +50,27 @@ std::vector<double> DefinedCategories(const TORVIKSTRUCT& data, std::int32_t var
   return values;
 }
 
+FAULT UnusableCasesFault(const JOB& job, const CASECOUNTS& counts) {
+  if (counts.read == 0) {
+    return LineFault(job.header.line, "the data file has no cases", "Name a data file with cases.");
+  }
+  if (counts.notSelected == counts.read) {
+    return LineFault(job.selectionLines.front(), "no case is selected",
+                     "Change the conditions of the SC and SD lines.");
+  }
+  if (counts.notSelected + counts.withoutWeight == counts.read) {
+    return LineFault(job.header.line,
+                     "no case has a weight above zero in the weight variable of the data file",
+                     "Choose another weight variable, or none.");
+  }
+  return {};
+}
+
+CString OtherValuesText(const CString& name, std::int64_t cells) {
+  return "Variable " + name + " has " + std::to_string(cells) +
+         " cells with values that are none of its categories. They count as missing.";
+}
+
 CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable) {
   const CString name(
       Trimmed(TextForDisplay(data.variable[static_cast<std::size_t>(variable)].name)));
@@ -59,19 +80,9 @@ CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable) {
 namespace {
 
 bool NoCases(const ENGINERUN& run, const SCREENVARIABLES& variables, FAULT& fault) {
-  const CASECOUNTS& counts = variables.counts;
   const JOB& job = run.job;
-  if (counts.read == 0) {
-    fault =
-        LineFault(job.header.line, "the data file has no cases", "Name a data file with cases.");
-  } else if (counts.notSelected == counts.read) {
-    fault = LineFault(job.selectionLines.front(), "no case is selected",
-                      "Change the conditions of the SC and SD lines.");
-  } else if (counts.used == 0) {
-    fault = LineFault(job.header.line,
-                      "no case has a weight above zero in the weight variable of the data file",
-                      "Choose another weight variable, or none.");
-  } else if (variables.IsListwise() && variables.census.complete == 0) {
+  fault = UnusableCasesFault(job, variables.counts);
+  if (!fault && variables.IsListwise() && variables.census.complete == 0) {
     const bool selected = job.selectedLine.number != 0;
     fault = LineFault(selected ? job.selectedLine : job.output.line,
                       "all cases have missing values, so that listwise deletion leaves none",
@@ -91,10 +102,7 @@ void Classify(SCREENVARIABLE& variable, std::vector<CString>& warnings) {
     return;
   }
   if (variable.otherValues > 0) {
-    warnings.push_back("Variable " + variable.name + " has " +
-                       std::to_string(variable.otherValues) +
-                       " cells with values that are none of its categories. They count as "
-                       "missing.");
+    warnings.push_back(OtherValuesText(variable.name, variable.otherValues));
   }
 }
 

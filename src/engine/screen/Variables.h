@@ -45,6 +45,12 @@ bool FindScreenVariables(ENGINERUN& run, SCREENVARIABLES& variables, std::vector
 bool FindListedVariables(ENGINERUN& run, const VARIABLELIST& list, SCREENVARIABLES& variables,
                          std::vector<CString>& warnings, FAULT& fault);
 
+// Why a pass had no cases, whatever their values are: the fault of the line to blame. Without a
+// cause when there were cases before missing values were looked at.
+FAULT UnusableCasesFault(const JOB& job, const CASECOUNTS& counts);
+// The warning of cells that are none of the categories that are defined.
+CString OtherValuesText(const CString& name, std::int64_t cells);
+
 // What outputs call a variable, counted from 0.
 CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable);
 // The categories that are defined, ascending and each once; empty when there are none.

@@ -202,6 +202,29 @@ constexpr COMMAND kProcedures[] = {
     {"IMPUTE", ReadIMPUTE, "()", "VR= XL XN", "IMPUTE (list) (list) VR=v XL or XN"},
 };
 
+struct VariablesIn {
+  template <typename Procedure>
+  VARIABLELIST operator()(const Procedure& procedure) const {
+    if constexpr (requires { procedure.variables; }) return procedure.variables;
+    return {};
+  }
+  VARIABLELIST operator()(const HOMOGENEITY& ht) const { return {ht.first, ht.second}; }
+  VARIABLELIST operator()(const FIXTHRESHOLDS& ft) const { return {ft.variable}; }
+  VARIABLELIST operator()(const IMPUTATION& imputation) const {
+    return Joined({imputation.imputed, imputation.matching});
+  }
+  VARIABLELIST operator()(const REGRESSION& regression) const {
+    return Joined({regression.y, regression.x, regression.instruments});
+  }
+
+ private:
+  static VARIABLELIST Joined(std::initializer_list<VARIABLELIST> lists) {
+    VARIABLELIST all;
+    for (const VARIABLELIST& list : lists) all.insert(all.end(), list.begin(), list.end());
+    return all;
+  }
+};
+
 struct NameOf {
   const char* operator()(const FACTORANALYSIS&) const { return "Exploratory factor analysis (FA)"; }
   const char* operator()(const ORDINALFACTORANALYSIS&) const {
@@ -239,6 +262,10 @@ struct NameOf {
 
 std::span<const COMMAND> ProcedureCommandTable() {
   return kProcedures;
+}
+
+VARIABLELIST VariablesOf(const PROCEDURE& procedure) {
+  return std::visit(VariablesIn(), procedure.what);
 }
 
 CString ProcedureName(const PROCEDURE& procedure) {

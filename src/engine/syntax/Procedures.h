@@ -82,5 +82,8 @@ struct PROCEDURE {
       what;
 };
 
+// The variables that its line names.
+VARIABLELIST VariablesOf(const PROCEDURE& procedure);
+
 // The procedure's name as outputs show it: "Exploratory factor analysis (FA)".
 CString ProcedureName(const PROCEDURE& procedure);
