@@ -118,6 +118,7 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
       {"ET y x1\nOU", "more than 15 different values"},
       {"SE 1-4\nFA NF=2\nOU", "2 factors of 4 variables have fewer than 0 degrees of freedom"},
       {"SE 1-4\nFA NF=9\nOU", "9 factors of 4 variables"},
+      {"SE 1 2\nFA NF=1\nOU", "1 factor of 2 variables has fewer than 0 degrees of freedom"},
       {"SE 1-3 11\nFA NF=1\nOU", "is not positive definite"},
       {"SE 1 2 10\nFA NF=1\nOU", "variable has one value only"},
       {"SE 1 2\nPC NC=3\nOU", "3 components are asked for, and there are 2 variables"},
@@ -127,6 +128,16 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
       {"EM x1 same\nOU", "variable same: the variable has one value only"},
       {"EM x1 x2 sum\nOU", "is not positive definite"},
       {"SC CASE < 4\nEM x1 x2 x3\nOU", "no more cases than variables"},
+      {"SC x1 > 99\nRG y ON x1\nOU", "no case is selected"},
+      {"SC x1 > 99\nNS y\nOU", "no case is selected"},
+      {"SC x1 > 99\nMT o1\nOU", "no case is selected"},
+      {"SC x1 > 99\nHT o1 o2\nOU", "no case is selected"},
+      {"SD y < 0\nRG y ON x1\nOU", "variable y is dropped by an SD line"},
+      {"SD o2 = 1\nHT o1 o2\nOU", "variable o2 is dropped by an SD line"},
+      {"NE y = y * 1E300\nRG y ON x1\nOU", "the values of the y variable y are too large"},
+      {"NE x1 = x1 / 1E300\nLO two ON x1\nOU", "the values of the x variable x1 are too large"},
+      {"NE x1 = x1 * 1E300\nSE 1-4\nFA\nOU", "is not a finite number (x1)"},
+      {"CE o1\nCR o1 ON x1 x2\nSC o1 < 4\nOU", "has only"},
       {"FT o1\nOU", "FT needs the file"},
       {"FT o1\nOU TH=/no/such/file", "cannot be read"},
   };
@@ -238,6 +249,64 @@ TEST_F(ProceduresTest, CompletesTheData) {
   }
   ASSERT_EQ(Run("EM 1-3 IT=1 CC=0.0000001\nOU"), ERUNRESULT::Done);
   EXPECT_THAT(UnwrappedOutput(), HasSubstr("EM has not converged in 1 iterations"));
+}
+
+// What is left out is told, and why, by every procedure that reads its own cases.
+TEST_F(ProceduresTest, TellsWhichCasesAreLeftOut) {
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].push_back(i < 3 ? 0 : 2);
+  TORVIKSTRUCT data = Describe(
+      {"x1", "x2", "x3", "x4", "y", "o1", "o2", "two", "floor", "same", "sum", "sign", "weight"});
+  data.weightVariable = 13;
+  for (const std::size_t ordinal : {5, 6, 7}) {
+    data.variable[ordinal].type = kOrdinal;
+    data.variable[ordinal].categories = ordinal == 7 ? 2 : 4;
+    for (int k = 0; k < 4; ++k) {
+      data.categoryValues[ordinal * kCategorySlots + static_cast<std::size_t>(k)] =
+          k + (ordinal == 7 ? 0 : 1);
+    }
+  }
+  for (const std::size_t i : {1, 10, 11}) rows[i][5] = 9;  // none of the categories of o1
+  rows[12][4] = std::numeric_limits<double>::infinity();
+  Data(data, rows);
+  struct {
+    const char* line;
+    const char* warning;
+  } const cases[] = {
+      {"HT o1 o2", "Variable o1 has 2 cells with values that are none of its categories."},
+      {"ET o1 o2", "Variable o1 has 2 cells with values that are none of its categories."},
+      {"MT o2 o1", "Variable o1 has 2 cells with values that are none of its categories."},
+      {"LO o1 ON x2", "Variable o1 has 2 cells with values that are none of its categories."},
+      {"NS o1 y x2", "1 cells are infinite."},
+      {"RG y ON x2", "1 cells are infinite."},
+  };
+  for (const auto& c : cases) {
+    ASSERT_EQ(Run(CString("SC CASE > 1\n") + c.line + "\nOU"), ERUNRESULT::Done) << Output();
+    const std::string output = UnwrappedOutput();
+    EXPECT_THAT(output, HasSubstr("Left out by the selection 1 ")) << c.line;
+    EXPECT_THAT(output, HasSubstr("Left out for want of a weight above zero 2 ")) << c.line;
+    EXPECT_THAT(output, HasSubstr(c.warning)) << c.line;
+  }
+  for (auto& row : rows) row.back() = -1;
+  Data(data, rows);
+  for (const char* line : {"HT o1 o2", "MT o1", "LO o1 ON x2", "NS y", "RG y ON x2"}) {
+    EXPECT_EQ(Run(CString(line) + "\nOU"), ERUNRESULT::Failed);
+    EXPECT_THAT(UnwrappedOutput(), HasSubstr("no case has a weight above zero")) << line;
+  }
+}
+
+// Numbers of any size can be read off the output, and are not lost on the way to the scores.
+TEST_F(ProceduresTest, ShowsAndSavesNumbersOfAnySize) {
+  ASSERT_EQ(Run("NE x1 = x1 * 100000\nRG y ON x1\nOU"), ERUNRESULT::Done) << Output();
+  EXPECT_THAT(UnwrappedOutput(), Not(HasSubstr("x1 0.000 0.000")));
+  ASSERT_EQ(Run("RG sum ON x1 x2\nOU"), ERUNRESULT::Done) << Output();
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("WARNING: The x variables predict sum up to rounding"));
+  const std::string name = folder / "odd.vsf";
+  ASSERT_EQ(Run("SE 1 2 10\nPC PS NC=1\nNE y = y * 1E300\nNS y\nOU RA=" + name), ERUNRESULT::Done)
+      << Output();
+  VsfContents contents;
+  const std::vector<double> cells = Saved(name, contents);
+  ASSERT_EQ(contents.data.variables, 4);
+  EXPECT_NE(cells[3], -999999) << "a constant among the variables of a covariance matrix";
 }
 
 // Listwise deletion takes the cases that are complete in the whole line.

@@ -39,8 +39,13 @@ void WriteFit(ENGINERUN& run, const stats::CensoringLimits& limits,
   facts.Add(side("Censored below", limits.lower, result.below), CReport::Count(result.below));
   facts.Add(side("Censored above", limits.upper, result.above), CReport::Count(result.above));
   facts.Add("Log-likelihood", report.Number(result.logLikelihood));
-  facts.Add("Residual standard deviation", report.Number(result.sd));
-  facts.Add("its standard error", report.Number(result.sdError));
+  facts.Add("Log-likelihood without x", report.Number(result.logLikelihoodNull));
+  facts.Add("Likelihood ratio chi-square", report.Number(result.ratio));
+  facts.Add("df", CReport::Count(result.df));
+  facts.Add("p", CReport::Probability(result.p));
+  facts.Add("R-square (McKelvey and Zavoina)", report.Number(result.rSquare));
+  facts.Add("Residual standard deviation", report.Estimate(result.sd, result.sdError));
+  facts.Add("its standard error", report.Estimate(result.sdError, result.sdError));
   facts.Write(report);
 }
 
@@ -61,11 +66,29 @@ void WriteEstimates(CReport& report, const std::vector<ESTIMATES::PARAMETER>& pa
       {"Variable", true}, {"Estimate", false}, {"Std. error", false}, {"z", false}, {"p", false}};
   for (const auto& one : parameters) {
     const double z = one.value / one.error;
-    table.rows.push_back({one.name, report.Number(one.value), report.Number(one.error),
-                          report.Number(z), CReport::Probability(stats::NormalTwoSided(z))});
+    table.rows.push_back({one.name, report.Estimate(one.value, one.error),
+                          report.Estimate(one.error, one.error), report.Number(z),
+                          CReport::Probability(stats::NormalTwoSided(z))});
   }
   report.Subsection("Coefficients");
   report.Table(table);
+}
+
+// What the cases between the limits lack.
+FAULT FaultOf(const PROCEDURE& procedure, const CRegressionData& data,
+              const stats::CensoredRegressionResult& result) {
+  const bool few = result.status == EStatus::TooFewCases;
+  if ((!few && result.status != EStatus::Constant) || result.variable >= 0 ||
+      result.below + result.above == 0) {
+    return data.FaultOf(result.status, result.variable);
+  }
+  return ProcedureFault(
+      procedure,
+      data.YName() + " has only " + CountText(result.n - result.below - result.above, "case") +
+          " between its limits, the smallest and the largest value" +
+          (few ? ": no more than there are coefficients" : ", and these are all equal"),
+      few ? "Leave out x variables, use more cases, or take the variable as ordinal (OR, PR)."
+          : "Take the variable as ordinal (a line OR), and use PR or LO.");
 }
 
 }  // namespace
@@ -93,7 +116,7 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "Censored regression of " + data.YName() + " on " + NameList(run.job.data, regression.x);
     data.WriteHeading(title);
     if (result.status != EStatus::Ok) {
-      fault = data.FaultOf(result.status, result.variable);
+      fault = FaultOf(procedure, data, result);
       return false;
     }
     run.report.Paragraph(

@@ -159,7 +159,7 @@ bool ComputeNumeric(const ENGINERUN& run, const SCREENVARIABLES& variables,
   if (numeric.status == stats::EStatus::Ok) return true;
   CString whom;
   if (numeric.variable >= 0) whom = " (" + Numeric(variables, numeric.variable).name + ")";
-  if (numeric.other >= 0) {
+  if (numeric.other >= 0 && numeric.other != numeric.variable) {
     whom = " (" + Numeric(variables, numeric.variable).name + " and " +
            Numeric(variables, numeric.other).name + ")";
   }

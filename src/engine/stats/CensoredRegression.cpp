@@ -28,7 +28,10 @@ struct Uncensored {
     squares += weight * (y - origin) * (y - origin);
   }
   double Mean() const { return origin + sum / n; }
-  double Variance() const { return std::max(0.0, squares / n - (sum / n) * (sum / n)); }
+  double Variance() const {
+    const double variance = squares / n - (sum / n) * (sum / n);
+    return variance < 0 ? 0 : variance;
+  }
 };
 
 // In the standardised y: the predictor is that of y / sd, `precision` is 1 / sd.
@@ -92,6 +95,23 @@ void TakeBack(const NewtonResult& newton, const RegressorScale& scale, double ce
   result.sdError = result.sd * result.logSdError;
 }
 
+// `slopes`: of the standardised x, in units of the residual standard deviation.
+void ComputeFit(const CensoringLimits& limits, const Uncensored& inside,
+                const RegressorScale& scale, const VectorXd& slopes,
+                CensoredRegressionResult& result) {
+  const auto known = [](double limit) { return std::isfinite(limit) ? limit : 0.0; };
+  const CensoredResult none =
+      EstimateCensored({result.below, known(limits.lower), result.above, known(limits.upper),
+                        inside.n, inside.Mean(), inside.Variance()});
+  result.logLikelihoodNull = none.logLikelihood;
+  result.ratio = std::max(0.0, 2 * (result.logLikelihood - none.logLikelihood));
+  result.df = static_cast<double>(slopes.size());
+  result.p = ChiSquareUpper(result.ratio, result.df);
+  // The standardised x have the divisor n - 1, the residuals n.
+  const double explained = slopes.dot(scale.correlation * slopes) * (result.n - 1) / result.n;
+  result.rSquare = explained / (explained + 1);
+}
+
 }  // namespace
 
 CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass, int x,
@@ -122,6 +142,8 @@ CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass, 
   });
   if (result.stopped) return result;
   if (!(inside.n > x + 1)) result.status = EStatus::TooFewCases;
+  if (result.status == EStatus::Ok && !std::isfinite(inside.Variance()))
+    result.status = EStatus::NotFinite;
   if (result.status == EStatus::Ok && !(inside.Variance() > 0)) result.status = EStatus::Constant;
   if (result.status != EStatus::Ok) return result;
 
@@ -153,6 +175,7 @@ CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass, 
   result.gradient = newton.sums.gradient.cwiseAbs().maxCoeff() / result.n;
   result.logLikelihood = newton.sums.value - inside.n * std::log(spread);
   TakeBack(newton, scale, center, spread, result);
+  ComputeFit(limits, inside, scale, newton.parameters.head(x), result);
   return result;
 }
 

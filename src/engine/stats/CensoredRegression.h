@@ -21,7 +21,8 @@ struct CensoringLimits {
 // standard errors from the observed information, by the delta method.
 // Status: those of RegressorScale with `variable`; BadArgument (no x); TooFewCases (no more
 // uncensored cases than coefficients), Constant with `variable` -1 (the uncensored y are all
-// equal), Boundary (an x tells the censored cases from the others: `variable`), NotConverged.
+// equal), NotFinite with -1 (their squares are no doubles), Boundary (an x tells the censored cases
+// from the others: `variable`), NotConverged.
 struct CensoredRegressionResult {
   EStatus status = EStatus::NoCases;
   int variable = -1;
@@ -30,7 +31,11 @@ struct CensoredRegressionResult {
   std::vector<double> coefficient, standardError;  // the intercept first
   Eigen::MatrixXd covariance;                      // of the coefficients, then log sd
   double sd = 0, sdError = 0, logSdError = 0;
-  double logLikelihood = 0;
+  double logLikelihood = 0, logLikelihoodNull = 0;  // null: no x
+  double ratio = 0, df = 0, p = 1;                  // likelihood ratio of the slopes
+  // Of the variable behind y: the share of x'b in its variance (R. D. McKelvey and W. Zavoina,
+  // Journal of Mathematical Sociology 4, 1975, 103-120); without censoring that of least squares.
+  double rSquare = 0;
   double gradient = 0;  // largest, of the mean log-likelihood in standardised variables
   double smallestPivot = 1;
   int iterations = 0;

@@ -101,6 +101,16 @@ void CCrossProducts::Add(const CaseBlock& block) {
       [this](const CGroup& group) { group.AddTo(sums_, cases_, finite_); });
 }
 
+EStatus CCrossProducts::CheckSpread(int i) const {
+  constexpr double kSmallest = 1e-280;
+  const auto squares = static_cast<double>(Sum(i, i));
+  const bool zeros = squares == 0 && Sum(i, variables_) == 0;
+  if (!std::isfinite(squares) || (squares < kSmallest && !zeros)) return EStatus::NotFinite;
+  // What is left of a variable whose values are all equal, relative to its squares.
+  constexpr double kNothing = 1e-28;
+  return Centred(i, i) > Sum(i, i) * Quad(kNothing) ? EStatus::Ok : EStatus::Constant;
+}
+
 Quad CCrossProducts::Sum(int i, int j) const {
   return sums_[TriangleIndex(i, j)];
 }

@@ -6,6 +6,7 @@
 
 #include "engine/stats/Blocks.h"
 #include "engine/stats/Quad.h"
+#include "engine/stats/Status.h"
 
 namespace stats {
 
@@ -23,6 +24,9 @@ class CCrossProducts {
   std::int64_t Cases() const { return cases_; }
   bool Finite() const { return finite_; }                 // false once an infinite cell was seen
   Quad N() const { return Sum(variables_, variables_); }  // the sum of weights
+
+  // Ok; Constant; NotFinite when squares of the values are too large or too small for a double.
+  EStatus CheckSpread(int i) const;
 
   // Sum of w x_i x_j. The variable behind the last one is 1 in every case.
   Quad Sum(int i, int j) const;

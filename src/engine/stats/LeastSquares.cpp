@@ -45,12 +45,6 @@ Quad Dot(const Quads& a, const Quads& b) {
   return sum;
 }
 
-// The spread that is left of a variable whose values are all equal, relative to its squares.
-bool IsConstant(const CCrossProducts& sums, int variable) {
-  constexpr double kNothing = 1e-28;
-  return !(sums.Centred(variable, variable) > sums.Sum(variable, variable) * Quad(kNothing));
-}
-
 void Check(const CCrossProducts& sums, int y, const Places& x, LeastSquaresResult& result) {
   result.n = static_cast<double>(sums.N());
   result.status = EStatus::Ok;
@@ -64,13 +58,12 @@ void Check(const CCrossProducts& sums, int y, const Places& x, LeastSquaresResul
     result.status = EStatus::BadArgument;
   } else if (!(result.n > static_cast<double>(x.size()) + 1)) {
     result.status = EStatus::TooFewCases;
-  } else if (IsConstant(sums, y)) {
-    result.status = EStatus::Constant;
+  } else {
+    result.status = sums.CheckSpread(y);
   }
   for (int j = 0; j < Count(x) && result.status == EStatus::Ok; ++j) {
-    if (!IsConstant(sums, x[At(j)])) continue;
-    result.status = EStatus::Constant;
-    result.variable = j;
+    result.status = sums.CheckSpread(x[At(j)]);
+    if (result.status != EStatus::Ok) result.variable = j;
   }
 }
 
@@ -108,7 +101,8 @@ void Finish(const CCrossProducts& sums, int y, const Places& x, const Quads& slo
   for (int i = 0; i <= k; ++i) {
     const double error = std::sqrt(result.covariance(i, i));
     const double infinite = std::numeric_limits<double>::infinity();
-    const double t = error > 0 ? result.coefficient[At(i)] / error : infinite;
+    const double t = error > 0 ? result.coefficient[At(i)] / error
+                               : std::copysign(infinite, result.coefficient[At(i)]);
     result.standardError.push_back(error);
     result.t.push_back(t);
     result.p.push_back(StudentTwoSided(t, result.df2));

@@ -13,11 +13,11 @@ namespace stats {
 // The normal equations of centred variables, formed and solved with 33 digits: as good as an
 // orthogonal decomposition with 16. A variable whose share of variance that the ones before it do
 // not explain is below 1e-26 counts as collinear.
-// Status: NoCases, ZeroWeights, NotFinite; BadArgument (no x); TooFewCases (n not above the number
-// of coefficients); Constant (`variable` -1: y; else the place among x), NotPositiveDefinite
-// (collinear: `variable` is the first that depends on those before it; two stages: -1 when the
-// instruments do not identify the coefficients), BadArgument (two stages: fewer instruments than
-// x).
+// Status: NoCases, ZeroWeights; NotFinite (`variable` as below); BadArgument (no x); TooFewCases (n
+// not above the number of coefficients); Constant (`variable` -1: y; else the place among x),
+// NotPositiveDefinite (collinear: `variable` is the first that depends on those before it; two
+// stages: -1 when the instruments do not identify the coefficients), BadArgument (two stages: fewer
+// instruments than x).
 struct LeastSquaresResult {
   EStatus status = EStatus::NoCases;
   int variable = -1;

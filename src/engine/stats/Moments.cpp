@@ -117,6 +117,8 @@ Element ElementOf(const CMoments& moments, EMoments kind, int i, int j) {
   const double n = moments.N(i, j);
   if (n == 0) return {EStatus::NoCases, 0};
   const double product = moments.Product(i, j);
+  if (!std::isfinite(product + moments.Square(i, j) + moments.Square(j, i)))
+    return {EStatus::NotFinite, 0};
   switch (kind) {
     case EMoments::Raw:
     case EMoments::Augmented:
@@ -162,7 +164,7 @@ MomentMatrix ComputeMoments(const CMoments& moments, EMoments kind) {
   result.status = EStatus::Ok;
   result.smallestN = moments.N(0, 0);
   for (int i = 0; i < variables; ++i) {
-    for (int j = 0; j <= i; ++j) {
+    for (int j = i; j >= 0; --j) {  // a variable's own fault before that of its pairs
       const Element element = ElementOf(moments, kind, i, j);
       result.matrix(i, j) = result.matrix(j, i) = element.value;
       result.smallestN = std::min(result.smallestN, moments.N(i, j));

@@ -13,6 +13,21 @@ using Eigen::Index;
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
+namespace {
+
+MatrixXd Correlations(const CQuadMatrix& centred) {
+  MatrixXd correlation(centred.Size(), centred.Size());
+  for (int i = 0; i < centred.Size(); ++i) {
+    for (int j = 0; j < centred.Size(); ++j) {
+      const Quad squares = SquareRoot(centred(i, i)) * SquareRoot(centred(j, j));
+      correlation(i, j) = static_cast<double>(centred(i, j) / squares);
+    }
+  }
+  return correlation;
+}
+
+}  // namespace
+
 RegressorScale ScaleRegressors(const RegressionPass& pass, int x, int threads) {
   RegressorScale scale;
   CCrossProducts sums(x, threads);
@@ -31,9 +46,8 @@ RegressorScale ScaleRegressors(const RegressionPass& pass, int x, int threads) {
     for (int j = 0; j < x; ++j) centred(i, j) = sums.Centred(i, j);
     scale.mean(i) = static_cast<double>(sums.Mean(i));
     scale.sd(i) = std::sqrt(static_cast<double>(centred(i, i) / (sums.N() - 1)));
-    constexpr double kNothing = 1e-28;
-    if (centred(i, i) > sums.Sum(i, i) * Quad(kNothing)) continue;
-    scale.status = EStatus::Constant;
+    scale.status = sums.CheckSpread(i);
+    if (scale.status == EStatus::Ok) continue;
     scale.variable = i;
     return scale;
   }
@@ -41,6 +55,7 @@ RegressorScale ScaleRegressors(const RegressionPass& pass, int x, int threads) {
   constexpr double kCollinear = 1e-13;
   const CQuadCholesky factor(centred, kCollinear);
   scale.smallestPivot = factor.SmallestPivot();
+  scale.correlation = Correlations(centred);
   if (factor.Failed() < 0) return scale;
   scale.status = EStatus::NotPositiveDefinite;
   scale.variable = factor.Failed();

@@ -33,6 +33,7 @@ struct RegressorScale {
   int variable = -1;
   double n = 0;
   Eigen::VectorXd mean, sd;
+  Eigen::MatrixXd correlation;
   double smallestPivot = 1;  // the smallest share of an x's variance that those before it leave
   bool stopped = false;
 };

@@ -1,5 +1,6 @@
 #include "engine/stats/Thresholds.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "engine/stats/Distributions.h"
@@ -44,23 +45,27 @@ std::vector<double> Cuts(const std::vector<double>& frequencies, double total,
   return cuts;
 }
 
-// Brings the scores to the mean and standard deviation of the values.
+// Brings the scores to the mean and standard deviation of the values. These are made small first,
+// so that squares of large ones stay finite.
 std::vector<double> Rescale(const std::vector<double>& score, const std::vector<double>& values,
                             const std::vector<double>& frequencies, double total) {
+  const double unit = std::max(std::fabs(values.front()), std::fabs(values.back()));
   double mean = 0, scoreMean = 0;
   for (std::size_t j = 0; j < values.size(); ++j) {
-    mean += frequencies[j] * values[j] / total;
+    mean += frequencies[j] * (values[j] / unit) / total;
     scoreMean += frequencies[j] * score[j] / total;
   }
   double squares = 0, scoreSquares = 0;
   for (std::size_t j = 0; j < values.size(); ++j) {
-    squares += frequencies[j] * (values[j] - mean) * (values[j] - mean);
+    const double rest = values[j] / unit - mean;
+    squares += frequencies[j] * rest * rest;
     scoreSquares += frequencies[j] * (score[j] - scoreMean) * (score[j] - scoreMean);
   }
   const double factor = std::sqrt(squares / scoreSquares);
   std::vector<double> rescaled;
   for (std::size_t j = 0; j < values.size(); ++j) {
-    rescaled.push_back(frequencies[j] > 0 ? mean + (score[j] - scoreMean) * factor : mean);
+    const double scaled = frequencies[j] > 0 ? mean + (score[j] - scoreMean) * factor : mean;
+    rescaled.push_back(unit * scaled);
   }
   return rescaled;
 }

@@ -138,6 +138,23 @@ TEST(LeastSquares, NamesWhatCannotBeEstimated) {
     EXPECT_EQ(result.status, c.status);
     EXPECT_EQ(result.variable, c.variable);
   }
+  // Squares that are no doubles; a perfect fit.
+  oracle::Data odd{{"y", "huge", "tiny", "line"}, {}};
+  for (int k = 0; k < 9; ++k) {
+    const double row[] = {static_cast<double>(k), k * 1e300, (k + 1) * 1e-200, -2.0 * k};
+    odd.cells.insert(odd.cells.end(), row, row + 4);
+  }
+  for (const int place : {1, 2}) {
+    const auto asX = stats::EstimateLeastSquares(Products(odd), 0, {3, place});
+    EXPECT_EQ(asX.status, EStatus::NotFinite);
+    EXPECT_EQ(asX.variable, 1);
+    const auto asY = stats::EstimateLeastSquares(Products(odd), place, {3});
+    EXPECT_EQ(asY.status, EStatus::NotFinite);
+    EXPECT_EQ(asY.variable, -1);
+  }
+  const auto perfect = stats::EstimateLeastSquares(Products(odd), 0, {3});
+  ASSERT_EQ(perfect.status, EStatus::Ok);
+  EXPECT_LT(perfect.t[1], 0);
   EXPECT_EQ(stats::EstimateTwoStage(sums, 0, {1, 2}, {3}).status, EStatus::BadArgument);
   EXPECT_EQ(stats::EstimateTwoStage(sums, 0, {1, 2}, {1, 4}).status, EStatus::NotPositiveDefinite);
   EXPECT_EQ(stats::EstimateLeastSquares(stats::CCrossProducts(2), 0, {1}).status, EStatus::NoCases);
@@ -305,6 +322,10 @@ TEST(CensoredRegression, AgreesWithTheReferences) {
     ExpectClose(result.sd, want.at("sigma"), 1e-7, "sd");
     ExpectClose(result.logSdError, want.at("se_log_sigma"), 1e-7, "error of log sd");
     ExpectClose(result.logLikelihood, want.at("loglik"), 1e-10, "log-likelihood");
+    // R 4.2.2, survreg of survival: without x, and the share of the variance of its predictions
+    EXPECT_NEAR(result.logLikelihoodNull, above ? -537.099435051811 : -744.737509077331, 1e-8);
+    EXPECT_NEAR(result.rSquare, above ? 0.186771091632152 : 0.187651092726756, 1e-8);
+    EXPECT_NEAR(result.ratio, 2 * (result.logLikelihood - result.logLikelihoodNull), 1e-10);
   }
 }
 
@@ -320,6 +341,8 @@ TEST(CensoredRegression, WithoutCensoringIsLeastSquares) {
                 1e-10 * std::fabs(plain.coefficient[i]));
   EXPECT_NEAR(censored.sd, plain.residualSd * std::sqrt(29.0 / 32), 1e-10);
   EXPECT_NEAR(censored.logLikelihood, plain.logLikelihood, 1e-10);
+  EXPECT_NEAR(censored.rSquare, plain.rSquare, 1e-10);
+  EXPECT_NEAR(censored.ratio, -32 * std::log(1 - plain.rSquare), 1e-8);
 }
 
 }  // namespace
