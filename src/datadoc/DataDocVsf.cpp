@@ -59,12 +59,18 @@ int CopyCells(int from, const VsfContents& contents, int scratch, const CString&
 }
 
 CString DamageNote(const VsfContents& contents) {
-  if (contents.data.records == contents.statedRecords) {
-    return "The file is damaged: part of its description is not there.";
+  if (contents.data.records != contents.statedRecords) {
+    return boost::str(
+        boost::format("The file is shorter than its header says: %1% of %2% record(s) read.") %
+        contents.data.records % contents.statedRecords);
   }
-  return boost::str(boost::format("The file is shorter than its header says: %1% of %2% record(s) "
-                                  "read.") %
-                    contents.data.records % contents.statedRecords);
+  if (contents.AbsentCells() > 0) {
+    return boost::str(
+        boost::format("The file is shorter than its header says: its last %1% value(s) are "
+                      "missing.") %
+        contents.AbsentCells());
+  }
+  return "The file is damaged: part of its description is not there.";
 }
 
 }  // namespace
@@ -117,7 +123,7 @@ int CDataDoc::OpenVSFFile(const CString& fileName) {
 
 void CDataDoc::ExportFrom(const CString& fileName, int file, VsfContents contents) {
   exportCells_.TakeFile(file, contents);
-  if (contents.damaged) WriteStatusInfo(DamageNote(contents));
+  if (contents.damaged) Host().ShowNote(fileName + ": " + DamageNote(contents));
   data_ = std::move(contents.data);
   SetPathName(fileName, false);
 }
