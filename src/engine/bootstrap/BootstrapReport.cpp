@@ -66,10 +66,9 @@ void WriteBootstrapHeading(ENGINERUN& run, const CString& title, const BOOTSTRAP
   facts.Write(report);
   report.Gap();
   report.Paragraph(
-      "Bias is the mean of the samples minus the estimate, Std. error their standard deviation. "
-      "The "
-      "95% intervals go from 2.5% to 97.5% of the samples; those marked BC are corrected for "
-      "bias.");
+      "Bias is the mean of the samples minus the estimate, s.e. the standard error, their standard "
+      "deviation. The 95% intervals go from 2.5% to 97.5% of the samples; those marked BC are "
+      "corrected for bias.");
   if (!IsWhole(samples)) {
     report.Gap();
     report.Paragraph(
@@ -96,9 +95,8 @@ void WriteBootstrapTables(ENGINERUN& run, const std::vector<ESTIMATES>& whole,
   std::size_t at = 0;
   for (const ESTIMATES& one : whole) {
     TABLE table;
-    table.columns = {
-        {"", true},      {"Estimate", false}, {"Bias", false},    {"Std. error", false},
-        {"2.5%", false}, {"97.5%", false},    {"BC 2.5%", false}, {"BC 97.5%", false}};
+    table.columns = {{"", true},      {"Estimate", false}, {"Bias", false},    {"s.e.", false},
+                     {"2.5%", false}, {"97.5%", false},    {"BC 2.5%", false}, {"BC 97.5%", false}};
     for (const auto& parameter : one.parameters) {
       const std::size_t estimate = at++;
       if (parameter.error == 0) continue;
