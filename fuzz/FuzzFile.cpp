@@ -53,7 +53,9 @@ void ReadRecords(ST_FILE* file, int variables) {
 void FuzzStatFile(std::int32_t type, const std::uint8_t* data, std::size_t size) {
   const int descriptor = memfd_create("input", 0);
   if (descriptor < 0 || write(descriptor, data, size) != static_cast<ssize_t>(size)) std::abort();
-  const std::string name = "/proc/self/fd/" + std::to_string(descriptor);
+  // Not by "self": some readers work in a process of their own.
+  const std::string name =
+      "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor);
   // What a connection file leads to is none of the reader's business.
   const bool database = ST_LeadsToDatabase(name.c_str());
   ST_ENV* const env = ST_OpenEnvironment();

@@ -8,7 +8,8 @@ source scripts/lib.sh
 seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
-((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl paradox sigmaplot access statistica jmp minitab engine_syntax)
+((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl paradox sigmaplot access statistica jmp minitab
+  wk1 wq1 syd ssc mat rec dct engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
 cmake --preset fuzz >/dev/null
@@ -20,7 +21,7 @@ mkdir -p "$found"
 
 # The first files of a corpus: other programs' small files, and what our writers make of some of the example.
 seed() {
-  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,engine_syntax}
+  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,wk1,wq1,syd,ssc,mat,rec,dct,engine_syntax}
   local file kind
   for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
     kind=${file##*.}
@@ -30,7 +31,7 @@ seed() {
   for file in tests/data/survey*.sav; do
     "$bin/vexdata" import "$file" "$corpus/vsf/${file##*/}.VSF" --overwrite --quiet --keep-labels
   done
-  for kind in por dta dbf xls sql html sps sas "do" xlsx ods sqlite jsonl; do
+  for kind in por dta dbf xls sql html sps sas "do" xlsx ods sqlite jsonl wk1 wq1 syd ssc mat rec; do
     "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/$kind/ours.$kind" --overwrite --quiet
   done
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet

@@ -178,6 +178,10 @@ int ST_DBSetParm(ST_ENV* env, int parameter, int option, const char* value);
 int ST_GetNLosses(ST_ENV* env, std::int32_t type);
 const char* ST_GetLoss(ST_ENV* env, int index);
 
+// The name that the next output file will have in the end, where it is written under another one
+// first: what a format keeps in files beside it is named for it.
+int ST_SetOutName(ST_ENV* env, const char* name);
+
 // Null on failure. Names that the format does not allow are changed; ST_GetNRenamed and
 // ST_GetRenamed tell.
 ST_FILE* ST_OpenOutFile(ST_ENV* env, std::int32_t type, const char* name);

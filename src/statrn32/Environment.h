@@ -47,6 +47,7 @@ struct ST_ENV {
   statrn32::DICTIONARY userDictionary;
   int userVariables = 0;  // announced; described ones stand in the dictionary
   std::int64_t cases = -1;
+  std::string outName;  // that the next output file will have in the end
 };
 
 namespace statrn32 {

@@ -5,12 +5,18 @@
 #include "statrn32/AccessFiles.h"
 #include "statrn32/CompoundFile.h"
 #include "statrn32/DbfFiles.h"
+#include "statrn32/DumpFiles.h"
+#include "statrn32/EpiFiles.h"
 #include "statrn32/ExcelFiles.h"
+#include "statrn32/GaussFiles.h"
 #include "statrn32/HtmlFiles.h"
 #include "statrn32/JmpFiles.h"
 #include "statrn32/JsonFiles.h"
+#include "statrn32/LotusFiles.h"
+#include "statrn32/MatlabFiles.h"
 #include "statrn32/MinitabFiles.h"
 #include "statrn32/OfficeFiles.h"
+#include "statrn32/OsirisFiles.h"
 #include "statrn32/ParadoxFiles.h"
 #include "statrn32/ProgramFiles.h"
 #include "statrn32/SasFiles.h"
@@ -20,13 +26,10 @@
 #include "statrn32/SqliteFiles.h"
 #include "statrn32/StataFiles.h"
 #include "statrn32/StatisticaFiles.h"
+#include "statrn32/SystatFiles.h"
 
 namespace statrn32 {
 namespace {
-
-bool IsMatlab(std::string_view first) {
-  return first.substr(0, 10) == "MATLAB 5.0";
-}
 
 // Why a format is not read or written, and what serves instead.
 constexpr const char* kSasInstead =
@@ -52,7 +55,15 @@ constexpr const char* kSqlVariants =
 
 // In the order of the codes.
 constexpr FORMAT kFormats[] = {
-    {.code = 0, .name = "Lotus 1-2-3"},
+    {.code = 0,
+     .name = "Lotus 1-2-3",
+     .recognises = IsLotus,
+     .reader = ReadLotus,
+     .writer = WriteLotus,
+     .names = &kLotusNames,
+     .limits = &kLotusLimits,
+     .dates = "dates, times",
+     .variants = ".wks, .wk1, .wk3, .wk4, .123; written as .wk1"},
     {.code = 6,
      .name = "dBASE",
      .recognises = IsDbf,
@@ -72,7 +83,11 @@ constexpr FORMAT kFormats[] = {
      .streams = "Workbook\0Book\0",
      .dates = "dates, times, date-times",
      .variants = "versions 2 to 2003; written as version 97"},
-    {.code = 9, .name = "Gauss"},
+    {.code = 9,
+     .name = "Gauss",
+     .reader = ReadGauss,
+     .variants = "two files, the data (.dat) with a header (.dht) beside them",
+     .instead = kTextInstead},
     {.code = 10,
      .name = "Paradox",
      .recognises = IsParadox,
@@ -82,7 +97,16 @@ constexpr FORMAT kFormats[] = {
      .limits = &kParadoxLimits,
      .dates = "dates, times, date-times",
      .variants = "versions 3 to 7 with memos, not encrypted; written as version 7 without a key"},
-    {.code = 11, .name = "Quattro Pro"},
+    {.code = 11,
+     .name = "Quattro Pro",
+     .recognises = IsQuattro,
+     .reader = ReadQuattro,
+     .writer = WriteQuattro,
+     .names = &kLotusNames,
+     .limits = &kLotusLimits,
+     .streams = "PerfectOffice_MAIN\0NativeContent_MAIN\0",
+     .dates = "dates, times",
+     .variants = ".wq1, .wq2, .wb1, .wb2, .wb3, .qpw; written as .wq1"},
     {.code = 12,
      .name = "SAS Transport File",
      .recognises = IsTransport,
@@ -109,8 +133,22 @@ constexpr FORMAT kFormats[] = {
      .limits = &kDtaLimits,
      .dates = "dates, date-times, weeks, months, quarters, years",
      .variants = "versions 104 to 119; written as version 118"},
-    {.code = 16, .name = "Systat"},
-    {.code = 17, .name = "S-Plus"},
+    {.code = 16,
+     .name = "Systat",
+     .recognises = IsSystat,
+     .reader = ReadSystat,
+     .writer = WriteSystat,
+     .names = &kSystatNames,
+     .limits = &kSystatLimits},
+    {.code = 17,
+     .name = "S-Plus",
+     .recognises = IsDump,
+     .reader = ReadDump,
+     .writer = WriteDump,
+     .names = &kDumpNames,
+     .limits = &kDumpLimits,
+     .dates = "dates, date-times of R",
+     .variants = "objects written as text by data.dump in its old style"},
     {.code = 20, .name = "SAS V6 Data File", .notRead = kSasV6NotRead, .instead = kSasInstead},
     {.code = 21,
      .name = "SigmaPlot File",
@@ -159,7 +197,14 @@ constexpr FORMAT kFormats[] = {
      .limits = &kSqlLimits,
      .dates = kSqlDates,
      .variants = kSqlVariants},
-    {.code = 29, .name = "Matlab Matrix", .recognises = IsMatlab},
+    {.code = 29,
+     .name = "Matlab Matrix",
+     .recognises = IsMatlab,
+     .reader = ReadMatlab,
+     .writer = WriteMatlab,
+     .names = &kMatlabNames,
+     .limits = &kMatlabLimits,
+     .variants = "levels 4, 5 (compressed too) and 7.3; written as level 5"},
     {.code = 30,
      .name = "Statistica",
      .recognises = IsStatistica,
@@ -174,7 +219,15 @@ constexpr FORMAT kFormats[] = {
      .names = &kSheetNames,
      .limits = &kHtmlLimits,
      .dates = "dates, times, date-times in ISO 8601"},
-    {.code = 32, .name = "Epi Info"},
+    {.code = 32,
+     .name = "Epi Info",
+     .recognises = IsEpi,
+     .reader = ReadEpi,
+     .writer = WriteEpi,
+     .names = &kEpiNames,
+     .limits = &kEpiLimits,
+     .dates = "dates",
+     .variants = "version 6"},
     {.code = 33, .name = "LIMDEP for Windows", .notRead = kLimdepNotRead, .instead = kTextInstead},
     {.code = 34, .name = "Mineset", .notRead = kMinesetNotRead, .instead = kTextInstead},
     {.code = 35,
@@ -184,7 +237,14 @@ constexpr FORMAT kFormats[] = {
      .dates = "dates, date-times, durations",
      .variants = "versions from 5 on, plain and compressed; without value labels",
      .instead = kTextInstead},
-    {.code = 36, .name = "OSIRIS"},
+    {.code = 36,
+     .name = "OSIRIS",
+     .recognises = IsOsiris,
+     .reader = ReadOsiris,
+     .writer = WriteOsiris,
+     .names = &kOsirisNames,
+     .limits = &kOsirisLimits,
+     .variants = "type 1, with the file of data beside the dictionary"},
     {.code = 37,
      .name = "Minitab",
      .recognises = IsMinitabPortable,
@@ -331,6 +391,10 @@ constexpr RELATIVE kRelatives[] = {
      {},
      "this is no portable Minitab worksheet (*.mtp); please save it as one in Minitab, or as text "
      "(*.csv)"},
+    {17, std::string_view("\0S data\1", 8),
+     "this is an S object in binary form; please write it with data.dump(..., oldStyle = T)"},
+    {17, "## Dump S",
+     "this is a dump of the new style; please write it with data.dump(..., oldStyle = T)"},
     {900, kCompoundMagic,
      "this is a workbook protected by a password; please save it without one first"},
 };

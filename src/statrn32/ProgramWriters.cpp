@@ -64,11 +64,11 @@ class CProgramWriter : public CFileWriter {
 
 class CSpssProgramWriter final : public CProgramWriter {
  public:
-  CSpssProgramWriter() : CProgramWriter(39, ',') {}
+  CSpssProgramWriter() : CProgramWriter(39, ' ') {}
 
  protected:
   bool PutHeader() override {
-    std::string text = "SET DECIMAL=DOT.\nDATA LIST LIST (\",\") NOTABLE /";
+    std::string text = "SET DECIMAL=DOT.\nDATA LIST LIST NOTABLE /";
     for (const VARIABLE& v : Variables()) {
       text += "\n  " + v.name + (IsText(v) ? " (A" + BytesOf(v) + ")" : " (" + FormatOf(v) + ")");
     }
@@ -88,6 +88,11 @@ class CSpssProgramWriter final : public CProgramWriter {
     return Put(text + "BEGIN DATA\n");
   }
   bool PutEnd() override { return Put("END DATA.\n"); }
+  // Not every program that reads these takes a mark that stands twice. Separators that are named
+  // would make the marks part of the texts.
+  std::string TextOf(const std::string& text) const override {
+    return Quoted(text, text.find('"') == std::string::npos ? '"' : '\'');
+  }
 
  private:
   static std::string FormatOf(const VARIABLE& variable) {

@@ -8,7 +8,6 @@
 #include "host/Numbers.h"
 #include "host/Text.h"
 #include "host/statrn32.h"
-#include "statrn32/Names.h"
 
 namespace statrn32 {
 namespace {
@@ -52,10 +51,6 @@ void CReadStatWriter::OnError(const char* message, void* context) {
   if (message != nullptr) static_cast<CReadStatWriter*>(context)->detail_ = message;
 }
 
-std::string CReadStatWriter::Text(const std::string& text, std::size_t bytes) const {
-  return CutText(target_.asciiOnly ? ToAscii(text) : text, bytes);
-}
-
 bool CReadStatWriter::Begin(const std::string& name, const DICTIONARY& dictionary,
                             std::int64_t cases) {
   name_ = name;
@@ -91,7 +86,7 @@ std::vector<readstat_label_set_t*> CReadStatWriter::AddLabelSets(const DICTIONAR
             target_.wholeLabels ? READSTAT_TYPE_INT32 : READSTAT_TYPE_DOUBLE;
         sets.back() = readstat_add_label_set(writer_, type, name.c_str());
       }
-      const std::string text = Text(label.label, target_.valueLabelBytes);
+      const std::string text = CutText(label.label, target_.valueLabelBytes);
       if (target_.wholeLabels) {
         readstat_label_int32_value(sets.back(), static_cast<std::int32_t>(label.number),
                                    text.c_str());
@@ -114,7 +109,7 @@ bool CReadStatWriter::AddVariable(const VARIABLE& variable,
   }
   readstat_variable_t* const added = readstat_add_variable(
       writer_, variable.name.c_str(), text ? READSTAT_TYPE_STRING : READSTAT_TYPE_DOUBLE, bytes);
-  readstat_variable_set_label(added, Text(variable.label, target_.labelBytes).c_str());
+  readstat_variable_set_label(added, CutText(variable.label, target_.labelBytes).c_str());
   if (!text && variable.width > 0) {
     readstat_variable_set_format(added, NumberFormat(target_.numberFormat, variable).c_str());
     readstat_variable_set_display_width(added, std::min(variable.width, kWidestNumber));
@@ -158,14 +153,12 @@ bool CReadStatWriter::WriteNumber(const COLUMN& column, double number) {
 }
 
 bool CReadStatWriter::WriteText(const COLUMN& column, const std::string& text) {
-  std::string bytes = target_.asciiOnly ? ToAscii(text) : text;
-  if (bytes.size() > column.textBytes) {
+  if (text.size() > column.textBytes) {
     return Fail(name_ + ": the text of the variable " + column.name + " in record " +
                 std::to_string(written_ + 1) + " is longer than the " +
                 std::to_string(column.textBytes) + " bytes announced");
   }
-  if (target_.padTexts) bytes.resize(column.textBytes, ' ');
-  return Check(readstat_insert_string_value(writer_, column.variable, bytes.c_str()), column.name);
+  return Check(readstat_insert_string_value(writer_, column.variable, text.c_str()), column.name);
 }
 
 bool CReadStatWriter::Finish() {

@@ -22,9 +22,7 @@ struct READSTAT_TARGET {
   std::size_t valueLabelBytes;  // 0: has no value labels
   std::size_t textBytes;        // widest text variable
   bool wholeLabels;             // only whole numbers have labels
-  bool asciiOnly;
-  bool padTexts = false;  // with blanks to the width of the variable
-  double largest;         // largest size of a number
+  double largest;               // largest size of a number
 };
 
 class CReadStatWriter : public CWriter {
@@ -46,7 +44,6 @@ class CReadStatWriter : public CWriter {
   static ssize_t OnWrite(const void* data, std::size_t size, void* context);
   static void OnError(const char* message, void* context);
 
-  std::string Text(const std::string& text, std::size_t bytes) const;
   bool AddVariable(const VARIABLE& variable, const std::vector<readstat_label_set_t*>& sets);
   std::vector<readstat_label_set_t*> AddLabelSets(const DICTIONARY& dictionary);
   bool WriteCell(const COLUMN& column, const OUT_CELL& cell);

@@ -123,7 +123,6 @@ constexpr READSTAT_TARGET kTransportTarget = {
     .valueLabelBytes = 0,
     .textBytes = 200,
     .wholeLabels = true,
-    .asciiOnly = false,
     .largest = kLargestTransport,
 };
 

@@ -157,10 +157,6 @@ readstat_compress_t SavCompression(const std::string& name) {
   return zipped ? READSTAT_COMPRESS_BINARY : READSTAT_COMPRESS_ROWS;
 }
 
-readstat_compress_t NoCompression(const std::string& /*name*/) {
-  return READSTAT_COMPRESS_NONE;
-}
-
 // The last numbers of the range stand for the missing value, LO and HI.
 constexpr double kLargestSav = 1.797e308;
 constexpr READSTAT_TARGET kSavTarget = {
@@ -171,43 +167,19 @@ constexpr READSTAT_TARGET kSavTarget = {
     .valueLabelBytes = 120,
     .textBytes = 255,
     .wholeLabels = false,
-    .asciiOnly = false,
     .largest = kLargestSav,
 };
-// ReadStat writes the whole part of a number in a portable file from a 64-bit integer.
-constexpr double kLargestPor = 9.2e18;
-constexpr READSTAT_TARGET kPorTarget = {
-    .begin = readstat_begin_writing_por,
-    .compression = NoCompression,
-    .numberFormat = "F%d.%d",
-    .labelBytes = 255,
-    .valueLabelBytes = 60,
-    .textBytes = 255,
-    .wholeLabels = false,
-    .asciiOnly = true,
-    .padTexts = true,  // some readers show what lay in memory behind a shorter text
-    .largest = kLargestPor,
-};
-
 constexpr std::string_view kReserved[] = {"ALL", "AND", "BY",  "EQ", "GE", "GT",  "LE",
                                           "LT",  "NE",  "NOT", "OR", "TO", "WITH"};
 
 }  // namespace
 
 constexpr NAME_RULES kSavNames = {64, "@", "@._$#", false, false, false, kReserved};
-constexpr NAME_RULES kPorNames = {8, "@", "@._$#", true, true, false, kReserved};
 constexpr LIMITS kSavLimits = {.records = kMostRecords,
                                .textBytes = 255,
                                .labelBytes = 255,
                                .valueLabelBytes = 120,
                                .largest = kLargestSav};
-constexpr LIMITS kPorLimits = {.records = kMostRecords,
-                               .textBytes = 255,
-                               .labelBytes = 255,
-                               .valueLabelBytes = 60,
-                               .largest = kLargestPor,
-                               .textRemark = "Letters outside ASCII become the nearest ones."};
-
 bool IsSav(std::string_view first) {
   const std::string_view magic = first.substr(0, 4);
   return magic == "$FL2" || magic == "$FL3";
@@ -230,8 +202,4 @@ std::unique_ptr<CReader> ReadPor() {
 std::unique_ptr<CWriter> WriteSav() {
   return std::make_unique<CReadStatWriter>(kSavTarget);
 }
-std::unique_ptr<CWriter> WritePor() {
-  return std::make_unique<CReadStatWriter>(kPorTarget);
-}
-
 }  // namespace statrn32

@@ -90,7 +90,6 @@ constexpr READSTAT_TARGET kDtaTarget = {
     .valueLabelBytes = 32000,
     .textBytes = 2045,
     .wholeLabels = true,
-    .asciiOnly = false,
     .largest = kLargestNumber,
 };
 

@@ -24,6 +24,10 @@ class CWriter {
   CWriter(const CWriter&) = delete;
   CWriter& operator=(const CWriter&) = delete;
 
+  // The name that the file will have in the end, where Begin is told another one: files that belong
+  // to it are named for it.
+  void SetFinalName(std::string name) { finalName_ = std::move(name); }
+
   // Creates the file (an existing one is emptied) for exactly `cases` records. The names of the
   // dictionary are already legal for the format.
   virtual bool Begin(const std::string& name, const DICTIONARY& dictionary, std::int64_t cases) = 0;
@@ -38,12 +42,15 @@ class CWriter {
   const std::string& Error() const { return error_; }
 
  protected:
+  // Empty where it is that of Begin.
+  const std::string& FinalName() const { return finalName_; }
   bool Fail(std::string error) {
     if (error_.empty()) error_ = std::move(error);
     return false;
   }
 
  private:
+  std::string finalName_;
   std::string error_;
 };
 

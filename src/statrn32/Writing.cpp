@@ -1,5 +1,6 @@
 // The writing half of host/statrn32.h.
 #include <new>
+#include <utility>
 
 #include "statrn32/Environment.h"
 
@@ -50,6 +51,7 @@ ST_FILE* OpenOutFile(ST_ENV* env, const FORMAT& format, const char* name) {
   file->renamed = MakeNamesLegal(format, &file->dictionary);
   file->outCells.resize(file->dictionary.variables.size());
   file->writer = format.writer();
+  file->writer->SetFinalName(std::exchange(env->outName, {}));
   if (!file->writer->Begin(name, file->dictionary, env->cases)) {
     FailWith(env, file->writer->Error());
     return nullptr;
@@ -125,6 +127,12 @@ int ST_DBSetParm(ST_ENV* env, int parameter, int /*option*/, const char* value) 
   constexpr int kTableName = 2;
   if (env == nullptr || value == nullptr) return -1;
   if (parameter == kTableName) env->userDictionary.tableName = value;
+  return 0;
+}
+
+int ST_SetOutName(ST_ENV* env, const char* name) {
+  if (env == nullptr || name == nullptr) return -1;
+  env->outName = name;
   return 0;
 }
 

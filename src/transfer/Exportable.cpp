@@ -230,6 +230,7 @@ bool basic_exportable_t<CharT, CountT>::ExportStatData(const string& name, int t
     ReportError(name + ": " + side.ErrorText());
     return false;
   }
+  ST_SetOutName(transfer.Environment(), name.c_str());
   bool written = OpenExportFile(side.Path(), type, transfer) && WriteStatRecords(transfer);
   written = written && ST_CloseFiles(transfer.Environment()) == 0;
   for (int i = 0; written && i < ST_GetNNotes(transfer.Environment()); ++i) {

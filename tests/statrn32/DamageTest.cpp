@@ -17,6 +17,9 @@ namespace {
 struct Format {
   std::int32_t type;
   const char* file;
+  // Neither a count nor a mark at the end tells that records are missing.
+  bool openEnd = false;
+  bool whole = false;  // is read as a whole before the first record
 };
 
 void PrintTo(const Format& format, std::ostream* out) {
@@ -54,14 +57,18 @@ class Damage : public testing::TestWithParam<Format> {
 INSTANTIATE_TEST_SUITE_P(Formats, Damage,
                          testing::Values(Format{22, "t.sav"}, Format{22, "t.zsav"},
                                          Format{13, "t.por"}, Format{14, "t.dta"},
-                                         Format{12, "t.xpt"}, Format{6, "t.dbf"},
-                                         Format{10, "t.db"}));
+                                         Format{12, "t.xpt", true}, Format{6, "t.dbf"},
+                                         Format{10, "t.db"}, Format{16, "t.syd"},
+                                         Format{17, "t.ssc", false, true},
+                                         Format{32, "t.rec", true}));
 
 // Formats of text or of packages of parts: what their writers make is damaged as well, but a cut
 // may still be a shorter file of theirs.
 class LooseDamage : public Damage {};
 INSTANTIATE_TEST_SUITE_P(Formats, LooseDamage,
-                         testing::Values(Format{7, "t.xls"}, Format{28, "t.sql"},
+                         testing::Values(Format{0, "t.wk1"}, Format{11, "t.wq1"},
+                                         Format{29, "t.mat"}, Format{36, "t.dct"},
+                                         Format{7, "t.xls"}, Format{28, "t.sql"},
                                          Format{31, "t.html"}, Format{39, "t.sps"},
                                          Format{40, "t.sas"}, Format{41, "t.do"},
                                          Format{900, "t.xlsx"}, Format{901, "t.ods"},
@@ -90,7 +97,7 @@ TEST_P(Damage, EveryTruncationGivesAnErrorOrFewerRecords) {
       ASSERT_THAT(table.error, HasSubstr(name_)) << size;
     }
     // What a file ends with may be padding; what is missing of its records may not.
-    if (table.error.empty() && GetParam().type != 12) {
+    if (table.error.empty() && !GetParam().openEnd) {
       ASSERT_EQ(table.records.size(), 3U) << size;
     }
   }
@@ -140,6 +147,7 @@ TEST_P(Damage, ClosingAfterTheFirstRecordIsPrompt) {
 }
 
 TEST_P(Damage, AFileThatShrinksWhileItIsReadEndsWithAnError) {
+  if (GetParam().whole) return;
   Table table;
   table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
   std::mt19937 random(3);
@@ -154,7 +162,7 @@ TEST_P(Damage, AFileThatShrinksWhileItIsReadEndsWithAnError) {
   int got = 1;
   while ((got = ST_ReadRecord(file)) == 1) ++records;
   EXPECT_LT(records, 400000);
-  if (GetParam().type != 12) {
+  if (!GetParam().openEnd) {
     EXPECT_EQ(got, -1);
   }
   ST_CloseEnvironment(env);

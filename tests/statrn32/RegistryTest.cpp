@@ -20,20 +20,20 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
       {23, "Access", true, false},
       {6, "dBASE", true, true},
       {7, "Excel", true, true},
-      {32, "Epi Info", false, false},
-      {9, "Gauss", false, false},
+      {32, "Epi Info", true, true},
+      {9, "Gauss", true, false},
       {31, "HTML Table", true, true},
       {27, "Informix", true, true},
       {35, "JMP", true, false},
       {33, "LIMDEP for Windows", false, false},
-      {0, "Lotus 1-2-3", false, false},
-      {29, "Matlab Matrix", false, false},
+      {0, "Lotus 1-2-3", true, true},
+      {29, "Matlab Matrix", true, true},
       {34, "Mineset", false, false},
       {37, "Minitab", true, false},
-      {36, "OSIRIS", false, false},
+      {36, "OSIRIS", true, true},
       {10, "Paradox", true, true},
-      {11, "Quattro Pro", false, false},
-      {17, "S-Plus", false, false},
+      {11, "Quattro Pro", true, true},
+      {17, "S-Plus", true, true},
       {38, "SAS Data File - Versions 7/8/9", true, false},
       {20, "SAS V6 Data File", false, false},
       {12, "SAS Transport File", true, true},
@@ -44,7 +44,7 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
       {14, "Stata", true, true},
       {41, "Stata Program & Data File", true, true},
       {30, "Statistica", true, false},
-      {16, "Systat", false, false},
+      {16, "Systat", true, true},
       {21, "SigmaPlot File", true, false},
       {25, "SQL Server (Sybase)", true, true},
       {28, "SQL Server (Microsoft)", true, true},
@@ -60,7 +60,8 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
     EXPECT_EQ(ST_CanRead(type.code), type.read) << type.name;
     EXPECT_EQ(ST_CanWrite(type.code), type.write) << type.name;
     // Scripts and programs are text without a signature: what is wrong with them is told instead.
-    const bool text = (type.code >= 25 && type.code <= 28) || (type.code >= 39 && type.code <= 44);
+    const bool text = type.code == 9 || (type.code >= 25 && type.code <= 28) ||
+                      (type.code >= 39 && type.code <= 44);
     EXPECT_THAT(ReadFile(type.code, name).error,
                 AllOf(HasSubstr(name), HasSubstr(text ? "" : type.name)));
     if (type.write) continue;
@@ -116,6 +117,8 @@ TEST(Registry, WhatIsNoFileOfTheTypeIsToldSo) {
       {38, std::string(2000, '\0'), "not a file of the type \"SAS Data File"},
       {13, std::string(2000, ' '), "not a file of the type \"SPSS Portable File\""},
       {14, std::string("\0\1\0\0Standard Jet DB\0", 20), "those of \"Access\""},
+      {17, std::string("\0S data\1", 8) + "xyz", "in binary form"},
+      {17, "## Dump S Version 4 Dump ##\nx\n", "oldStyle = T"},
       {23, std::string("\0\1\0\0MSISAM Database\0", 20), "a file of Money"},
       {30, kCompound, "a later generation"},
       {35, "some old table", "no JMP table of version 5"},
@@ -151,7 +154,7 @@ TEST(Registry, FilesAreRecognisedByTheirFirstBytes) {
   table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
   table.records = {{Number(1)}};
   const std::string name = folder.Name("file");
-  for (const std::int32_t type : {12, 13, 14, 22}) {
+  for (const std::int32_t type : {0, 11, 12, 13, 14, 16, 17, 22, 29, 32}) {
     ASSERT_EQ(WriteFile(table, type, name).error, "");
     EXPECT_EQ(ST_SniffFile(name.c_str()), type);
   }

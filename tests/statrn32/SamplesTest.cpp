@@ -60,6 +60,27 @@ constexpr Sample kSamples[] = {
     {23, "access/DateTestDatabase.mdb", 6, 6},
     {23, "access/acc95.mdb", 1, 1},
     {30, "statistica/KSBASE.STA", 84, 14},
+    {0, "lotus/KSBASE.WK1", 83, 15},
+    {0, "lotus/PEYTREND.WK3", 222, 5},
+    {0, "lotus/testLotus123.wk4", 10, 6},
+    {0, "lotus/testLotus123.123", 47, 20},
+    {0, "lotus/write_L1.wks", 4, 4},
+    {0, "lotus/write_L2.wk1", 4, 4},
+    {11, "quattro/KSBASE.WQ1", 83, 14},
+    {11, "quattro/KS4000.WQ2", 35, 10},
+    {11, "quattro/testQuattro.wb1", 10, 3},
+    {11, "quattro/testQuattro.wb2", 10, 3},
+    {11, "quattro/write_8.wb3", 4, 4},
+    {11, "quattro/q9test.qpw", 18, 2},
+    {16, "systat/Iris.syd", 150, 5},
+    {17, "splus/dumpdata.S", 3, 4},
+    {29, "matlab/test_file_v5.mat", 5, 10},
+    {29, "matlab/test_file_v73.mat", 5, 10},
+    {29, "matlab/testmatrix_v4.mat", 3, 5},
+    {29, "matlab/testmulti_v7.mat", 3, 5},
+    {29, "matlab/testcell_v7.mat", 4, 1},
+    {29, "matlab/teststringarray_v7.mat", 3, 1},
+    {29, "matlab/testsparse_v7.mat", 3, 5},
     {31, "html/german-numbers.html", 7, 2},
     {31, "html/css-simple.html", 1, 3},
     {31, "html/column_width.htm", 3, 8},
@@ -159,6 +180,31 @@ constexpr Cell kCells[] = {
     {35, "jmp/date.jmp", 1, "ddmmyyyy", "1973-05-24"},
     {37, "minitab/ex1-51.mtp", 0, "control", "1202.599976"},
     {37, "minitab/ex1-51.mtp", -1, "seeded", "4.099999905"},
+    {0, "lotus/KSBASE.WK1", 1, "OBSERV", "4001"},
+    {0, "lotus/KSBASE.WK1", 1, "DATE", "1996-07-03"},
+    {0, "lotus/KSBASE.WK1", 1, "X", "683.38"},
+    {0, "lotus/KSBASE.WK1", 1, "KS", "0.14963475091262"},
+    {0, "lotus/testLotus123.wk4", 0, "EMPID", "67543"},
+    {0, "lotus/testLotus123.wk4", 0, "DOH", "1988-08-13"},
+    {11, "quattro/KSBASE.WQ1", 1, "Y", "3133.59"},
+    {11, "quattro/KSBASE.WQ1", 1, "KS", "0.14963475091262"},
+    {16, "systat/Iris.syd", 0, "SEPALLEN", "5.1"},
+    {16, "systat/Iris.syd", -1, "PETALWID", "1.8"},
+    {17, "splus/dumpdata.S", 0, "ints", "<missing>"},
+    {17, "splus/dumpdata.S", 2, "floats", "1.3"},
+    {17, "splus/dumpdata.S", 0, "logs", "1"},
+    {29, "matlab/test_file_v5.mat", 0, "V2", "6"},
+    {29, "matlab/test_file_v5.mat", -1, "V10", "50"},
+    {29, "matlab/test_file_v73.mat", -1, "V10", "50"},
+    {29, "matlab/testsparse_v7.mat", 0, "V5", "5"},
+    {29, "matlab/teststringarray_v7.mat", 2, "teststringarray", "three"},
+    {0, "lotus/testLotus123.123", -1, "POP90", "1222398"},
+    {0, "lotus/PEYTREND.WK3", -1, "NO", "216"},
+    {11, "quattro/testQuattro.wb1", -1, "Z", "10"},
+    {11, "quattro/testQuattro.wb2", 0, "Z", "10"},
+    {11, "quattro/q9test.qpw", 2, "VAR002", "131082"},
+    {11, "quattro/write_8.wb3", 0, "VAR003", "3"},
+    {29, "matlab/testmatrix_v4.mat", 1, "V1", "2"},
     {900, "xlsx/datasets.xlsx", 0, "mpg", "21"},
     {39, "sps_text/codefile.sps", 2, "X2", "6"},
     {39, "sps_text/codefile.sps", 2, "X3", "str_3"},
@@ -285,11 +331,17 @@ std::vector<Sample> SamplesToDamage() {
   return samples;
 }
 
+// Their libraries read in a process of their own, which may take all the time that it is given.
+bool IsReadApart(const Sample& sample) {
+  return sample.type == 0 || sample.type == 11 || sample.type == 29;
+}
+
 TEST_F(Samples, CutOffEndWithAnErrorOrNoMoreRecords) {
   for (const Sample& sample : SamplesToDamage()) {
     const DamagedSample damaged(sample);
     const std::size_t cuts = FullDamage() != nullptr ? damaged.Whole().size() : 40;
-    for (std::size_t i = 0; i < cuts; ++i) {
+    const bool few = IsReadApart(sample) && FullDamage() == nullptr;
+    for (std::size_t i = 0; i < cuts; i += few ? 8 : 1) {
       const Table table =
           damaged.Read(damaged.Whole().substr(0, damaged.Whole().size() * i / cuts));
       ASSERT_LE(table.records.size(), sample.records) << sample.file << " cut " << i;
@@ -303,7 +355,8 @@ TEST_F(Samples, WithChangedBytesNeverCrash) {
   std::mt19937 random(7);
   for (const Sample& sample : SamplesToDamage()) {
     const DamagedSample damaged(sample);
-    for (std::size_t round = 0; round < rounds; ++round) {
+    const bool few = IsReadApart(sample) && FullDamage() == nullptr;
+    for (std::size_t round = 0; round < rounds; round += few ? 15 : 1) {
       std::string bytes = damaged.Whole();
       // Half of the changes hit the beginning, where the sizes stand.
       const std::size_t reach = round % 2 == 0 ? std::min(kHeader, bytes.size()) : bytes.size();
