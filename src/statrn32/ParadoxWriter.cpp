@@ -155,7 +155,7 @@ std::vector<std::string> CParadoxWriter::Notes() const {
 
 }  // namespace
 
-constexpr NAME_RULES kParadoxNames = {25, "_", "_ ", false, false, false, {}};
+constexpr NAME_RULES kParadoxNames = {25, "_", "_ ", true, false, false, {}};
 constexpr LIMITS kParadoxLimits = {
     .records = 2'000'000'000,
     .variables = 255,
