@@ -36,7 +36,12 @@ TEST(TablesByOtherPrograms, ParadoxTablesHoldTheSameNumbersAndTexts) {
                              Text(i % 2 == 0 ? "Ulm" : "Köln"), Number(-i / 3.0)});
   }
   ASSERT_EQ(WriteFile(table, 10, name).error, "");
-  if (!Runs("LC_ALL=C ssconvert " + name + " " + csv)) GTEST_SKIP() << "no ssconvert is installed";
+  if (!Runs("ssconvert --version >/dev/null")) GTEST_SKIP() << "ssconvert is not installed";
+  // It fails at every third table, whoever made it, and reads it when asked again.
+  constexpr int kTries = 20;
+  bool read = false;
+  for (int i = 0; i < kTries && !read; ++i) read = Runs("ssconvert " + name + " " + csv);
+  ASSERT_TRUE(read);
   const std::vector<std::string> lines = LinesOf(csv);
   ASSERT_EQ(lines.size(), table.records.size() + 1);
   for (std::size_t i = 0; i < table.records.size(); ++i) {
