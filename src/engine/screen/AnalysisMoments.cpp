@@ -1,6 +1,7 @@
 #include "engine/screen/AnalysisMoments.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -13,8 +14,10 @@ namespace {
 struct STANDARDISED {
   double mean = 0, deviation = 1;
   std::vector<double> values, scores;  // of the categories of an ordinal variable
+  std::optional<stats::CNormalMargin> censored;
 
   double operator()(double value) const {
+    if (censored) return std::isnan(value) ? value : censored->Expectation(censored->See(value));
     // A constant variable adds nothing, and a missing value of it still leaves the case out.
     if (values.empty()) return (value - mean) / (deviation > 0 ? deviation : 1);
     const auto at = std::lower_bound(values.begin(), values.end(), value);
@@ -31,10 +34,14 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
   const std::size_t numeric = variables.numeric.size();
   std::optional<stats::CMoments> products;
   std::optional<stats::CPairTables> tables;
-  // Moments about zero with ordinal variables need the deviations with divisor n.
+  // Moments about zero with ordinal variables need the deviations with divisor n, censored
+  // variables their limits.
   std::optional<stats::CUnivariate> univariate;
   const bool aboutZero = kind == MOMENTS::AboutZero || kind == MOMENTS::Augmented;
-  if (numeric > 0 && aboutZero && !variables.ordinal.empty()) {
+  const bool censoring =
+      std::any_of(variables.all.begin(), variables.all.end(),
+                  [](const SCREENVARIABLE& variable) { return variable.IsCensored(); });
+  if (censoring || (numeric > 0 && aboutZero && !variables.ordinal.empty())) {
     univariate.emplace(static_cast<int>(numeric), variables.deletion, run.threads);
   }
   if (numeric > 0) {
@@ -75,11 +82,11 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
     return false;
   }
   ONEVARIABLERESULTS results;
-  for (std::size_t i = 0; univariate && i < numeric; ++i) {
-    results.numeric.push_back(univariate->Result(static_cast<int>(i)));
-  }
-  return BuildMoments(run, variables, kind, results, products ? &*products : nullptr,
-                      polychoric ? &*polychoric : nullptr, polyserial, moments, fault);
+  if (univariate) results = DescribeVariables(variables, &*univariate);
+  stats::NormalPairs censored;
+  return EstimateCensoredPairs(run, variables, results, censored, fault) &&
+         BuildMoments(run, variables, kind, results, products ? &*products : nullptr,
+                      polychoric ? &*polychoric : nullptr, polyserial, censored, moments, fault);
 }
 
 void AddScoreVariables(ENGINERUN& run, const SCREENVARIABLES& variables,
@@ -92,7 +99,8 @@ void AddScoreVariables(ENGINERUN& run, const SCREENVARIABLES& variables,
     const SCREENVARIABLE& variable = variables.all[i];
     function.inputs.push_back(variable.variable);
     const auto at = static_cast<Eigen::Index>(i);
-    STANDARDISED one{moments.means(at), moments.deviations(at), {}, {}};
+    STANDARDISED one{moments.means(at), moments.deviations(at), {}, {}, {}};
+    if (variable.IsCensored()) one.censored = moments.margins[i];
     if (variable.IsOrdinal()) {
       one.values = variable.values.values;
       one.scores = stats::ComputeNormalScores(one.values, variable.values.counts).score;

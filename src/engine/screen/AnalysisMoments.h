@@ -11,7 +11,8 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
 
 // Adds new variables to the job that are sums of the standardised variables: weights has a row a
 // variable of the analysis and a column a score. An ordinal variable enters by the mean of its
-// underlying normal variable within the category. A case with a missing value has no scores.
+// underlying normal variable within the category, a censored one beyond its limit likewise. A case
+// with a missing value has no scores.
 void AddScoreVariables(ENGINERUN& run, const SCREENVARIABLES& variables,
                        const ANALYSISMOMENTS& moments, const Eigen::MatrixXd& weights,
                        const VARIABLELIST& outputs);

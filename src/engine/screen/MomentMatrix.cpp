@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/screen/ColumnStore.h"
 #include "engine/screen/Faults.h"
 #include "engine/stats/Parallel.h"
-#include "vexutils/FreeMemory.h"
 
 namespace {
 
@@ -13,45 +13,6 @@ using Index = Eigen::Index;
 
 Index At(std::size_t i) {
   return static_cast<Index>(i);
-}
-
-// Columns of all cases, for the methods that go through them again and again.
-struct COLUMNSTORE {
-  std::vector<std::vector<double>> cells;
-  std::vector<std::vector<std::uint8_t>> codes;
-  std::vector<double> weights;
-
-  void Add(const CASEBLOCK& block) {
-    for (std::size_t j = 0; j < cells.size(); ++j) {
-      const double* cell = block.cells.cells + j;
-      for (std::int64_t i = 0; i < block.cells.cases; ++i, cell += block.cells.stride) {
-        cells[j].push_back(*cell);
-      }
-    }
-    for (std::size_t j = 0; j < codes.size(); ++j) {
-      const std::uint8_t* const first =
-          block.codes.codes + static_cast<std::int64_t>(j) * block.codes.stride;
-      codes[j].insert(codes[j].end(), first, first + block.codes.cases);
-    }
-    if (block.cells.weights != nullptr) {
-      weights.insert(weights.end(), block.cells.weights, block.cells.weights + block.cells.cases);
-    }
-  }
-};
-
-// Is there a numeric variable whose correlations are more than product moments?
-bool RefuseCensored(const ENGINERUN& run, const SCREENVARIABLES& variables, FAULT& fault) {
-  for (const SCREENVARIABLE& variable : variables.all) {
-    if (variable.type < kCensoredAbove || variable.type > kCensoredBoth) continue;
-    fault =
-        OutputFault(run,
-                    "variable " + variable.name +
-                        " is censored, and moment matrices with censored variables are not "
-                        "built into this engine yet",
-                    "Leave the variable out with SE, or treat it as continuous with a CO line.");
-    return true;
-  }
-  return false;
 }
 
 stats::EMoments KindOf(MOMENTS moments) {
@@ -71,17 +32,20 @@ class CMomentBuilder {
  public:
   CMomentBuilder(MOMENTS kind, const SCREENVARIABLES& variables, const stats::MomentMatrix& numeric,
                  const std::vector<stats::UnivariateResult>& univariate,
-                 const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial)
+                 const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
+                 const stats::NormalPairs& censored)
       : kind_(kind),
         variables_(variables),
         numeric_(numeric),
         univariate_(univariate),
         polychoric_(polychoric),
-        polyserial_(polyserial) {}
+        polyserial_(polyserial),
+        censored_(censored) {}
 
   double Element(std::size_t i, std::size_t j) const {
     const SCREENVARIABLE& a = variables_.all[i];
     const SCREENVARIABLE& b = variables_.all[j];
+    if (censored_.Has(i, j)) return CensoredElement(i, j);
     if (!a.IsOrdinal() && !b.IsOrdinal()) return numeric_.matrix(a.place, b.place);
     if (a.IsOrdinal() && b.IsOrdinal()) {
       return i == j ? 1 : polychoric_->correlation(a.place, b.place);
@@ -95,14 +59,29 @@ class CMomentBuilder {
 
   double Mean(std::size_t i) const {
     const SCREENVARIABLE& variable = variables_.all[i];
+    if (variable.IsCensored()) return censored_.margins[i].Mean();
     return variable.IsOrdinal() ? 0 : numeric_.mean(variable.place);
   }
   double Deviation(std::size_t i) const {
     const SCREENVARIABLE& variable = variables_.all[i];
+    if (variable.IsCensored()) return censored_.margins[i].Deviation();
     return variable.IsOrdinal() ? 1 : numeric_.sd(variable.place);
   }
 
  private:
+  // A correlation times the standard deviations, plus the means where they are asked for. A
+  // censored variable has its maximum likelihood estimates.
+  double CensoredElement(std::size_t i, std::size_t j) const {
+    const double r = i == j ? 1 : censored_.Pair(i, j).r;
+    if (kind_ == MOMENTS::Correlations) return r;
+    const double covariance = r * ScaleOf(i) * ScaleOf(j);
+    return kind_ == MOMENTS::Covariances ? covariance : covariance + Mean(i) * Mean(j);
+  }
+  double ScaleOf(std::size_t i) const {
+    const SCREENVARIABLE& variable = variables_.all[i];
+    return variable.IsOrdinal() || variable.IsCensored() ? Deviation(i) : Scale(variable);
+  }
+
   // The factor from a correlation with an underlying variable to the element: moments about zero
   // and augmented ones have the divisor n.
   double Scale(const SCREENVARIABLE& numeric) const {
@@ -122,6 +101,7 @@ class CMomentBuilder {
   const std::vector<stats::UnivariateResult>& univariate_;
   const stats::PolychoricMatrix* polychoric_;
   const POLYSERIALRESULTS& polyserial_;
+  const stats::NormalPairs& censored_;
 };
 
 const SCREENVARIABLE& Numeric(const SCREENVARIABLES& variables, int place) {
@@ -177,41 +157,30 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
                          POLYSERIALRESULTS& results, FAULT& fault) {
   const std::size_t numeric = variables.numeric.size();
   const std::size_t ordinal = variables.ordinal.size();
-  const std::int64_t cases =
-      variables.IsListwise() ? variables.census.complete : variables.census.cases;
-  const std::int64_t bytes =
-      cases * static_cast<std::int64_t>(sizeof(double) * (numeric + 1) + ordinal);
-  if (bytes > FreeMemoryBytes()) {
-    fault = OutputFault(run,
-                        "correlations of ordinal with continuous variables need " +
-                            std::to_string(bytes >> 20) + " MB of memory for the cases",
-                        "Select fewer variables with SE.");
+  COLUMNSTORE store;
+  std::int64_t megabytes = 0;
+  if (!HoldColumns(run, variables, "correlations of ordinal with continuous variables", store,
+                   megabytes, fault)) {
     return false;
   }
-  COLUMNSTORE store;
-  store.cells.resize(numeric);
-  store.codes.resize(ordinal);
-  for (auto& column : store.cells) column.reserve(static_cast<std::size_t>(cases));
-  for (auto& column : store.codes) column.reserve(static_cast<std::size_t>(cases));
-  if (!run.Pass(
-          run.source, [&store](const CASEBLOCK& block) { store.Add(block); }, fault))
-    return false;
   results.assign(ordinal * numeric, {});
   stats::ParallelFor(run.threads, static_cast<std::int64_t>(results.size()), [&](std::int64_t k) {
     const auto pair = static_cast<std::size_t>(k);
     const std::size_t i = pair / numeric;
     const std::size_t j = pair % numeric;
-    results[pair] =
-        stats::EstimatePolyserial(store.cells[j].data(), store.codes[i].data(),
-                                  static_cast<std::int64_t>(store.cells[j].size()),
-                                  static_cast<int>(OrdinalAt(variables, i).values.values.size()),
-                                  store.weights.empty() ? nullptr : store.weights.data());
+    if (Numeric(variables, static_cast<int>(j)).IsCensored()) return;
+    results[pair] = stats::EstimatePolyserial(
+        store.cells[j].data(), store.codes[i].data(), store.Cases(),
+        static_cast<int>(OrdinalAt(variables, i).values.values.size()), store.Weights());
   });
   run.report.Gap();
-  run.report.Paragraph("For the polyserial correlations " + std::to_string((bytes >> 20) + 1) +
+  run.report.Paragraph("For the polyserial correlations " + std::to_string(megabytes) +
                        " MB of cases were held in memory.");
   for (std::size_t pair = 0; pair < results.size(); ++pair) {
-    if (results[pair].status == stats::EStatus::Ok) continue;
+    if (results[pair].status == stats::EStatus::Ok ||
+        Numeric(variables, static_cast<int>(pair % numeric)).IsCensored()) {
+      continue;
+    }
     fault = OutputFault(run,
                         "the correlation of " + OrdinalAt(variables, pair / numeric).name +
                             " and " + Numeric(variables, static_cast<int>(pair % numeric)).name +
@@ -225,13 +194,13 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
 bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables, MOMENTS kind,
                   const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
                   const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
-                  ANALYSISMOMENTS& out, FAULT& fault) {
+                  const stats::NormalPairs& censored, ANALYSISMOMENTS& out, FAULT& fault) {
   stats::MomentMatrix numeric;
-  if (RefuseCensored(run, variables, fault)) return false;
   if (polychoric != nullptr && !CheckPolychorics(run, variables, *polychoric, fault)) return false;
   if (moments != nullptr && !ComputeNumeric(run, variables, *moments, kind, numeric, fault))
     return false;
-  const CMomentBuilder builder(kind, variables, numeric, results.numeric, polychoric, polyserial);
+  const CMomentBuilder builder(kind, variables, numeric, results.numeric, polychoric, polyserial,
+                               censored);
   const std::size_t p = variables.all.size();
   const std::size_t rows = p + (kind == MOMENTS::Augmented ? 1 : 0);
   out.matrix.setZero(At(rows), At(rows));
@@ -244,12 +213,18 @@ bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables, MOMENTS kind
       out.matrix(At(i), At(j)) = out.matrix(At(j), At(i)) = builder.Element(i, j);
     }
   }
+  out.margins = censored.margins;
   out.smallestN = variables.Weight();
   if (moments != nullptr) out.smallestN = std::min(out.smallestN, numeric.smallestN);
   if (polychoric != nullptr) {
     for (const auto& pair : polychoric->pairs) out.smallestN = std::min(out.smallestN, pair.n);
   }
-  for (const auto& pair : polyserial) out.smallestN = std::min(out.smallestN, pair.n);
+  for (const auto& pair : polyserial) {
+    if (pair.status == stats::EStatus::Ok) out.smallestN = std::min(out.smallestN, pair.n);
+  }
+  for (const auto& pair : censored.pairs) {
+    if (pair.status == stats::EStatus::Ok) out.smallestN = std::min(out.smallestN, pair.n);
+  }
   if (kind == MOMENTS::Augmented) {
     out.matrix.row(At(p)).head(At(p)) = out.means;
     out.matrix.col(At(p)).head(At(p)) = out.means;

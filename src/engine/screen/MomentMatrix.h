@@ -4,6 +4,7 @@
 
 #include <Eigen/Core>
 
+#include "engine/screen/CensoredPairs.h"
 #include "engine/screen/OneVariable.h"
 #include "engine/stats/AsymptoticCovariance.h"
 #include "engine/stats/Moments.h"
@@ -15,8 +16,9 @@
 struct ANALYSISMOMENTS {
   Eigen::MatrixXd matrix;  // of the kind that was asked for; augmented: one row more
   Eigen::VectorXd means;
-  Eigen::VectorXd deviations;  // divisor n - 1
-  double smallestN = 0;        // over all elements
+  Eigen::VectorXd deviations;                 // divisor n - 1
+  double smallestN = 0;                       // over all elements
+  std::vector<stats::CNormalMargin> margins;  // of all variables, when one of them is censored
 };
 
 // Correlations of ordinal variables with numeric ones: ordinal after ordinal, one for each numeric
@@ -24,16 +26,18 @@ struct ANALYSISMOMENTS {
 using POLYSERIALRESULTS = std::vector<stats::PolyserialResult>;
 
 // Reads the cases once more and keeps the columns in memory, 8 bytes a numeric cell and 1 an
-// ordinal one; the report says how much. Returns false with the reason in `fault`.
+// ordinal one; the report says how much. Those with censored variables are left to
+// EstimateCensoredPairs. Returns false with the reason in `fault`.
 bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
                          POLYSERIALRESULTS& results, FAULT& fault);
 
-// `results` are asked for by the kinds with divisor n only. `moments` may be null without numeric
-// variables, `polychoric` without pairs of ordinal ones.
+// `results` are asked for by the kinds with divisor n, and for censored variables. `moments` may be
+// null without numeric variables, `polychoric` without pairs of ordinal ones; `censored` is empty
+// without censored ones.
 bool BuildMoments(ENGINERUN& run, const SCREENVARIABLES& variables, MOMENTS kind,
                   const ONEVARIABLERESULTS& results, const stats::CMoments* moments,
                   const stats::PolychoricMatrix* polychoric, const POLYSERIALRESULTS& polyserial,
-                  ANALYSISMOMENTS& out, FAULT& fault);
+                  const stats::NormalPairs& censored, ANALYSISMOMENTS& out, FAULT& fault);
 
 // Prints matrix, means and standard deviations. A matrix that is not positive definite is a fault
 // of the run.

@@ -5,16 +5,6 @@
 
 namespace {
 
-bool IsCensored(std::int32_t type) {
-  return type >= kCensoredAbove && type <= kCensoredBoth;
-}
-
-stats::ECensoring CensoringOf(std::int32_t type) {
-  return type == kCensoredAbove   ? stats::ECensoring::Above
-         : type == kCensoredBelow ? stats::ECensoring::Below
-                                  : stats::ECensoring::Both;
-}
-
 void WriteCategories(ENGINERUN& run, const SCREENVARIABLE& variable,
                      const stats::ThresholdResult& thresholds) {
   CReport& report = run.report;
@@ -45,6 +35,12 @@ void WriteCategories(ENGINERUN& run, const SCREENVARIABLE& variable,
 
 }  // namespace
 
+stats::ECensoring CensoringOf(std::int32_t type) {
+  return type == kCensoredAbove   ? stats::ECensoring::Above
+         : type == kCensoredBelow ? stats::ECensoring::Below
+                                  : stats::ECensoring::Both;
+}
+
 ONEVARIABLERESULTS DescribeVariables(const SCREENVARIABLES& variables,
                                      const stats::CUnivariate* univariate) {
   ONEVARIABLERESULTS results;
@@ -52,7 +48,7 @@ ONEVARIABLERESULTS DescribeVariables(const SCREENVARIABLES& variables,
     const SCREENVARIABLE& variable = variables.all[i];
     results.numeric.push_back(univariate->Result(variable.place));
     results.censored.emplace_back();
-    if (IsCensored(variable.type)) {
+    if (variable.IsCensored()) {
       results.censored.back() = stats::EstimateCensored(
           stats::SumsAtRange(results.numeric.back(), CensoringOf(variable.type)));
     }
@@ -148,7 +144,7 @@ void WriteCensoredSection(ENGINERUN& run, const SCREENVARIABLES& variables,
                    {"St. dev.", false},   {"s.e.", false}};
   for (const std::size_t i : variables.numeric) {
     const SCREENVARIABLE& variable = variables.all[i];
-    if (!IsCensored(variable.type)) continue;
+    if (!variable.IsCensored()) continue;
     const auto& result = results.censored[static_cast<std::size_t>(variable.place)];
     const CString which = CString(TypeText(variable.type)).substr(sizeof "censored");
     if (result.status != stats::EStatus::Ok) {

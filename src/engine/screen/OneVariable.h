@@ -16,6 +16,9 @@ struct ONEVARIABLERESULTS {
 ONEVARIABLERESULTS DescribeVariables(const SCREENVARIABLES& variables,
                                      const stats::CUnivariate* univariate);
 
+// The type is a censored one.
+stats::ECensoring CensoringOf(std::int32_t type);
+
 // What cannot be described is noted as a fault of the run.
 void WriteOrdinalSection(ENGINERUN& run, const SCREENVARIABLES& variables,
                          const ONEVARIABLERESULTS& results);

@@ -180,11 +180,14 @@ class CScreening {
       SaveOneVariableMoments();
       return true;
     }
-    if (needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial_, fault))
+    if ((needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial_, fault)) ||
+        !EstimateCensoredPairs(run_, variables_, results_, censored_, fault)) {
       return false;
+    }
     ANALYSISMOMENTS moments;
     if (!BuildMoments(run_, variables_, output_.moments, results_, moments_ ? &*moments_ : nullptr,
-                      polychoric_ ? &*polychoric_ : nullptr, polyserial_, moments, fault)) {
+                      polychoric_ ? &*polychoric_ : nullptr, polyserial_, censored_, moments,
+                      fault)) {
       return false;
     }
     WriteMomentSection(run_, variables_, moments);
@@ -202,8 +205,10 @@ class CScreening {
       const SCREENVARIABLE& variable = variables_.all[static_cast<std::size_t>(i)];
       if (variable.IsOrdinal()) continue;
       const auto& one = results_.numeric[static_cast<std::size_t>(variable.place)];
-      moments.means(i) = one.mean;
-      moments.deviations(i) = one.sd;
+      const auto& censored = results_.censored[static_cast<std::size_t>(variable.place)];
+      const bool likelihood = variable.IsCensored() && censored.status == stats::EStatus::Ok;
+      moments.means(i) = likelihood ? censored.mean : one.mean;
+      moments.deviations(i) = likelihood ? censored.sd : one.sd;
     }
     SaveMoments(run_, moments);
   }
@@ -222,7 +227,7 @@ class CScreening {
     bool done = false;
     const bool correlations = output_.moments == MOMENTS::Correlations;
     const auto kind = correlations ? stats::EMoments::Correlation : stats::EMoments::Covariance;
-    if (variables_.ordinal.empty()) {
+    if (variables_.ordinal.empty() && censored_.censored.empty()) {
       stats::CProductMomentAcov acov(*moments_, kind, run_.threads);
       done = Accumulate(
           acov,
@@ -241,7 +246,7 @@ class CScreening {
       }
       stats::CMixedAcov acov(std::move(all),
                              {moments_ ? &*moments_ : nullptr, tables_ ? &*tables_ : nullptr,
-                              polychoric_ ? &*polychoric_ : nullptr, &polyserial_},
+                              polychoric_ ? &*polychoric_ : nullptr, &polyserial_, &censored_},
                              kind, variables_.deletion, run_.threads);
       done = Accumulate(
           acov,
@@ -273,6 +278,7 @@ class CScreening {
   std::optional<stats::CPairTables> tables_;
   std::optional<stats::PolychoricMatrix> polychoric_;
   POLYSERIALRESULTS polyserial_;
+  stats::NormalPairs censored_;
   ONEVARIABLERESULTS results_;
 };
 

@@ -19,6 +19,7 @@ struct SCREENVARIABLE {
   int place = 0;                 // among the numeric variables, or among the ordinal ones
 
   bool IsOrdinal() const { return type == kOrdinal; }
+  bool IsCensored() const { return type >= kCensoredAbove && type <= kCensoredBoth; }
 };
 
 // The variables in the order of the analysis. In blocks the numeric ones come first: continuous,

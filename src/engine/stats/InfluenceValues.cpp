@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/stats/CellModel.h"
+#include "engine/stats/CellScores.h"
 #include "engine/stats/Distributions.h"
 #include "engine/stats/PolyserialModel.h"
 
@@ -25,22 +25,26 @@ class CPairInfluence {
  public:
   CPairInfluence(const FrequencyTable& table, const Values& rowThresholds,
                  const Values& columnThresholds, double r)
-      : table_(table), model_(rowThresholds, columnThresholds), n_(Total(table.count)) {
+      : table_(table),
+        model_(rowThresholds, columnThresholds),
+        n_(Total(table.count)),
+        scores_(table_, model_, n_) {
     model_.Evaluate(r);
     curve_ = model_.Likelihood(table_, n_).curve;
   }
 
   Values Compute(const Values& rowThresholds, const Values& rowMargin,
                  const Values& columnThresholds, const Values& columnMargin) const {
-    const Values byRow = ThroughThresholds(RowSlopes(), rowThresholds, rowMargin);
-    const Values byColumn = ThroughThresholds(ColumnSlopes(), columnThresholds, columnMargin);
+    const Values byRow = ThroughThresholds(scores_.ByRowThresholds(), rowThresholds, rowMargin);
+    const Values byColumn =
+        ThroughThresholds(scores_.ByColumnThresholds(), columnThresholds, columnMargin);
     Values influence;
     for (int a = 0; a <= table_.rows; ++a) {
       for (int b = 0; b <= table_.columns; ++b) {
         double sum = 0;
         if (a < table_.rows) sum += byRow[static_cast<std::size_t>(a)];
         if (b < table_.columns) sum += byColumn[static_cast<std::size_t>(b)];
-        if (a < table_.rows && b < table_.columns) sum += Score(a, b) / n_;
+        if (a < table_.rows && b < table_.columns) sum += scores_.Score(a, b) / n_;
         influence.push_back(-sum / curve_);
       }
     }
@@ -48,53 +52,10 @@ class CPairInfluence {
   }
 
  private:
-  // Only cells with cases are asked for.
-  double Score(int a, int b) const {
-    return table_.At(a, b) > 0 ? model_.Slope(a, b) / model_.Probability(a, b) : 0.0;
-  }
-
-  // The share of a cell times the derivative of its score, for derivatives of its probability and
-  // slope.
-  double ScoreChange(int a, int b, double probability, double slope) const {
-    if (table_.At(a, b) == 0) return 0;
-    const double p = model_.Probability(a, b);
-    return table_.At(a, b) / n_ * (slope - model_.Slope(a, b) * probability / p) / p;
-  }
-
-  // Derivatives of the mean slope by the thresholds.
-  Values RowSlopes() const {
-    Values slopes;
-    for (int a = 0; a + 1 < table_.rows; ++a) {
-      const CCellModel::ByThreshold by = model_.ByRowThreshold(a);
-      double sum = 0;
-      for (int b = 0; b < table_.columns; ++b) {
-        const auto at = static_cast<std::size_t>(b);
-        sum += ScoreChange(a, b, by.probability[at], by.slope[at]) +
-               ScoreChange(a + 1, b, -by.probability[at], -by.slope[at]);
-      }
-      slopes.push_back(sum);
-    }
-    return slopes;
-  }
-
-  Values ColumnSlopes() const {
-    Values slopes;
-    for (int b = 0; b + 1 < table_.columns; ++b) {
-      const CCellModel::ByThreshold by = model_.ByColumnThreshold(b);
-      double sum = 0;
-      for (int a = 0; a < table_.rows; ++a) {
-        const auto at = static_cast<std::size_t>(a);
-        sum += ScoreChange(a, b, by.probability[at], by.slope[at]) +
-               ScoreChange(a, b + 1, -by.probability[at], -by.slope[at]);
-      }
-      slopes.push_back(sum);
-    }
-    return slopes;
-  }
-
   const FrequencyTable& table_;
   CCellModel model_;
   double n_;
+  CCellScores scores_;
   double curve_ = 0;
 };
 

@@ -94,6 +94,28 @@ Fill PolyserialFill(const CMoments& moments, const PolyserialResult& result, EMo
   });
 }
 
+// A covariance with a censored variable is r s t: its influence is that on r times s t, and that on
+// the logarithms of the standard deviations s and t times the covariance.
+template <typename SeeI, typename SeeJ>
+Fill NormalFill(const NormalPairs& normal, std::size_t i, std::size_t j, EMoments kind, SeeI seeI,
+                SeeJ seeJ) {
+  const CNormalMargin& a = normal.margins[i];
+  const CNormalMargin& b = normal.margins[j];
+  const double scale = kind == EMoments::Covariance ? a.Deviation() * b.Deviation() : 1.0;
+  if (i == j) {
+    return FillBy([=](const Step& step, std::int64_t k) {
+      return 2 * scale * a.OnLogDeviation(seeI(a, step, k));
+    });
+  }
+  const NormalPairResult& pair = normal.Pair(i, j);
+  const double r = kind == EMoments::Covariance ? pair.r : 0.0;
+  return FillBy(
+      [=, influence = CNormalPairInfluence(pair, a, b)](const Step& step, std::int64_t k) {
+        const SeenValue x = seeI(a, step, k), y = seeJ(b, step, k);
+        return scale * (influence(x, y) + r * (a.OnLogDeviation(x) + b.OnLogDeviation(y)));
+      });
+}
+
 Fill NoInfluence() {
   return FillBy([](const Step&, std::int64_t) { return 0.0; });
 }
@@ -117,6 +139,8 @@ struct CMixedAcov::State {
   void Check(const std::vector<MixedVariable>& variables, const MixedEstimates& estimates);
   void NotePair(int i, int j, double n, EStatus status);
   Fill FillOf(const MixedEstimates& estimates, MixedVariable a, MixedVariable b) const;
+  Fill FillOf(const NormalPairs& normal, const std::vector<MixedVariable>& variables, std::size_t i,
+              std::size_t j) const;
   std::int64_t Keep(std::int64_t from, std::int64_t end, Step& step) const;
 
   EMoments kind;
@@ -147,6 +171,11 @@ void CMixedAcov::State::Check(const std::vector<MixedVariable>& variables,
     for (std::size_t j = 0; j < i; ++j) {
       const MixedVariable& a = variables[i];
       const MixedVariable& b = variables[j];
+      if (estimates.normal != nullptr && estimates.normal->Has(i, j)) {
+        const NormalPairResult& pair = estimates.normal->Pair(i, j);
+        NotePair(static_cast<int>(i), static_cast<int>(j), pair.n, pair.status);
+        continue;
+      }
       if (!a.ordinal && !b.ordinal) continue;
       const auto at = [&] {
         return a.ordinal ? static_cast<std::size_t>(a.place * numeric + b.place)
@@ -177,6 +206,19 @@ Fill CMixedAcov::State::FillOf(const MixedEstimates& estimates, MixedVariable a,
       a.place);
 }
 
+Fill CMixedAcov::State::FillOf(const NormalPairs& normal,
+                               const std::vector<MixedVariable>& variables, std::size_t i,
+                               std::size_t j) const {
+  const auto see = [&](std::size_t at) {
+    return
+        [variable = variables[at]](const CNormalMargin& margin, const Step& step, std::int64_t k) {
+          return variable.ordinal ? margin.See(step.Code(k, variable.place))
+                                  : margin.See(step.Cell(k, variable.place));
+        };
+  };
+  return NormalFill(normal, i, j, kind, see(i), see(j));
+}
+
 CMixedAcov::CMixedAcov(std::vector<MixedVariable> variables, const MixedEstimates& estimates,
                        EMoments kind, EDeletion deletion, int threads) {
   if (kind != EMoments::Covariance && kind != EMoments::Correlation)
@@ -192,8 +234,11 @@ CMixedAcov::CMixedAcov(std::vector<MixedVariable> variables, const MixedEstimate
   state_->Check(variables, estimates);
   if (state_->result.status != EStatus::Ok) return;
   for (std::size_t i = 0; i < variables.size(); ++i) {
-    for (std::size_t j = 0; j < i + (kind == EMoments::Covariance ? 1 : 0); ++j)
-      state_->fills.push_back(state_->FillOf(estimates, variables[i], variables[j]));
+    for (std::size_t j = 0; j < i + (kind == EMoments::Covariance ? 1 : 0); ++j) {
+      const bool normal = estimates.normal != nullptr && estimates.normal->Has(i, j);
+      state_->fills.push_back(normal ? state_->FillOf(*estimates.normal, variables, i, j)
+                                     : state_->FillOf(estimates, variables[i], variables[j]));
+    }
   }
 }
 CMixedAcov::~CMixedAcov() = default;

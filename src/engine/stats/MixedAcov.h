@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/stats/AsymptoticCovariance.h"
+#include "engine/stats/NormalPair.h"
 #include "engine/stats/Polyserial.h"
 
 namespace stats {
@@ -16,14 +17,30 @@ struct MixedVariable {
   int place = 0;
 };
 
+// Correlations with censored variables, in the order of the analysis: pairs[PairIndex(i, j)] means
+// something when i or j is censored.
+struct NormalPairs {
+  std::vector<bool> censored;
+  std::vector<CNormalMargin> margins;
+  std::vector<NormalPairResult> pairs;
+
+  bool Has(std::size_t i, std::size_t j) const {
+    return !censored.empty() && (censored[i] || censored[j]);
+  }
+  const NormalPairResult& Pair(std::size_t i, std::size_t j) const {
+    return pairs[static_cast<std::size_t>(PairIndex(static_cast<int>(i), static_cast<int>(j)))];
+  }
+};
+
 // What the elements are made of. `polyserial` holds ordinal after ordinal, one for each numeric
 // variable. `tables` and `polychoric` may be null with fewer than two ordinal variables, `moments`
-// without numeric ones.
+// without numeric ones, `normal` without censored ones.
 struct MixedEstimates {
   const CMoments* moments = nullptr;
   const CPairTables* tables = nullptr;
   const PolychoricMatrix* polychoric = nullptr;
   const std::vector<PolyserialResult>* polyserial = nullptr;
+  const NormalPairs* normal = nullptr;
 };
 
 // Elements in the order of CProductMomentAcov. Between numeric variables they are product moments
@@ -32,7 +49,10 @@ struct MixedEstimates {
 // with the score s of a case, -(s + sum of ds/dv influence(v)) / (ds/dr), v being mean, standard
 // deviation and thresholds. Covariance: an ordinal variable stands for one with standard deviation
 // 1, its variance does not vary, and a covariance with a numeric variable is r times the standard
-// deviation (divisor n). Status as in the two classes named.
+// deviation (divisor n). With a censored variable the equations are those of NormalPair.h: the
+// score goes through means and maximum likelihood standard deviations likewise, a covariance is r
+// times both standard deviations, and a variance that of the censored variable. Status as in the
+// two classes named.
 class CMixedAcov {
  public:
   CMixedAcov(std::vector<MixedVariable> variables, const MixedEstimates& estimates, EMoments kind,
