@@ -246,7 +246,6 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
       {"SE 4\nOU MA=KM AV=x", 3, "one variable has no correlations"},
       {"SE 1 2\nOU TH=x", 3, "no variable is ordinal"},
       {"SE 1 2\nOU MA=CM SM=/no/such/folder/x", 3, "cannot be written"},
-      {"OFA NOR NF=1\nOU", 2, "Factor analysis of ordinal variables (OFA) is not built into this"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Run(c.lines), ERUNRESULT::Failed) << c.lines;

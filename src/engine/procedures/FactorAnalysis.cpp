@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "engine/procedures/Eigenvalues.h"
+#include "engine/procedures/LoadingTables.h"
 #include "engine/run/Estimates.h"
 #include "engine/screen/AnalysisMoments.h"
 #include "engine/screen/CasesSections.h"
@@ -48,7 +49,7 @@ class CFactorAnalysis {
     if (!Extract(fault)) return false;
     WriteFit();
     WriteWarnings();
-    WriteLoadings();
+    WriteSolutions();
     WriteResiduals();
     if (run_.sampling != nullptr) NoteEstimates();
     if (fa_.scores) SaveScores();
@@ -197,42 +198,17 @@ class CFactorAnalysis {
     }
   }
 
-  std::vector<CString> FactorNames() const {
-    std::vector<CString> names;
-    for (int j = 1; j <= factors_; ++j) names.push_back("Factor " + std::to_string(j));
-    return names;
-  }
-
-  void WriteMatrix(const CString& heading, const MatrixXd& loadings, bool uniqueness) {
-    MatrixXd matrix = loadings;
-    std::vector<CString> columns = FactorNames();
-    if (uniqueness) {
-      matrix.conservativeResize(Eigen::NoChange, loadings.cols() + 1);
-      matrix.col(loadings.cols()) = result_.uniqueness;
-      columns.push_back("Uniqueness");
-    }
-    std::vector<CString> rows = names_;
-    matrix.conservativeResize(matrix.rows() + 1, Eigen::NoChange);
-    for (Index j = 0; j < matrix.cols(); ++j)
-      matrix(matrix.rows() - 1, j) = matrix.col(j).head(matrix.rows() - 1).squaredNorm();
-    TABLE table = MatrixTable(report_, names_, columns, matrix.topRows(matrix.rows() - 1));
-    std::vector<CString> squares = {"Sum of squares"};
-    for (Index j = 0; j < loadings.cols(); ++j)
-      squares.push_back(report_.Number(matrix(matrix.rows() - 1, j)));
-    table.rows.push_back(std::move(squares));
-    report_.Subsection(heading);
-    report_.Table(table);
-  }
-
-  void WriteLoadings() {
-    WriteMatrix("Unrotated loadings", result_.loadings, true);
+  void WriteSolutions() {
+    WriteLoadings(report_, "Unrotated loadings", names_, result_.loadings, result_.uniqueness);
     varimax_ = stats::RotateVarimax(result_.loadings);
     if (factors_ < 2) return;
-    WriteMatrix("VARIMAX-rotated loadings (rows normalised)", varimax_.loadings, true);
+    WriteLoadings(report_, "VARIMAX-rotated loadings (rows normalised)", names_, varimax_.loadings,
+                  result_.uniqueness);
     const auto promax = stats::RotatePromax(varimax_.loadings);
-    WriteMatrix("PROMAX-rotated loadings (power 4)", promax.loadings, true);
+    WriteLoadings(report_, "PROMAX-rotated loadings (power 4)", names_, promax.loadings,
+                  result_.uniqueness);
     report_.Subsection("Correlations of the PROMAX factors");
-    report_.Table(TriangleTable(report_, FactorNames(), promax.correlation));
+    report_.Table(TriangleTable(report_, FactorNames(factors_), promax.correlation));
   }
 
   void WriteResiduals() {

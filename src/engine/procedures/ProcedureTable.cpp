@@ -7,6 +7,7 @@
 #include "engine/procedures/Matching.h"
 #include "engine/procedures/MultipleImputation.h"
 #include "engine/procedures/NormalScores.h"
+#include "engine/procedures/OrdinalFactorAnalysis.h"
 #include "engine/procedures/OrdinalRegression.h"
 #include "engine/procedures/PrincipalComponents.h"
 #include "engine/procedures/Regression.h"
@@ -21,21 +22,14 @@ struct ROW {
 };
 
 constexpr ROW kRows[] = {
-    {"FA", RunFactorAnalysis},
-    {"PC", RunPrincipalComponents},
-    {"HT", RunHomogeneityTest},
-    {"ET", RunEqualThresholds},
-    {"FT", RunFixedThresholds},
-    {"MT", RunMarginalThresholds},
-    {"NS", RunNormalScores},
-    {"RG", RunRegression},
-    {"TS", RunTwoStageRegression},
-    {"PR", RunOrdinalRegression},
-    {"LO", RunOrdinalRegression},
-    {"CR", RunCensoredRegression},
-    {"EM", RunExpectationMaximisation},
-    {"MC", RunMultipleImputation},
-    {"IMPUTE", RunMatching},
+    {"FA", RunFactorAnalysis},      {"OFA", RunOrdinalFactorAnalysis},
+    {"PC", RunPrincipalComponents}, {"HT", RunHomogeneityTest},
+    {"ET", RunEqualThresholds},     {"FT", RunFixedThresholds},
+    {"MT", RunMarginalThresholds},  {"NS", RunNormalScores},
+    {"RG", RunRegression},          {"TS", RunTwoStageRegression},
+    {"PR", RunOrdinalRegression},   {"LO", RunOrdinalRegression},
+    {"CR", RunCensoredRegression},  {"EM", RunExpectationMaximisation},
+    {"MC", RunMultipleImputation},  {"IMPUTE", RunMatching},
 };
 
 }  // namespace

@@ -1,0 +1,264 @@
+#include "engine/stats/OrdinalFactorAnalysis.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include <Eigen/Cholesky>
+#include <Eigen/Eigenvalues>
+
+#include "engine/stats/FactorRotations.h"
+
+namespace stats {
+
+using Eigen::Index;
+using Eigen::MatrixXd;
+using Eigen::VectorXd;
+
+namespace {
+
+constexpr int kFirstSteps = 4;            // of EM
+constexpr int kEmBetween = 5;             // after a Newton step that failed
+constexpr double kNewtonGradient = 1e-3;  // of a case, from which on Newton's method may work
+constexpr double kSmallFall = 1e-10;      // relative: rounding
+constexpr int kMostHalvings = 20;
+constexpr double kSlowFall = 0.1;  // of the gradient in a step, above which information is renewed
+
+class CEstimation {
+ public:
+  CEstimation(const COrdinalPatterns& patterns, ELink link, const OrdinalFactorParameters& start,
+              const OrdinalFactorOptions& options)
+      : patterns_(patterns),
+        options_(options),
+        factors_(start.Factors()),
+        pass_(patterns, link, factors_, options.nodes > 0 ? options.nodes : DefaultNodes(factors_),
+              options.threads) {
+    result_.parameters = start;
+  }
+
+  OrdinalFactorResult Run() {
+    if (!Climb()) return result_;
+    Canonise();
+    return result_;
+  }
+
+ private:
+  const OrdinalFactorParameters& At() const { return result_.parameters; }
+
+  // False: stopped, or no likelihood.
+  bool Evaluate(const OrdinalFactorParameters& at, bool information, OrdinalFactorSums& sums) {
+    if (!pass_.Collect(at, information, options_.goOn, sums)) {
+      result_.stopped = true;
+      return false;
+    }
+    return true;
+  }
+
+  // Without what quadrature leaves in the directions that only rotate the factors.
+  double LargestGradient(const OrdinalFactorSums& sums) const {
+    const MatrixXd directions = RotationDirections(At());
+    const VectorXd rest = sums.gradient - directions * (directions.transpose() * sums.gradient);
+    return rest.cwiseAbs().maxCoeff() / patterns_.N();
+  }
+
+  void Note(bool newton) {
+    result_.logLikelihood = sums_.logLikelihood;
+    result_.largestGradient = LargestGradient(sums_);
+    result_.history.push_back({newton, sums_.logLikelihood, result_.largestGradient});
+    if (options_.told) options_.told(result_.history.back());
+  }
+
+  bool Climb() {
+    if (!Evaluate(At(), false, sums_)) return false;
+    if (!sums_.valid) {
+      result_.status = EStatus::NotFinite;
+      return false;
+    }
+    int untilNewton = kFirstSteps;
+    result_.status = EStatus::NotConverged;
+    for (int k = 0; k < options_.mostSteps; ++k) {
+      const bool newton = untilNewton <= 0 && LargestGradient(sums_) < kNewtonGradient;
+      Note(newton);
+      if (result_.largestGradient < options_.gradient) {
+        result_.status = EStatus::Ok;
+        return true;
+      }
+      --untilNewton;
+      if (newton) {
+        const bool risen = StepNewton();
+        if (result_.stopped) return false;
+        if (risen) continue;
+        untilNewton = kEmBetween;
+      }
+      if (!StepEm()) return !result_.stopped;
+      if (IsHeywood()) return true;
+    }
+    return true;
+  }
+
+  bool IsHeywood() {
+    const MatrixXd loadings =
+        StandardisedLoadings(At().slopes, pass_.Response().ResidualVariance());
+    Index variable = 0;
+    if (loadings.rowwise().squaredNorm().maxCoeff(&variable) < kLargestCommunality) return false;
+    result_.status = EStatus::Boundary;
+    result_.variable = static_cast<int>(variable);
+    Note(false);
+    return true;
+  }
+
+  // Adds `share` of the step; false when thresholds no longer ascend.
+  static bool Move(const OrdinalFactorParameters& from, const VectorXd& step, double share,
+                   OrdinalFactorParameters& to) {
+    to = from;
+    Index at = 0;
+    for (int j = 0; j < from.Variables(); ++j) {
+      VectorXd& threshold = to.threshold[static_cast<std::size_t>(j)];
+      threshold += share * step.segment(at, threshold.size());
+      at += threshold.size();
+      to.slopes.row(j) += share * step.segment(at, to.slopes.cols()).transpose();
+      at += to.slopes.cols();
+      for (Index a = 1; a < threshold.size(); ++a) {
+        if (!(threshold(a) > threshold(a - 1))) return false;
+      }
+    }
+    return step.allFinite();
+  }
+
+  // Takes as much of the step as does not lower the likelihood.
+  bool Take(const VectorXd& step, int halvings) {
+    double share = 1;
+    for (int k = 0; k <= halvings; ++k, share /= 2) {
+      OrdinalFactorParameters next;
+      if (!Move(At(), step, share, next)) continue;
+      OrdinalFactorSums sums;
+      if (!Evaluate(next, false, sums)) return false;
+      if (!sums.valid ||
+          sums.logLikelihood < sums_.logLikelihood - kSmallFall * std::fabs(sums_.logLikelihood)) {
+        continue;
+      }
+      result_.parameters = std::move(next);
+      sums_ = std::move(sums);
+      return true;
+    }
+    return false;
+  }
+
+  bool StepEm() {
+    VectorXd step = VectorXd::Zero(At().Count());
+    for (int j = 0; j < At().Variables(); ++j) {
+      const Index offset = At().Offset(j), count = At().CountOf(j);
+      const Eigen::LLT<MatrixXd> factor(-sums_.complete[static_cast<std::size_t>(j)]);
+      if (factor.info() != Eigen::Success) return false;
+      step.segment(offset, count) = factor.solve(sums_.gradient.segment(offset, count));
+    }
+    return Take(step, kMostHalvings);
+  }
+
+  // The information is kept as long as the gradient falls fast.
+  bool StepNewton() {
+    const double before = LargestGradient(sums_);
+    if (!fresh_ && before > kSlowFall * lastGradient_) factor_.reset();
+    lastGradient_ = before;
+    fresh_ = !factor_;
+    if (!factor_) {
+      OrdinalFactorSums sums;
+      if (!Evaluate(At(), true, sums)) return false;
+      factor_.emplace(HoldRotations(At(), sums.information));
+      if (factor_->info() != Eigen::Success) {
+        factor_.reset();
+        return false;
+      }
+    }
+    if (Take(factor_->solve(sums_.gradient), 0)) return true;
+    factor_.reset();
+    return false;
+  }
+
+  // Turns the factors to their principal axes and looks from there once more.
+  void Canonise() {
+    const Eigen::SelfAdjointEigenSolver<MatrixXd> axes(At().slopes.transpose() * At().slopes);
+    MatrixXd slopes = At().slopes * axes.eigenvectors().rowwise().reverse();
+    for (Index k = 0; k < slopes.cols(); ++k) {
+      if (slopes.col(k).sum() < 0) slopes.col(k) *= -1;
+    }
+    result_.parameters.slopes = slopes;
+    pass_.ForgetModes();
+    OrdinalFactorSums sums;
+    if (!Evaluate(At(), true, sums) || !sums.valid) return;
+    result_.information = std::move(sums.information);
+    if (result_.status != EStatus::Ok) return;
+    const Eigen::LLT<MatrixXd> factor(HoldRotations(At(), result_.information));
+    if (factor.info() != Eigen::Success || factor.rcond() < 1e-14)
+      result_.status = EStatus::NotPositiveDefinite;
+  }
+
+  const COrdinalPatterns& patterns_;
+  const OrdinalFactorOptions& options_;
+  int factors_;
+  COrdinalFactorPass pass_;
+  OrdinalFactorResult result_;
+  OrdinalFactorSums sums_;
+  std::optional<Eigen::LLT<MatrixXd>> factor_;
+  bool fresh_ = false;
+  double lastGradient_ = 0;
+};
+
+}  // namespace
+
+int DefaultNodes(int factors) {
+  constexpr int kNodes[] = {0, 21, 9, 7, 5, 5, 4, 3, 3};
+  return kNodes[std::clamp(factors, 1, kMostFactors)];
+}
+
+OrdinalFactorResult EstimateOrdinalFactors(const COrdinalPatterns& patterns, ELink link,
+                                           const OrdinalFactorParameters& start,
+                                           const OrdinalFactorOptions& options) {
+  if (start.Factors() < 1 || start.Factors() > kMostFactors || start.Variables() < 1 ||
+      patterns.Patterns() == 0) {
+    return {};
+  }
+  return CEstimation(patterns, link, start, options).Run();
+}
+
+OrdinalFactorParameters StartingParameters(const MatrixXd& loadings,
+                                           const std::vector<std::vector<double>>& thresholds,
+                                           ELink link) {
+  constexpr double kLogisticScale = 1.702;  // brings the two response functions together
+  constexpr double kLargestStart = 0.9;     // of a communality
+  const double scale = link == ELink::Logistic ? kLogisticScale : 1;
+  OrdinalFactorParameters start;
+  start.slopes = loadings;
+  for (Index j = 0; j < loadings.rows(); ++j) {
+    const double communality = loadings.row(j).squaredNorm();
+    if (communality > kLargestStart) start.slopes.row(j) *= std::sqrt(kLargestStart / communality);
+    const double residual = std::sqrt(1 - std::min(communality, kLargestStart));
+    start.slopes.row(j) *= scale / residual;
+    const auto& from = thresholds[static_cast<std::size_t>(j)];
+    start.threshold.emplace_back(
+        Eigen::Map<const VectorXd>(from.data(), static_cast<Index>(from.size())) *
+        (scale / residual));
+  }
+  return start;
+}
+
+MatrixXd StandardisedLoadings(const MatrixXd& slopes, double residualVariance) {
+  const VectorXd deviation =
+      (slopes.rowwise().squaredNorm().array() + residualVariance).sqrt().matrix();
+  return deviation.cwiseInverse().asDiagonal() * slopes;
+}
+
+double IndependenceLogLikelihood(const COrdinalPatterns& patterns) {
+  double sum = 0;
+  for (int j = 0; j < patterns.Variables(); ++j) {
+    const std::vector<double> margin = patterns.Margin(j);
+    double n = 0;
+    for (const double f : margin) n += f;
+    for (const double f : margin) {
+      if (f > 0) sum += f * std::log(f / n);
+    }
+  }
+  return sum;
+}
+
+}  // namespace stats
