@@ -1,4 +1,5 @@
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <random>
 
@@ -91,6 +92,68 @@ TEST_F(ProceduresTest, AllRunTogetherWithinThePageForAnyNumberOfThreads) {
   EXPECT_EQ(Output(), output);
 }
 
+TEST_F(ProceduresTest, OrdinalFactorsAreTheSameForAnyNumberOfThreadsAndScoreEveryCase) {
+  rows[7][5] = rows[7][6] = rows[7][7] = rows[7][11] = -999999;
+  rows[8][5] = -999999;
+  Data(description, rows);
+  const std::string saved = folder / "scores.VSF";
+  const std::string lines = "SE o1 o2 two sign\nOFA NOR NF=1\nOFA POM\nOU RA=" + saved;
+  ASSERT_EQ(Run(lines), ERUNRESULT::Done) << Output();
+  const std::string output = Output();
+  for (const char* part : {"normal ogive", "proportional odds", "Standard errors of the slopes",
+                           "Unrotated loadings", "Convergence", "Akaike", "Reliability",
+                           "Cases with all values missing  1", "End of the run."}) {
+    EXPECT_THAT(output, HasSubstr(part));
+  }
+  EXPECT_THAT(output, Not(HasSubstr("nan")));
+  std::istringstream text(output);
+  for (std::string line; std::getline(text, line);) {
+    if (!line.starts_with("  Data file:")) {
+      EXPECT_LE(line.size(), 80U) << line;
+    }
+  }
+  VsfContents contents;
+  const std::vector<double> cells = Saved(saved, contents);
+  const auto width = static_cast<std::size_t>(contents.data.variables);
+  ASSERT_EQ(width, 14U);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(cells[i * width + 12] == -999999, i == 7) << i;
+    EXPECT_EQ(cells[i * width + 13] == -999999, i == 7) << i;
+  }
+  ASSERT_EQ(Run(lines, 2), ERUNRESULT::Done);
+  EXPECT_EQ(Output(), output);
+  EXPECT_EQ(Saved(saved, contents), cells);
+}
+
+// `floor` is y cut off at 1.5.
+TEST_F(ProceduresTest, CensoredVariablesHaveTheMomentsOfWhatIsBehindThem) {
+  const auto numbers = [this](const std::string& name) {
+    std::ifstream file(folder / name);
+    std::vector<double> all;
+    for (double x; file >> x;) all.push_back(x);
+    return all;
+  };
+  const auto moments = [&](const std::string& last) {
+    const std::string lines = "SE x2 o1 x3 " + last + "\nOU MA=CM PV SM=" + (folder / "m.txt") +
+                              " ME=" + (folder / "e.txt") + " SD=" + (folder / "d.txt") +
+                              " AC=" + (folder / "a.bin") + " AV=" + (folder / "v.bin");
+    EXPECT_EQ(Run(lines), ERUNRESULT::Done) << Output();
+    std::vector<double> all = numbers("m.txt");
+    all.push_back(numbers("e.txt").back());
+    all.push_back(numbers("d.txt").back());
+    return all;
+  };
+  const std::vector<double> whole = moments("y"), cut = moments("floor");
+  ASSERT_EQ(cut.size(), 12U);
+  for (std::size_t k = 0; k < cut.size(); ++k)
+    EXPECT_NEAR(cut[k], whole[k], k < 6 ? 1e-9 : .2) << k;
+  EXPECT_NEAR(cut[9], cut[11] * cut[11], 1e-12);
+  EXPECT_EQ(ReadBytes(folder / "a.bin").size(), 4U + 8U * (10U * 11U) / 2);
+  EXPECT_EQ(ReadBytes(folder / "v.bin").size(), 4U + 8U * 10U);
+  ASSERT_EQ(Run("SE x2 x3 floor\nFA NF=1 FS\nOU RA=" + (folder / "f.VSF")), ERUNRESULT::Done)
+      << Output();
+}
+
 TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
   struct {
     const char* lines;
@@ -138,6 +201,23 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
       {"NE x1 = x1 / 1E300\nLO two ON x1\nOU", "the values of the x variable x1 are too large"},
       {"NE x1 = x1 * 1E300\nSE 1-4\nFA\nOU", "is not a finite number (x1)"},
       {"CE o1\nCR o1 ON x1 x2\nSC o1 < 4\nOU", "has only"},
+      {"SE o1 o2\nOFA NOR NF=1\nOU", "1 factors of 2 variables are not identified"},
+      {"SE o1 o2 two\nOFA POM NF=2\nOU", "2 factors of 3 variables are not identified"},
+      {"SE x1 o1 o2\nOFA NOR\nOU", "variable x1 is continuous"},
+      {"SE o1 o2 same\nOR same\nOFA NOR NF=1\nOU", "variable same has one category only"},
+      {"RC o1 OLD=LO-HI NEW=-999999\nSE o1 o2 two\nOFA NOR NF=1\nOU",
+       "all values of variable o1 are missing"},
+      {"NE copy = 9 - o1\nOR copy\nSE o1 o2 two copy\nOFA POM NF=1\nOU",
+       "variables o1 and copy are the same"},
+      {"SC CASE < 2\nSE o1 o2 two\nOFA NOR NF=1\nOU", "there are 1 cases for 3 variables"},
+      {"SC CASE < 4\nSE o1 o2 two\nOFA NOR NF=1\nOU", "there are 3 cases for 3 variables"},
+      {"NE half = o1\nOR half\nRC half OLD=LO-2 NEW=1\nRC half OLD=3-HI NEW=2\n"
+       "SE o1 o2 two half\nOFA NOR NF=1\nOU",
+       "Heywood case"},
+      {"NE again = floor\nCB again\nSE floor again x1\nOU MA=KM",
+       "the correlation of floor and again cannot be estimated"},
+      {"RC floor OLD=1.6-HI NEW=3\nCE floor\nSE floor x1\nOU MA=CM",
+       "variable floor has no correlations"},
       {"FT o1\nOU", "FT needs the file"},
       {"FT o1\nOU TH=/no/such/file", "cannot be read"},
   };

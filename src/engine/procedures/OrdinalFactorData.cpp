@@ -47,20 +47,25 @@ bool COrdinalFactorData::CheckVariables(FAULT& fault) const {
     } else if (categories == 0) {
       fault = Fault("all values of variable " + variable.name + " are missing",
                     "Leave the variable out with SE, or change the selection of cases.");
-    } else if (categories == 1) {
-      fault = Fault(
-          "variable " + variable.name + " has one category only among the cases that are used",
-          "Leave the variable out with SE, or change the selection of cases.");
     }
     if (fault) return false;
   }
   const std::size_t p = variables_.all.size();
   const double n = variables_.census.weight;
-  if (n > static_cast<double>(p)) return true;
-  fault = Fault("there are " + CReport::Count(n) + " cases for " + std::to_string(p) +
-                    " variables, and this procedure needs more cases than variables",
-                "Select fewer variables with SE, or more cases.");
-  return false;
+  if (!(n > static_cast<double>(p))) {
+    fault = Fault("there are " + CReport::Count(n) + " cases for " + std::to_string(p) +
+                      " variables, and this procedure needs more cases than variables",
+                  "Select fewer variables with SE, or more cases.");
+    return false;
+  }
+  for (const SCREENVARIABLE& variable : variables_.all) {
+    if (variable.values.values.size() > 1) continue;
+    fault =
+        Fault("variable " + variable.name + " has one category only among the cases that are used",
+              "Leave the variable out with SE, or change the selection of cases.");
+    return false;
+  }
+  return true;
 }
 
 bool COrdinalFactorData::CheckPairs(FAULT& fault) const {

@@ -31,8 +31,9 @@ Eigen::MatrixXd RotateInformation(const OrdinalFactorParameters& parameters,
                                   const Eigen::MatrixXd& transformation);
 
 // Covariance matrix of the parameters under the equations: the first part of the inverse of the
-// information bordered with the equations' derivatives (R. I. Jennrich, Psychometrika 39, 1974,
-// 489-499; S. D. Silvey, Annals of Mathematical Statistics 30, 1959, 389-407). The derivatives are
+// information bordered with the equations' derivatives (S. D. Silvey, Annals of Mathematical
+// Statistics 30, 1959, 389-407; R. I. Jennrich, British Journal of Mathematical and Statistical
+// Psychology 27, 1974, 122-131). The derivatives are
 // numerical.
 Eigen::MatrixXd RestrictedCovariance(const OrdinalFactorParameters& parameters,
                                      const Eigen::MatrixXd& information,
