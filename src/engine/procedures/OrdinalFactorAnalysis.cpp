@@ -64,8 +64,9 @@ class COrdinalFactorAnalysis {
     }
     solution_.factors = static_cast<int>(std::min<std::int64_t>(wanted, most));
     if (wanted <= most) return true;
-    CString cause = std::to_string(wanted) + " factors of " + std::to_string(p) +
-                    " variables are not identified";
+    CString cause = std::to_string(wanted) + (wanted == 1 ? " factor of " : " factors of ") +
+                    std::to_string(p) + " variables " +
+                    (wanted == 1 ? "is not identified" : "are not identified");
     if (most == stats::kMostFactors) {
       cause = std::to_string(wanted) +
               " factors need more quadrature points than can be gone "

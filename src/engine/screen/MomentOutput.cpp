@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "engine/screen/Faults.h"
@@ -38,6 +39,13 @@ TABLE LowerTriangle(const CReport& report, const Eigen::MatrixXd& matrix,
 }
 
 void WriteKinds(CReport& report, const SCREENVARIABLES& variables) {
+  if (std::any_of(variables.all.begin(), variables.all.end(),
+                  [](const SCREENVARIABLE& variable) { return variable.IsCensored(); })) {
+    report.Paragraph(
+        "Censored variables stand for the normal variables behind them: means, standard deviations "
+        "and correlations are maximum likelihood estimates.");
+    report.Gap();
+  }
   if (variables.ordinal.empty()) return;
   report.Paragraph(
       "Ordinal variables stand for underlying normal variables with mean 0 and "

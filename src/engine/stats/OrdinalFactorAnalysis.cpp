@@ -164,15 +164,27 @@ class CEstimation {
     if (!factor_) {
       OrdinalFactorSums sums;
       if (!Evaluate(At(), true, sums)) return false;
-      factor_.emplace(HoldRotations(At(), sums.information));
-      if (factor_->info() != Eigen::Success) {
-        factor_.reset();
-        return false;
-      }
+      Factorise(sums);
+      if (!factor_) return false;
     }
-    if (Take(factor_->solve(sums_.gradient), 0)) return true;
+    if (Take(factor_->solve(sums_.gradient), kMostHalvings)) return true;
     factor_.reset();
     return false;
+  }
+
+  // Where the information is not positive definite, as much of what EM takes for it is mixed in as
+  // makes it so: that is larger by the covariances of the scores.
+  void Factorise(const OrdinalFactorSums& sums) {
+    MatrixXd complete = MatrixXd::Zero(At().Count(), At().Count());
+    for (int j = 0; j < At().Variables(); ++j) {
+      complete.block(At().Offset(j), At().Offset(j), At().CountOf(j), At().CountOf(j)) =
+          -sums.complete[static_cast<std::size_t>(j)];
+    }
+    for (const double share : {0.0, 0.02, 0.1, 0.3}) {
+      factor_.emplace(HoldRotations(At(), (1 - share) * sums.information + share * complete));
+      if (factor_->info() == Eigen::Success) return;
+    }
+    factor_.reset();
   }
 
   // Turns the factors to their principal axes and looks from there once more.

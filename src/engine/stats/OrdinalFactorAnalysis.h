@@ -24,8 +24,8 @@ struct OrdinalFactorStep {
 // EM: the expected complete log-likelihood of each variable, concave in its thresholds and slopes,
 // is raised by a Newton step, halved until the likelihood of the answers does not fall. When the
 // gradient is small, Newton's method on the likelihood of the answers itself goes on (observed
-// information; the directions that only rotate the factors are held), and falls back to EM when a
-// step does not raise the likelihood.
+// information; the directions that only rotate the factors are held; steps halved likewise), and
+// falls back to EM when no part of a step raises the likelihood.
 // Status: BadArgument (no factor, more than kMostFactors, no variable), NotFinite (the likelihood
 // cannot be computed), Boundary (`variable` reaches kLargestCommunality: the likelihood has no
 // maximum), NotConverged; NotPositiveDefinite (the information: the answers do not determine the
