@@ -5,7 +5,9 @@
 #include <limits>
 
 #include "engine/procedures/Eigenvalues.h"
+#include "engine/procedures/LoadingTables.h"
 #include "engine/procedures/OrdinalFactorSections.h"
+#include "engine/run/Estimates.h"
 #include "engine/run/Interrupt.h"
 #include "engine/stats/Components.h"
 #include "engine/stats/FactorAnalysis.h"
@@ -47,16 +49,29 @@ class COrdinalFactorAnalysis {
     WriteOrdinalFactorHistory(report_, solution_.result);
     WriteOrdinalFactorFit(run_, data_, solution_);
     WriteOrdinalFactorEstimates(report_, data_, solution_, true);
+    if (run_.sampling != nullptr) NoteEstimates();
     WriteScores();
     return true;
   }
 
  private:
+  void NoteEstimates() {
+    run_.sampling->settled = solution_.factors;
+    run_.estimates->push_back(LoadingEstimates(
+        CString(solution_.factors > 1 ? "VARIMAX-rotated loadings" : "Loadings") +
+            " (order and signs of the factors matched to all cases)",
+        data_.Names(), FactorNames(solution_.factors), solution_.varimax.loadings));
+  }
+
   bool ChooseFactors(FAULT& fault) {
     const auto p = static_cast<int>(data_.Names().size());
     const bool chosen = ofa_.factors > 0;
-    const std::int64_t wanted =
-        chosen ? ofa_.factors : std::max<std::int64_t>(1, (eigenvalues_.array() > 1).count());
+    std::int64_t wanted = ofa_.factors;
+    if (!chosen) wanted = std::max<std::int64_t>(1, (eigenvalues_.array() > 1).count());
+    // A sample has as many factors as all cases.
+    if (!chosen && run_.sampling != nullptr && run_.sampling->settled) {
+      wanted = static_cast<std::int64_t>(*run_.sampling->settled);
+    }
     int most = 0;
     while (most < stats::kMostFactors && most + 1 < p &&
            stats::FactorDegreesOfFreedom(p, most + 1) >= 0) {

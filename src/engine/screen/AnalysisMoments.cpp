@@ -84,7 +84,8 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
   ONEVARIABLERESULTS results;
   if (univariate) results = DescribeVariables(variables, &*univariate);
   stats::NormalPairs censored;
-  return EstimateCensoredPairs(run, variables, results, censored, fault) &&
+  return EstimateCensoredPairs(run, variables, results, tables ? &*tables : nullptr, censored,
+                               fault) &&
          BuildMoments(run, variables, kind, results, products ? &*products : nullptr,
                       polychoric ? &*polychoric : nullptr, polyserial, censored, moments, fault);
 }

@@ -8,8 +8,12 @@
 
 namespace {
 
-stats::CNormalMargin MarginOf(const SCREENVARIABLE& variable, const ONEVARIABLERESULTS& results) {
-  if (variable.IsOrdinal()) return stats::CNormalMargin::Ordinal(variable.values.counts);
+stats::CNormalMargin MarginOf(const SCREENVARIABLE& variable, const ONEVARIABLERESULTS& results,
+                              const stats::CPairTables* tables) {
+  if (variable.IsOrdinal()) {
+    return stats::CNormalMargin::Ordinal(tables != nullptr ? tables->Margin(variable.place)
+                                                           : variable.values.counts);
+  }
   const auto place = static_cast<std::size_t>(variable.place);
   if (!variable.IsCensored()) return stats::CNormalMargin::Continuous(results.numeric[place]);
   return stats::CNormalMargin::Censored(results.numeric[place], CensoringOf(variable.type),
@@ -62,8 +66,8 @@ bool CheckPairs(const ENGINERUN& run, const SCREENVARIABLES& variables,
 }  // namespace
 
 bool EstimateCensoredPairs(ENGINERUN& run, const SCREENVARIABLES& variables,
-                           const ONEVARIABLERESULTS& results, stats::NormalPairs& pairs,
-                           FAULT& fault) {
+                           const ONEVARIABLERESULTS& results, const stats::CPairTables* tables,
+                           stats::NormalPairs& pairs, FAULT& fault) {
   pairs = stats::NormalPairs();
   if (std::none_of(variables.all.begin(), variables.all.end(),
                    [](const SCREENVARIABLE& variable) { return variable.IsCensored(); })) {
@@ -71,7 +75,7 @@ bool EstimateCensoredPairs(ENGINERUN& run, const SCREENVARIABLES& variables,
   }
   for (const SCREENVARIABLE& variable : variables.all) {
     pairs.censored.push_back(variable.IsCensored());
-    pairs.margins.push_back(MarginOf(variable, results));
+    pairs.margins.push_back(MarginOf(variable, results, tables));
   }
   COLUMNSTORE store;
   std::int64_t megabytes = 0;

@@ -181,7 +181,8 @@ class CScreening {
       return true;
     }
     if ((needs_.polyserial && !EstimatePolyserials(run_, variables_, polyserial_, fault)) ||
-        !EstimateCensoredPairs(run_, variables_, results_, censored_, fault)) {
+        !EstimateCensoredPairs(run_, variables_, results_, tables_ ? &*tables_ : nullptr, censored_,
+                               fault)) {
       return false;
     }
     ANALYSISMOMENTS moments;

@@ -2,6 +2,9 @@
 #include <cmath>
 #include <random>
 
+#include <Eigen/Geometry>
+#include <Eigen/SVD>
+
 #include "Oracle.h"
 #include "engine/stats/BivariateNormal.h"
 #include "engine/stats/Distributions.h"
