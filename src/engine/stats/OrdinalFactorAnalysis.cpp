@@ -22,6 +22,8 @@ constexpr int kEmBetween = 5;             // after a Newton step that failed
 constexpr double kNewtonGradient = 1e-3;  // of a case, from which on Newton's method may work
 constexpr double kSmallFall = 1e-10;      // relative: rounding
 constexpr int kMostHalvings = 20;
+constexpr int kNewtonHalvings = 3;
+constexpr int kMostFailures = 5;   // of Newton steps: quadrature then cannot tell more
 constexpr double kSlowFall = 0.1;  // of the gradient in a step, above which information is renewed
 
 class CEstimation {
@@ -74,7 +76,7 @@ class CEstimation {
       result_.status = EStatus::NotFinite;
       return false;
     }
-    int untilNewton = kFirstSteps;
+    int untilNewton = kFirstSteps, failures = 0;
     result_.status = EStatus::NotConverged;
     for (int k = 0; k < options_.mostSteps; ++k) {
       const bool newton = untilNewton <= 0 && LargestGradient(sums_) < kNewtonGradient;
@@ -88,6 +90,7 @@ class CEstimation {
         const bool risen = StepNewton();
         if (result_.stopped) return false;
         if (risen) continue;
+        if (++failures == kMostFailures) return true;
         untilNewton = kEmBetween;
       }
       if (!StepEm()) return !result_.stopped;
@@ -167,7 +170,7 @@ class CEstimation {
       Factorise(sums);
       if (!factor_) return false;
     }
-    if (Take(factor_->solve(sums_.gradient), kMostHalvings)) return true;
+    if (Take(factor_->solve(sums_.gradient), kNewtonHalvings)) return true;
     factor_.reset();
     return false;
   }

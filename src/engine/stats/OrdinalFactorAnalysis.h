@@ -25,7 +25,7 @@ struct OrdinalFactorStep {
 // is raised by a Newton step, halved until the likelihood of the answers does not fall. When the
 // gradient is small, Newton's method on the likelihood of the answers itself goes on (observed
 // information; the directions that only rotate the factors are held; steps halved likewise), and
-// falls back to EM when no part of a step raises the likelihood.
+// falls back to EM when no part of a step raises the likelihood; after five such steps it gives up.
 // Status: BadArgument (no factor, more than kMostFactors, no variable), NotFinite (the likelihood
 // cannot be computed), Boundary (`variable` reaches kLargestCommunality: the likelihood has no
 // maximum), NotConverged; NotPositiveDefinite (the information: the answers do not determine the
@@ -44,7 +44,7 @@ struct OrdinalFactorResult {
 struct OrdinalFactorOptions {
   int nodes = 0;  // in each dimension; 0: DefaultNodes
   int threads = 1;
-  int mostSteps = 500;
+  int mostSteps = 200;
   double gradient = 1e-9;  // of the mean log-likelihood of a case, at the end
   GoOn goOn;
   std::function<void(const OrdinalFactorStep&)> told;  // each step
