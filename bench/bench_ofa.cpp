@@ -87,9 +87,9 @@ stats::OrdinalFactorResult Estimate(const Options& options, const std::vector<st
 double Run(const Options& options, const std::vector<std::uint8_t>& codes, stats::ELink link,
            int threads) {
   const auto begin = std::chrono::steady_clock::now();
-  const std::clock_t clock = std::clock();
+  const std::clock_t before = std::clock();
   const auto result = Estimate(options, codes, link, threads);
-  const double used = static_cast<double>(std::clock() - clock) / CLOCKS_PER_SEC;
+  const double used = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
   const double elapsed =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   const double v = stats::CResponseFunction(link).ResidualVariance();
