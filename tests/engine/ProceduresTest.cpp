@@ -201,7 +201,6 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
       {"NE x1 = x1 / 1E300\nLO two ON x1\nOU", "the values of the x variable x1 are too large"},
       {"NE x1 = x1 * 1E300\nSE 1-4\nFA\nOU", "is not a finite number (x1)"},
       {"CE o1\nCR o1 ON x1 x2\nSC o1 < 4\nOU", "has only"},
-      {"SE o1 o2\nOFA NOR NF=1\nOU", "1 factors of 2 variables are not identified"},
       {"SE o1 o2\nOFA NOR NF=1\nOU", "1 factor of 2 variables is not identified"},
       {"SE o1 o2 two\nOFA POM NF=2\nOU", "2 factors of 3 variables are not identified"},
       {"SE x1 o1 o2\nOFA NOR\nOU", "variable x1 is continuous"},
