@@ -158,8 +158,8 @@ void PictureOfTextImport(CAppFrame& frame, const QString& look) {
 // A table of dBASE that does not name its encoding.
 void PictureOfSourceChoice(CAppFrame& frame, const QString& look) {
   constexpr int kDbf = 6;
-  QTemporaryDir folder;
-  const QString name = folder.filePath("towns.dbf");
+  const QTemporaryDir tables;
+  const QString name = tables.filePath("towns.dbf");
   QByteArray bytes(65, '\0');
   bytes[0] = 3, bytes[1] = 100, bytes[2] = 1, bytes[3] = 1, bytes[4] = 3;
   bytes[8] = 65, bytes[10] = 11;
