@@ -10,6 +10,7 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 class ExampleTest : public EngineTest {
  protected:
@@ -30,6 +31,17 @@ TEST_F(ExampleTest, AgreesWithIndependentValues) {
         "181.75629879", "0.04997408", "-0.32390120", "129.10528005"}) {
     EXPECT_THAT(output, HasSubstr(value));
   }
+}
+
+// Two factors of five items lead to where quadrature of the likelihood is no longer exact: the
+// estimation gives up long before its last step.
+TEST_F(ExampleTest, EndsNearAHeywoodCaseWithAMessage) {
+  EXPECT_EQ(Run("SE A1-A5\nOFA NOR NF=2\nOU", 2), ERUNRESULT::Failed);
+  const std::string output = UnwrappedOutput();
+  EXPECT_THAT(output, HasSubstr("the estimation has not converged in "));
+  EXPECT_THAT(output, Not(HasSubstr("in 200 steps")));
+  EXPECT_THAT(output, HasSubstr("the factors explain variable A2 to 0.97"));
+  EXPECT_THAT(output, HasSubstr("close to a Heywood case"));
 }
 
 TEST_F(ExampleTest, TreatsItemsAsContinuousWhenAsked) {

@@ -176,8 +176,8 @@ class COrdinalFactorAnalysis {
           procedure_,
           "the estimation has not converged in " + std::to_string(result.history.size()) +
               " steps: the last log-likelihood is " + report_.Number(result.logLikelihood) +
-              ", its gradient " + FormatShortest(result.largestGradient),
-          "Ask for fewer factors (NF), or join categories with few cases (RC).");
+              ", its gradient " + FormatShortest(result.largestGradient) + NearHeywood(),
+          fewer);
     } else {
       fault = ProcedureFault(
           procedure_,
@@ -185,6 +185,16 @@ class COrdinalFactorAnalysis {
           "Ask for fewer factors (NF), or use more cases or fewer categories (RC).");
     }
     return false;
+  }
+
+  // What an estimation that does not converge probably suffers from.
+  CString NearHeywood() const {
+    Index variable = 0;
+    const Eigen::VectorXd communalities = solution_.loadings.rowwise().squaredNorm();
+    if (!(communalities.maxCoeff(&variable) > kLargeCommunality)) return {};
+    return ", and the factors explain variable " +
+           data_.Names()[static_cast<std::size_t>(variable)] + " to " +
+           report_.Number(communalities(variable)) + ", close to a Heywood case";
   }
 
   void WriteWarnings() {

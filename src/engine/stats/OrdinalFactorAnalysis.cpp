@@ -23,7 +23,8 @@ constexpr double kNewtonGradient = 1e-3;  // of a case, from which on Newton's m
 constexpr double kSmallFall = 1e-10;      // relative: rounding
 constexpr int kMostHalvings = 20;
 constexpr int kNewtonHalvings = 3;
-constexpr int kMostFailures = 5;   // of Newton steps: quadrature then cannot tell more
+constexpr int kEmHalvings = 5;     // more than that: the step fails, though it is taken
+constexpr int kMostFailures = 5;   // of steps: quadrature then cannot tell more
 constexpr double kSlowFall = 0.1;  // of the gradient in a step, above which information is renewed
 
 class CEstimation {
@@ -95,6 +96,7 @@ class CEstimation {
       }
       if (!StepEm()) return !result_.stopped;
       if (IsHeywood()) return true;
+      if (halvings_ > kEmHalvings && ++failures == kMostFailures) return true;
     }
     return true;
   }
@@ -131,7 +133,7 @@ class CEstimation {
   // Takes as much of the step as does not lower the likelihood.
   bool Take(const VectorXd& step, int halvings) {
     double share = 1;
-    for (int k = 0; k <= halvings; ++k, share /= 2) {
+    for (halvings_ = 0; halvings_ <= halvings; ++halvings_, share /= 2) {
       OrdinalFactorParameters next;
       if (!Move(At(), step, share, next)) continue;
       OrdinalFactorSums sums;
@@ -216,6 +218,7 @@ class CEstimation {
   OrdinalFactorSums sums_;
   std::optional<Eigen::LLT<MatrixXd>> factor_;
   bool fresh_ = false;
+  int halvings_ = 0;  // of the last step
   double lastGradient_ = 0;
 };
 

@@ -25,7 +25,9 @@ struct OrdinalFactorStep {
 // is raised by a Newton step, halved until the likelihood of the answers does not fall. When the
 // gradient is small, Newton's method on the likelihood of the answers itself goes on (observed
 // information; the directions that only rotate the factors are held; steps halved likewise), and
-// falls back to EM when no part of a step raises the likelihood; after five such steps it gives up.
+// falls back to EM when no part of a step raises the likelihood. After five such steps, or steps of
+// EM of which only a small part raises it, it gives up: near a Heywood case the quadrature cannot
+// follow the likelihood any more.
 // Status: BadArgument (no factor, more than kMostFactors, no variable), NotFinite (the likelihood
 // cannot be computed), Boundary (`variable` reaches kLargestCommunality: the likelihood has no
 // maximum), NotConverged; NotPositiveDefinite (the information: the answers do not determine the
