@@ -67,6 +67,7 @@ int Isolate(int pipe) {
     dup2(nowhere, STDOUT_FILENO);
     dup2(nowhere, STDERR_FILENO);
   }
+  if (nowhere > kPlace) close(nowhere);
   return kPlace;
 }
 

@@ -58,6 +58,11 @@ bool CReadStatWriter::Begin(const std::string& name, const DICTIONARY& dictionar
   if (cases > std::numeric_limits<int>::max()) {
     return Fail(name + ": more than 2,147,483,647 records cannot be written");
   }
+  if (dictionary.variables.size() > target_.variables) {
+    return Fail(name + ": the data set has " + std::to_string(dictionary.variables.size()) +
+                " variables; a file of this type holds at most " +
+                std::to_string(target_.variables));
+  }
   writer_ = readstat_writer_init();
   if (writer_ == nullptr) return Fail(name + ": not enough memory");
   readstat_set_data_writer(writer_, OnWrite);

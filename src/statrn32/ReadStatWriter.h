@@ -21,8 +21,9 @@ struct READSTAT_TARGET {
   std::size_t labelBytes;
   std::size_t valueLabelBytes;  // 0: has no value labels
   std::size_t textBytes;        // widest text variable
-  bool wholeLabels;             // only whole numbers have labels
-  double largest;               // largest size of a number
+  std::size_t variables = static_cast<std::size_t>(-1);
+  bool wholeLabels;  // only whole numbers have labels
+  double largest;    // largest size of a number
 };
 
 class CReadStatWriter : public CWriter {

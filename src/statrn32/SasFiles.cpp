@@ -114,6 +114,7 @@ readstat_compress_t NoCompression(const std::string& /*name*/) {
   return READSTAT_COMPRESS_NONE;
 }
 
+constexpr std::size_t kMostVariables = 9999;
 constexpr READSTAT_TARGET kTransportTarget = {
     .begin = readstat_begin_writing_xport,
     .version = 5,
@@ -122,6 +123,7 @@ constexpr READSTAT_TARGET kTransportTarget = {
     .labelBytes = 40,
     .valueLabelBytes = 0,
     .textBytes = 200,
+    .variables = kMostVariables,
     .wholeLabels = true,
     .largest = kLargestTransport,
 };
@@ -133,7 +135,7 @@ constexpr std::string_view kReserved[] = {
 
 constexpr NAME_RULES kTransportNames = {8, "_", "_", true, true, false, kReserved};
 constexpr LIMITS kTransportLimits = {.records = kMostRecords,
-                                     .variables = 9999,
+                                     .variables = kMostVariables,
                                      .textBytes = 200,
                                      .labelBytes = 40,
                                      .largest = kLargestTransport};

@@ -81,6 +81,7 @@ readstat_compress_t NoCompression(const std::string& /*name*/) {
   return READSTAT_COMPRESS_NONE;
 }
 
+constexpr std::size_t kMostVariables = 32767;
 constexpr READSTAT_TARGET kDtaTarget = {
     .begin = readstat_begin_writing_dta,
     .version = 118,
@@ -89,6 +90,7 @@ constexpr READSTAT_TARGET kDtaTarget = {
     .labelBytes = 320,
     .valueLabelBytes = 32000,
     .textBytes = 2045,
+    .variables = kMostVariables,
     .wholeLabels = true,
     .largest = kLargestNumber,
 };
@@ -102,7 +104,7 @@ constexpr std::string_view kReserved[] = {"_all", "_b",    "byte", "_coef", "_co
 constexpr NAME_RULES kDtaNames = {32, "_", "_", true, false, true, kReserved, true};
 constexpr LIMITS kDtaLimits = {
     .records = kMostRecords,
-    .variables = 32767,
+    .variables = kMostVariables,
     .textBytes = 2045,
     .labelBytes = 320,
     .valueLabelBytes = 32000,

@@ -167,12 +167,16 @@ TEST_F(MpiTest, StoppingTheLauncherOrKillingARankLeavesNoHalfFiles) {
     std::filesystem::remove(folder / "stderr");
     const std::size_t before = folder.FileCount();
     // Each of the two writes its number down before it becomes the program.
+    // A second of computing is more than the start takes.
+    const std::string untilAtWork =
+        "second=$(cat " + (folder / "second") +
+        "); while [ $(cut -d' ' -f14 /proc/$second/stat) -lt 100 ]; do sleep .1; done; ";
     const std::string script =
         "sh -c 'echo $$ >" + (folder / "launcher") +
         "; exec timeout 60 mpirun --oversubscribe --allow-run-as-root -n 1 " + Engine() +
         " : -n 1 sh -c \"echo \\$\\$ >" + (folder / "second") + "; exec " + Engine() + "\"' 2>" +
         (folder / "stderr") + " & own=$!; while [ ! -s " + (folder / "second") +
-        " ]; do sleep .1; done; sleep 1.5; " + Lines(kill) + "; wait $own; true";
+        " ]; do sleep .1; done; " + untilAtWork + Lines(kill) + "; wait $own; true";
     ASSERT_EQ(std::system(script.c_str()), 0);
     EXPECT_THAT(UnwrappedOutput(), HasSubstr("The run was interrupted")) << kill;
     EXPECT_FALSE(std::filesystem::exists(folder / "bm"));

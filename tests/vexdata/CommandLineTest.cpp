@@ -150,7 +150,7 @@ TEST_F(CommandLine, InfoAsJsonSaysEverything) {
 
 TEST_F(CommandLine, FormatsAsJsonListsEveryRow) {
   const auto formats = nlohmann::json::parse(RunVexData({"formats", "--json"}).out);
-  EXPECT_EQ(formats.size(), 3U + 34U + 6U);
+  EXPECT_EQ(formats.size(), 3U + 34U + 8U);
   for (const auto& format : formats) {
     if (format["code"] == 38) {
       EXPECT_TRUE(format["read"]);
