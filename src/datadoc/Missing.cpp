@@ -55,29 +55,7 @@ CMissingTest::CMissingTest(const TORVIKSTRUCT& data, std::size_t variable) {
   }
 }
 
-// The comparisons stand in loops of their own without branches, so that the compiler can do several
-// cells at once.
-std::size_t CMissingTest::Copy(const double* from, std::size_t count, double* to) const {
-  constexpr double kLargest = std::numeric_limits<double>::max();
-  constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
-  for (std::size_t i = 0; i < count; ++i) {
-    const double value = from[i];
-    const auto infinite = static_cast<unsigned>(!(std::abs(value) <= kLargest));
-    const auto first = static_cast<unsigned>(value == values_[0]);
-    const auto second = static_cast<unsigned>(value == values_[1]);
-    const auto ranged =
-        static_cast<unsigned>(low_ <= value) & static_cast<unsigned>(value <= high_);
-    to[i] = (infinite | first | second | ranged) != 0 ? kMissing : value;
-  }
-  for (std::size_t k = 2; k < valueCount_; ++k) {
-    for (std::size_t i = 0; i < count; ++i) to[i] = from[i] == values_[k] ? kMissing : to[i];
-  }
-  std::size_t missing = 0;
-  for (std::size_t i = 0; i < count; ++i) missing += std::isnan(to[i]) ? 1 : 0;
-  return missing;
-}
-
-// As above; with a stride of one known beforehand the compiler does several cells at once.
+// With a stride of one known beforehand the compiler does several cells at once.
 void CMissingTest::Blank(double* cells, std::size_t count, std::size_t stride) const {
   constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
   const auto blank = [&](auto step) {

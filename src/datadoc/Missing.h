@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 
 #include "datadoc/DataSet.h"
 
@@ -37,8 +38,11 @@ class CMissingTest {
 
   bool operator==(const CMissingTest&) const = default;
 
-  // Copies cells; those that are missing or infinite become NaN. Returns how many these are.
-  std::size_t Copy(const double* from, std::size_t count, double* to) const;
+  // For loops of their own over many cells: the values that are missing, and the ends of the range
+  // that is (low above high: none).
+  std::span<const double> Values() const { return {values_.data(), valueCount_}; }
+  double RangeLow() const { return low_; }
+  double RangeHigh() const { return high_; }
 
   // Makes every `stride`th of the cells NaN where it is missing; `count` is that of all cells.
   void Blank(double* cells, std::size_t count, std::size_t stride) const;

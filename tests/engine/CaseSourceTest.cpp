@@ -25,27 +25,79 @@ class CaseSourceTest : public testing::Test {
     ASSERT_TRUE(file.Open(folder / "d.VSF", fault)) << fault.cause;
     ASSERT_TRUE(ParseCommands(SplitSyntax(lines + "\nOU"), file.Data(), job, fault)) << fault.cause;
   }
-  // The cells of all cases, row after row; NaN as 'missing' -1e9 so that they can be compared.
-  std::vector<double> Cells(CCaseSource& source) {
+  // The cells of a block, row after row; NaN as 'missing' -1e9 so that they can be compared.
+  static std::vector<double> CellsOf(const CASEBLOCK& block) {
     std::vector<double> cells;
+    bool complete = true;
+    for (std::int64_t i = 0; i < block.cells.cases; ++i) {
+      for (int j = 0; j < block.cells.variables; ++j) {
+        const double cell = block.cells.cells[i * block.cells.stride + j];
+        complete = complete && !std::isnan(cell);
+        cells.push_back(std::isnan(cell) ? -1e9 : cell);
+      }
+    }
+    EXPECT_EQ(block.complete, complete);
+    return cells;
+  }
+  // Those of all cases, which are the same by blocks and by pieces.
+  std::vector<double> Cells(CCaseSource& source) {
+    std::vector<double> byPieces, byBlocks;
+    const auto append = [](std::vector<double>& to, const std::vector<double>& cells) {
+      to.insert(to.end(), cells.begin(), cells.end());
+    };
     FAULT fault;
-    EXPECT_TRUE(source.ForEachBlock(
+    EXPECT_TRUE(source.ForEachPiece(
         [&](const CASEBLOCK& block) {
-          for (std::int64_t i = 0; i < block.cells.cases; ++i) {
-            for (int j = 0; j < block.cells.variables; ++j) {
-              const double cell = block.cells.cells[i * block.cells.stride + j];
-              cells.push_back(std::isnan(cell) ? -1e9 : cell);
-            }
-          }
+          return [&, cells = CellsOf(block)] { append(byPieces, cells); };
         },
         {}, fault));
-    return cells;
+    const CASECOUNTS counts = source.Counts();
+    EXPECT_TRUE(source.ForEachBlock(
+        [&](const CASEBLOCK& block) { append(byBlocks, CellsOf(block)); }, {}, fault));
+    EXPECT_EQ(byPieces, byBlocks);
+    EXPECT_EQ(counts.used, source.Counts().used);
+    EXPECT_EQ(counts.otherValues, source.Counts().otherValues);
+    return byBlocks;
   }
 
   TempFolder folder;
   CDataFile file;
   JOB job;
 };
+
+// More pieces than threads, cases left out of each, and a work that takes longer now and then.
+TEST_F(CaseSourceTest, PiecesComeInOrderForAnyNumberOfThreads) {
+  std::vector<std::vector<double>> rows;
+  for (int i = 0; i < 60'000; ++i) rows.push_back({i + 1.0, i % 7 == 0 ? -999999.0 : i});
+  Open(Describe({"x", "y"}), rows, "");
+  std::vector<double> first;
+  for (const int threads : {1, 2, 5}) {
+    CCaseSource source(file, job, 1, 0, threads);
+    source.SetColumns({{1, {}}, {0, {}}});
+    source.SetListwise(threads != 5);
+    std::vector<double> cells = Cells(source);
+    EXPECT_EQ(source.Counts().used, threads != 5 ? 51'428 : 60'000);
+    if (threads == 1) first = cells;
+    if (threads == 2) EXPECT_EQ(cells, first);
+  }
+}
+
+TEST_F(CaseSourceTest, PiecesStopWhenAskedAndHandOnExceptions) {
+  std::vector<std::vector<double>> rows(40'000, {1.0});
+  Open(Describe({"x"}), rows, "");
+  CCaseSource source(file, job, 1, 0, 3);
+  source.SetColumns({{0, {}}});
+  FAULT fault;
+  int taken = 0;
+  EXPECT_FALSE(source.ForEachPiece([&](const CASEBLOCK&) { return [&] { ++taken; }; },
+                                   [&](double share) { return share < .3; }, fault));
+  EXPECT_FALSE(fault);
+  EXPECT_EQ(taken, 3);
+  const auto fail = [](const CASEBLOCK&) -> CCaseSource::PieceResult {
+    throw std::runtime_error("no");
+  };
+  EXPECT_THROW(source.ForEachPiece(fail, {}, fault), std::runtime_error);
+}
 
 TEST_F(CaseSourceTest, TransformsInTheOrderOfTheLines) {
   Open(Describe({"x", "y"}), {{1, 10}, {2, -999999}, {3, 30}},

@@ -60,7 +60,7 @@ TEST(Report, ShowsNumbersWithoutSurprises) {
       {123456789, 2, "123456789.00"},
       {1e15, 2, "1.00e+15"},
       {std::numeric_limits<double>::quiet_NaN(), 3, "."},
-      {std::numeric_limits<double>::infinity(), 3, "inf"},
+      {std::numeric_limits<double>::infinity(), 3, "overflow"},
   };
   for (const auto& c : cases) EXPECT_EQ(CReport::Number(c.value, c.decimals), c.want);
   EXPECT_EQ(CReport::Count(12), "12");

@@ -258,6 +258,16 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
   }
 }
 
+TEST_F(RunTest, SaysWhereNumbersAreTooLarge) {
+  EXPECT_EQ(Run("NE b = x1 * 10**200\nSE x1 b\nOU MA=MM XM"), ERUNRESULT::Failed);
+  const std::string output = UnwrappedOutput();
+  EXPECT_THAT(output, HasSubstr("b . . . . ."));
+  EXPECT_THAT(output, HasSubstr("variable b (number 7): a value, a weight or a result is not"));
+  EXPECT_THAT(output, HasSubstr("the moment matrix cannot be computed"));
+  EXPECT_THAT(output, Not(HasSubstr(" inf")));
+  EXPECT_THAT(output, Not(HasSubstr("nan")));
+}
+
 TEST_F(RunTest, SaysWhatIsWrongWithItsFiles) {
   EXPECT_EQ(RunWhole("SY='" + (folder / "none.VSF") + "'\nOU"), ERUNRESULT::Failed);
   EXPECT_THAT(Output(), HasSubstr("ERROR in line 1"));

@@ -176,6 +176,47 @@ TEST_F(RunCommand, FailuresSayWhyOnOneLine) {
   EXPECT_NE(RunVexData({"run", data}).err.find("no engine cannot be run"), std::string::npos);
 }
 
+// With the engine itself, on the shipped example.
+TEST_F(RunCommand, TheEngineNamesCauseAndRemedyOfBadRequests) {
+  setenv("VEX_ENGINE", VEX_TORVIK, 1);
+  const std::string survey = folder / "survey.VSF";
+  ASSERT_EQ(RunVexData({"--quiet", "import", VEX_EXAMPLE, survey}).code, 0);
+  const std::string thresholds = folder / "n1.th";
+  WriteBytes(thresholds, "-1 0 ! N1\n");
+  const struct {
+    std::vector<std::string> arguments;
+    const char* cause;
+  } cases[] = {
+      {{"--line", "RG ON A1", "--line", "OU"}, "expected y variables"},
+      {{"--line", "RG age ON", "--line", "OU"}, "expected x variables"},
+      {{"--line", "RG age ON age", "--line", "OU"}, "both sides of ON"},
+      {{"--line", "NE k = 3", "--line", "RG age ON k"}, "the x variable k has one value only"},
+      {{"--line", "NE s = A1+A2", "--line", "RG age ON A1 A2 s"}, "s is collinear"},
+      {{"--line", "NE s = A1+A2", "--line", "LO gender ON A1 A2 s"}, "s is collinear"},
+      {{"--line", "NE z = gender", "--line", "LO gender ON z"}, "z separates the categories"},
+      {{"--line", "NE z = gender", "--line", "PR gender ON z"}, "z separates the categories"},
+      {{"ts", "--y", "age", "--x", "A1,A2", "--instruments", "A3"}, "age is not identified"},
+      {{"ft", "--variables", "O1", "--thresholds", thresholds}, "no thresholds of variable O1"},
+      {{"ft", "--variables", "N1", "--thresholds", thresholds}, "the file holds 2 thresholds"},
+      {{"ht", "--variables", "A1,gender"}, "the variables have different categories"},
+      {{"et", "--variables", "A1,gender"}, "the variables have different categories"},
+      {{"fa", "--variables", "A1-A5", "--factors", "3"}, "3 factors of 5 variables"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = {"run", survey};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const Outcome run = RunVexData(arguments);
+    EXPECT_EQ(run.code, 1) << c.cause;
+    EXPECT_NE(run.out.find("Remedy:"), std::string::npos) << run.out;
+    std::string text;  // whatever the line breaks
+    for (const char letter : run.out) {
+      const bool blank = letter == ' ' || letter == '\n';
+      if (!blank || !text.ends_with(' ')) text += blank ? ' ' : letter;
+    }
+    EXPECT_NE(text.find(c.cause), std::string::npos) << run.out;
+  }
+}
+
 TEST_F(RunCommand, AnInterruptCancelsTheEngine) {
   UseEngine(
       "trap 'echo interrupted >\"$2\"; exit 1' INT; echo >\"$1.ready\"; "

@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <condition_variable>
 #include <cstring>
 #include <limits>
+#include <map>
+#include <mutex>
 
 #include "engine/data/CaseStore.h"
+#include "engine/stats/Kernels.h"
 #include "engine/stats/Parallel.h"
 
 namespace {
@@ -36,12 +40,23 @@ void CASECOUNTS::Add(const CASECOUNTS& other) {
   AddTo(undefined, other.undefined);
 }
 
+// Cases ready to be handed out. Codes of one column are `capacity` apart from those of the next.
+struct CCaseSource::Buffer {
+  std::size_t capacity = 0;  // cases
+  std::vector<double> cells;
+  std::vector<std::uint8_t> codes;
+  std::vector<double> weights;
+  std::vector<std::int64_t> numbers;
+};
+
 // A run of cases that one thread decodes on its own.
 struct CCaseSource::Part {
+  Buffer* to = nullptr;
   std::int64_t first = 0;  // record, counted from 0
   std::int64_t cases = 0;
-  std::size_t place = 0;  // of its first case in the block
+  std::size_t place = 0;  // of its first case in the buffer
   std::size_t used = 0;   // cases that it put there
+  bool complete = true;   // these have no missing cell
   int error = 0;
   CASECOUNTS counts;
   std::vector<double> raw;    // the file's records; then those that are kept, all variables wide
@@ -59,7 +74,8 @@ CCaseSource::CCaseSource(const CDataFile& file, const JOB& job, std::uint64_t se
       seed_(seed),
       repetition_(repetition),
       threads_(stats::ThreadCount(threads)),
-      width_(static_cast<std::size_t>(job.data.variables)) {
+      width_(static_cast<std::size_t>(job.data.variables)),
+      block_(std::make_unique<Buffer>()) {
   if (IsVariableNumber(file.Data(), job.data.weightVariable)) {
     weightVariable_ = job.data.weightVariable - 1;
   }
@@ -93,10 +109,12 @@ void CCaseSource::PrepareColumns() {
   for (std::size_t i = 0; i < width_; ++i) missing_.emplace_back(job_.data, i);
   columnMissing_.clear();
   columnCodes_.clear();
-  sameMissing_ = true;
+  columnVariables_.clear();
+  sameMissing_ = !columns_.empty();
   neighbours_ = true;
   for (std::size_t j = 0; j < columns_.size(); ++j) {
     const std::int32_t variable = columns_[j].variable;
+    columnVariables_.push_back(variable);
     columnMissing_.push_back(missing_[static_cast<std::size_t>(variable)]);
     sameMissing_ = sameMissing_ && columnMissing_.back() == columnMissing_.front();
     neighbours_ = neighbours_ && variable == columns_.front().variable + static_cast<int>(j);
@@ -104,25 +122,32 @@ void CCaseSource::PrepareColumns() {
   }
 }
 
+std::int64_t CCaseSource::PartCases() const {
+  const std::size_t width = std::max<std::size_t>(width_, 1) * sizeof(double);
+  return std::clamp<std::int64_t>(static_cast<std::int64_t>(kPartBytes / width), 1, kMostPartCases);
+}
+
+void CCaseSource::MakeRoom(Buffer& buffer, std::size_t cases) const {
+  buffer.capacity = cases;
+  if (buffer.numbers.size() >= cases) return;
+  buffer.cells.resize(cases * columns_.size());
+  buffer.codes.resize(cases * columnCodes_.size());
+  buffer.numbers.resize(cases);
+  if (weightVariable_ >= 0) buffer.weights.resize(cases);
+}
+
 // Divides the records from `first` on among the parts and makes room for their cases.
 void CCaseSource::PrepareBlock(std::vector<Part>& parts, std::int64_t first) {
-  const std::int64_t partCases = std::clamp<std::int64_t>(
-      static_cast<std::int64_t>(kPartBytes / (std::max<std::size_t>(width_, 1) * sizeof(double))),
-      1, kMostPartCases);
-  capacity_ = 0;
+  std::size_t capacity = 0;
   for (Part& part : parts) {
+    part.to = block_.get();
     part.first = first;
-    part.cases = std::clamp<std::int64_t>(file_.Records() - first, 0, partCases);
-    part.place = capacity_;
-    capacity_ += static_cast<std::size_t>(part.cases);
+    part.cases = std::clamp<std::int64_t>(file_.Records() - first, 0, PartCases());
+    part.place = capacity;
+    capacity += static_cast<std::size_t>(part.cases);
     first += part.cases;
   }
-  if (numbers_.size() < capacity_) {
-    cells_.resize(capacity_ * columns_.size());
-    codes_.resize(capacity_ * columnCodes_.size());
-    numbers_.resize(capacity_);
-    if (weightVariable_ >= 0) weights_.resize(capacity_);
-  }
+  MakeRoom(*block_, capacity);
 }
 
 void CCaseSource::DecodePart(Part& part) {
@@ -137,13 +162,10 @@ void CCaseSource::DecodePart(Part& part) {
   if (part.error != 0) return;
   const std::size_t kept = Select(part);
   if (!job_.transformations.empty()) Transform(part);
-  const std::size_t stride = job_.transformations.empty() ? fileWidth : width_;
-  for (std::size_t i = 0; i < kept; ++i) {
-    const std::size_t place = part.place + part.used;
-    if (!PutRow(part, part.raw.data() + i * stride, place)) continue;
-    numbers_[place] = part.numbers[i];
-    ++part.used;
-  }
+  PutRows(part, job_.transformations.empty() ? fileWidth : width_, kept);
+  part.complete = CleanCells(part) == 0;
+  if (!columnCodes_.empty()) PutCodes(part);
+  if (listwise_ && !part.complete) DropIncomplete(part);
   part.counts.used = static_cast<std::int64_t>(part.used);
 }
 
@@ -174,43 +196,64 @@ bool CCaseSource::TakeWeight(Part& part, const double* row, std::size_t place) {
     ++part.counts.withoutWeight;
     return false;
   }
-  weights_[place] = weight;
+  part.to->weights[place] = weight;
   return true;
 }
 
-// Writes a case to its place in the block. Returns false when its weight or a missing value leaves
-// it out.
-bool CCaseSource::PutRow(Part& part, const double* row, std::size_t place) {
-  if (weightVariable_ >= 0 && !TakeWeight(part, row, place)) return false;
-  if (!job_.emptyIn.empty() && IsEmpty(row)) {
-    ++part.counts.incomplete;
-    return false;
-  }
+// Copies the columns of those cases that their weight and the variables that must not be empty
+// leave in.
+void CCaseSource::PutRows(Part& part, std::size_t stride, std::size_t kept) {
   const std::size_t count = columns_.size();
-  double* const cells = cells_.data() + place * count;
-  std::size_t missing = 0;
-  if (sameMissing_ && neighbours_) {
-    missing = columnMissing_.front().Copy(row + columns_.front().variable, count, cells);
-  } else {
+  const double* row = part.raw.data();
+  std::int64_t* const numbers = part.to->numbers.data() + part.place;
+  double* cells = part.to->cells.data() + part.place * count;
+  if (weightVariable_ < 0 && job_.emptyIn.empty() && neighbours_ && stride == count) {
+    std::copy_n(row, kept * count, cells);
+    std::copy_n(part.numbers.begin(), kept, numbers);
+    part.used = kept;
+    return;
+  }
+  for (std::size_t i = 0; i < kept; ++i, row += stride) {
+    if (weightVariable_ >= 0 && !TakeWeight(part, row, part.place + part.used)) continue;
+    if (!job_.emptyIn.empty() && IsEmpty(row)) {
+      ++part.counts.incomplete;
+      continue;
+    }
+    if (neighbours_) {
+      std::copy_n(row + columns_.front().variable, count, cells);
+    } else {
+      for (std::size_t j = 0; j < count; ++j) cells[j] = row[columnVariables_[j]];
+    }
+    numbers[part.used++] = part.numbers[i];
+    cells += count;
+  }
+}
+
+// Missing and infinite cells become NaN. Returns how many these are.
+std::int64_t CCaseSource::CleanCells(Part& part) const {
+  const std::size_t count = columns_.size();
+  double* const cells = part.to->cells.data() + part.place * count;
+  if (sameMissing_) {
+    const CMissingTest& test = columnMissing_.front();
+    const stats::CleanCounts counts = stats::ActiveKernels().clean(
+        cells, static_cast<std::int64_t>(part.used * count),
+        {test.Values().data(), static_cast<std::int64_t>(test.Values().size()), test.RangeLow(),
+         test.RangeHigh()});
+    part.counts.infinite += counts.infinite;
+    return counts.missing;
+  }
+  std::int64_t missing = 0;
+  for (std::size_t at = 0; at < part.used * count; at += count) {
     for (std::size_t j = 0; j < count; ++j) {
-      const double value = row[columns_[j].variable];
-      const bool none = columnMissing_[j](value) || !std::isfinite(value);
-      cells[j] = none ? kMissing : value;
-      missing += none ? 1 : 0;
+      double& cell = cells[at + j];
+      const bool infinite = std::isinf(cell);
+      if (!infinite && !columnMissing_[j](cell)) continue;
+      part.counts.infinite += infinite ? 1 : 0;
+      cell = kMissing;
+      ++missing;
     }
   }
-  if (missing > 0) {
-    for (std::size_t j = 0; j < count; ++j) {
-      part.counts.infinite += std::isinf(row[columns_[j].variable]) ? 1 : 0;
-    }
-  }
-  const std::int64_t otherBefore = part.counts.otherCells;
-  if (!columnCodes_.empty()) PutCodes(part, cells, place);
-  if (listwise_ && (missing > 0 || part.counts.otherCells > otherBefore)) {
-    ++part.counts.incomplete;
-    return false;
-  }
-  return true;
+  return missing;
 }
 
 // Has the case no value in any of the variables that must not all be missing?
@@ -221,18 +264,48 @@ bool CCaseSource::IsEmpty(const double* row) const {
 }
 
 // Cells with values that a column may not have become missing.
-void CCaseSource::PutCodes(Part& part, double* cells, std::size_t place) {
-  std::uint8_t* code = codes_.data() + place;
+void CCaseSource::PutCodes(Part& part) const {
+  const std::size_t count = columns_.size();
+  std::uint8_t* code = part.to->codes.data() + part.place;
   for (const CColumnCodes& codes : columnCodes_) {
-    double& cell = cells[codes.Column()];
-    *code = codes.CodeOf(cell);
-    if (*code == stats::kMissingCode && !std::isnan(cell)) {
-      cell = kMissing;
-      ++part.counts.otherValues[codes.Column()];
-      ++part.counts.otherCells;
+    double* cell = part.to->cells.data() + part.place * count + codes.Column();
+    std::int64_t others = 0;
+    for (std::size_t i = 0; i < part.used; ++i, cell += count) {
+      code[i] = codes.CodeOf(*cell);
+      if (code[i] != stats::kMissingCode || std::isnan(*cell)) continue;
+      *cell = kMissing;
+      ++others;
     }
-    code += capacity_;
+    part.counts.otherValues[codes.Column()] += others;
+    part.counts.otherCells += others;
+    part.complete = part.complete && others == 0;
+    code += part.to->capacity;
   }
+}
+
+// Moves the complete cases together.
+void CCaseSource::DropIncomplete(Part& part) const {
+  const std::size_t count = columns_.size();
+  Buffer& buffer = *part.to;
+  std::size_t to = part.place;
+  for (std::size_t from = part.place; from < part.place + part.used; ++from) {
+    const double* const cells = buffer.cells.data() + from * count;
+    if (std::any_of(cells, cells + count, [](double cell) { return std::isnan(cell); })) {
+      ++part.counts.incomplete;
+      continue;
+    }
+    if (to != from) {
+      std::copy_n(cells, count, buffer.cells.data() + to * count);
+      for (std::size_t j = 0; j < columnCodes_.size(); ++j) {
+        buffer.codes[j * buffer.capacity + to] = buffer.codes[j * buffer.capacity + from];
+      }
+      if (weightVariable_ >= 0) buffer.weights[to] = buffer.weights[from];
+      buffer.numbers[to] = buffer.numbers[from];
+    }
+    ++to;
+  }
+  part.used = to - part.place;
+  part.complete = true;
 }
 
 // Widens the kept records by the variables that the job makes, and works on them in the order of
@@ -312,8 +385,9 @@ void CCaseSource::Apply(const CASEFUNCTION& function, Part& part) const {
 }
 
 // Closes the gaps that left-out cases made between the parts. Returns the number of cases.
-std::int64_t CCaseSource::Gather(const std::vector<Part>& parts) {
+std::size_t CCaseSource::Gather(const std::vector<Part>& parts) {
   const std::size_t columns = columns_.size();
+  Buffer& block = *block_;
   std::size_t cases = 0;
   for (const Part& part : parts) {
     counts_.Add(part.counts);
@@ -323,50 +397,178 @@ std::int64_t CCaseSource::Gather(const std::vector<Part>& parts) {
                     part.used * size,
                     from.begin() + static_cast<std::ptrdiff_t>(offset + cases * size));
       };
-      move(cells_, columns, 0);
-      move(numbers_, 1, 0);
-      if (weightVariable_ >= 0) move(weights_, 1, 0);
-      for (std::size_t j = 0; j < columnCodes_.size(); ++j) move(codes_, 1, j * capacity_);
+      move(block.cells, columns, 0);
+      move(block.numbers, 1, 0);
+      if (weightVariable_ >= 0) move(block.weights, 1, 0);
+      for (std::size_t j = 0; j < columnCodes_.size(); ++j) {
+        move(block.codes, 1, j * block.capacity);
+      }
     }
     cases += part.used;
   }
-  return static_cast<std::int64_t>(cases);
+  return cases;
+}
+
+CASEBLOCK CCaseSource::View(const Buffer& buffer, std::size_t cases, bool complete) const {
+  const auto count = static_cast<std::int64_t>(cases);
+  const auto variables = static_cast<int>(columns_.size());
+  const double* const weights = weightVariable_ >= 0 ? buffer.weights.data() : nullptr;
+  return {{buffer.cells.data(), count, variables, variables, weights},
+          {buffer.codes.data(), count, static_cast<int>(columnCodes_.size()),
+           static_cast<std::int64_t>(buffer.capacity), weights},
+          buffer.numbers.data(),
+          complete};
+}
+
+void CCaseSource::BeginPass() {
+  counts_ = CASECOUNTS();
+  counts_.otherValues.assign(columns_.size(), 0);
+  counts_.undefined.assign(job_.transformations.size(), 0);
+  PrepareColumns();
+}
+
+FAULT CCaseSource::ReadFault(int error) const {
+  FAULT fault;
+  fault.cause = "the data file " + file_.Name() + " cannot be read: " + std::strerror(error);
+  return fault;
 }
 
 bool CCaseSource::ForEachBlock(const std::function<void(const CASEBLOCK&)>& work,
                                const Progress& progress, FAULT& fault) {
   NoteUse();
   if (store_ != nullptr) return store_->ForEachBlock(columns_, listwise_, *drawn_, work, counts_);
-  counts_ = CASECOUNTS();
-  counts_.otherValues.assign(columns_.size(), 0);
-  counts_.undefined.assign(job_.transformations.size(), 0);
-  numbers_.clear();
-  PrepareColumns();
+  BeginPass();
+  *block_ = Buffer();
   std::vector<Part> parts(kPartsAtOnce);
   const std::int64_t records = file_.Records();
   for (std::int64_t next = 0; next < records;) {
     PrepareBlock(parts, next);
     stats::ParallelFor(threads_, kPartsAtOnce,
                        [&](std::int64_t i) { DecodePart(parts[static_cast<std::size_t>(i)]); });
+    bool complete = true;
     for (const Part& part : parts) {
       next += part.cases;
+      complete = complete && part.complete;
       if (part.error == 0) continue;
-      fault.cause =
-          "the data file " + file_.Name() + " cannot be read: " + std::strerror(part.error);
+      fault = ReadFault(part.error);
       return false;
     }
-    const std::int64_t cases = Gather(parts);
-    const double* const weights = weightVariable_ >= 0 ? weights_.data() : nullptr;
-    const auto variables = static_cast<int>(columns_.size());
-    if (cases > 0) {
-      work({{cells_.data(), cases, variables, variables, weights},
-            {codes_.data(), cases, static_cast<int>(columnCodes_.size()),
-             static_cast<std::int64_t>(capacity_), weights},
-            numbers_.data()});
-    }
+    const std::size_t cases = Gather(parts);
+    if (cases > 0) work(View(*block_, cases, complete));
     if (progress && !progress(static_cast<double>(next) / static_cast<double>(records))) {
       return false;
     }
   }
   return true;
+}
+
+// Threads that take one piece after the other. What a piece leaves to be done in order waits until
+// its turn comes; a thread that is too far ahead waits as well, so that little is held.
+class CCaseSource::CPieces {
+ public:
+  CPieces(CCaseSource& source, const PieceWork& work, const Progress& progress)
+      : source_(source),
+        work_(work),
+        progress_(progress),
+        records_(source.file_.Records()),
+        pieceCases_(source.PartCases()),
+        ahead_(2 * static_cast<std::int64_t>(source.threads_)) {}
+
+  bool Run(FAULT& fault) {
+    stats::ParallelFor(source_.threads_, source_.threads_, [this](std::int64_t) { Guarded(); });
+    if (error_ != 0) fault = source_.ReadFault(error_);
+    return !stopped_;
+  }
+
+ private:
+  struct Waiting {
+    CASECOUNTS counts;
+    PieceResult result;
+  };
+
+  void Guarded() {
+    try {
+      TakePieces();
+    } catch (...) {
+      const std::lock_guard<std::mutex> hold(lock_);
+      Stop();
+      throw;
+    }
+  }
+
+  void TakePieces() {
+    Buffer buffer;
+    Part part;
+    part.to = &buffer;
+    std::int64_t piece = 0;
+    while (Next(piece)) {
+      part.first = piece * pieceCases_;
+      part.cases = std::min(pieceCases_, records_ - part.first);
+      source_.MakeRoom(buffer, static_cast<std::size_t>(part.cases));
+      source_.DecodePart(part);
+      PieceResult result;
+      if (part.error == 0 && part.used > 0) {
+        result = work_(source_.View(buffer, part.used, part.complete));
+      }
+      Deliver(piece, part, std::move(result));
+    }
+  }
+
+  bool Next(std::int64_t& piece) {
+    std::unique_lock<std::mutex> hold(lock_);
+    if (stopped_ || next_ * pieceCases_ >= records_) return false;
+    piece = next_++;
+    moved_.wait(hold, [&] { return stopped_ || piece < done_ + ahead_; });
+    return !stopped_;
+  }
+
+  void Deliver(std::int64_t piece, Part& part, PieceResult result) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    if (part.error != 0) {
+      error_ = part.error;
+      Stop();
+      return;
+    }
+    waiting_[piece] = {std::move(part.counts), std::move(result)};
+    for (auto first = waiting_.begin();
+         !stopped_ && first != waiting_.end() && first->first == done_;
+         first = waiting_.erase(first)) {
+      source_.counts_.Add(first->second.counts);
+      if (first->second.result) first->second.result();
+      ++done_;
+      const std::int64_t records = std::min(done_ * pieceCases_, records_);
+      if (progress_ && !progress_(static_cast<double>(records) / static_cast<double>(records_))) {
+        Stop();
+      }
+    }
+    moved_.notify_all();
+  }
+
+  void Stop() {
+    stopped_ = true;
+    moved_.notify_all();
+  }
+
+  CCaseSource& source_;
+  const PieceWork& work_;
+  const Progress& progress_;
+  std::int64_t records_, pieceCases_, ahead_;
+  std::mutex lock_;  // of everything below
+  std::condition_variable moved_;
+  std::int64_t next_ = 0, done_ = 0;
+  std::map<std::int64_t, Waiting> waiting_;
+  bool stopped_ = false;
+  int error_ = 0;
+};
+
+bool CCaseSource::ForEachPiece(const PieceWork& work, const Progress& progress, FAULT& fault) {
+  NoteUse();
+  if (store_ != nullptr) {
+    const auto take = [&work](const CASEBLOCK& block) {
+      if (const PieceResult result = work(block)) result();
+    };
+    return store_->ForEachBlock(columns_, listwise_, *drawn_, take, counts_);
+  }
+  BeginPass();
+  return CPieces(*this, work, progress).Run(fault);
 }

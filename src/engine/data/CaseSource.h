@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "engine/data/ColumnCodes.h"
@@ -41,6 +42,7 @@ struct CASEBLOCK {
   stats::CaseBlock cells;
   stats::CodeBlock codes;
   const std::int64_t* numbers = nullptr;  // the cases' numbers in the file, counted from 1
+  bool complete = false;                  // no cell is missing
 };
 
 class CCaseStore;
@@ -81,6 +83,16 @@ class CCaseSource {
   bool ForEachBlock(const std::function<void(const CASEBLOCK&)>& work, const Progress& progress,
                     FAULT& fault);
 
+  // What is to be done with a piece in its turn: one after the other, in the order of the file.
+  using PieceResult = std::function<void()>;
+  // Called for several pieces at the same time, on any thread.
+  using PieceWork = std::function<PieceResult(const CASEBLOCK&)>;
+
+  // The same in pieces that stay in the processor's cache from the file to the sums: `work` is
+  // called on the threads that read, and what it returns in order, while no other is. The pieces
+  // are the same for any number of threads. `progress` is called on any thread.
+  bool ForEachPiece(const PieceWork& work, const Progress& progress, FAULT& fault);
+
   // Of the last pass.
   const CASECOUNTS& Counts() const { return counts_; }
 
@@ -90,21 +102,30 @@ class CCaseSource {
   void ForgetUse() { used_.clear(); }
 
  private:
+  struct Buffer;
   struct Part;
+  class CPieces;
 
   void NoteUse();
+  void BeginPass();
+  FAULT ReadFault(int error) const;
   void PrepareColumns();
+  std::int64_t PartCases() const;
+  void MakeRoom(Buffer& buffer, std::size_t cases) const;
   void PrepareBlock(std::vector<Part>& parts, std::int64_t first);
   void DecodePart(Part& part);
   std::size_t Select(Part& part) const;
   void Transform(Part& part) const;
   void TransformOnce(Part& part, std::uint64_t repetition) const;
   void Apply(const CASEFUNCTION& function, Part& part) const;
-  bool PutRow(Part& part, const double* row, std::size_t place);
+  void PutRows(Part& part, std::size_t stride, std::size_t kept);
   bool IsEmpty(const double* row) const;
-  void PutCodes(Part& part, double* cells, std::size_t place);
   bool TakeWeight(Part& part, const double* row, std::size_t place);
-  std::int64_t Gather(const std::vector<Part>& parts);
+  std::int64_t CleanCells(Part& part) const;
+  void PutCodes(Part& part) const;
+  void DropIncomplete(Part& part) const;
+  std::size_t Gather(const std::vector<Part>& parts);
+  CASEBLOCK View(const Buffer& buffer, std::size_t cases, bool complete) const;
 
   const CDataFile& file_;
   const JOB& job_;
@@ -121,15 +142,10 @@ class CCaseSource {
   const CCaseStore* store_ = nullptr;
   const std::vector<double>* drawn_ = nullptr;
   // What the columns need, prepared for the pass.
+  std::vector<std::int32_t> columnVariables_;
   std::vector<CMissingTest> columnMissing_;
   bool sameMissing_ = false;  // one test for all columns
   bool neighbours_ = false;   // the columns are variables that stand side by side
   std::vector<CColumnCodes> columnCodes_;
-  // The block that is handed out. The parts write into it side by side; codes are `capacity_`
-  // apart.
-  std::size_t capacity_ = 0;  // cases
-  std::vector<double> cells_;
-  std::vector<std::uint8_t> codes_;
-  std::vector<double> weights_;
-  std::vector<std::int64_t> numbers_;
+  std::unique_ptr<Buffer> block_;  // that is handed out; the parts write into it side by side
 };

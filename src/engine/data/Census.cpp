@@ -112,21 +112,30 @@ void CCensusTaker::Add(const CASEBLOCK& block) {
   stats::ParallelFor(threads_, static_cast<std::int64_t>(segments.size()), [&](std::int64_t i) {
     CENSUS& segment = segments[static_cast<std::size_t>(i)];
     segment = EmptyCensus(census_.missing.size());
-    AddCases(block.cells, i * kSegmentCases, std::min((i + 1) * kSegmentCases, cases), segment);
+    AddCases(block, i * kSegmentCases, std::min((i + 1) * kSegmentCases, cases), segment);
   });
   for (const CENSUS& segment : segments) census_.Merge(segment);
 }
 
-void CCensusTaker::AddCases(const stats::CaseBlock& block, std::int64_t first, std::int64_t end,
+CENSUS CCensusTaker::Count(const CASEBLOCK& block) const {
+  CENSUS census = EmptyCensus(census_.missing.size());
+  AddCases(block, 0, block.cells.cases, census);
+  return census;
+}
+
+void CCensusTaker::AddCases(const CASEBLOCK& block, std::int64_t first, std::int64_t end,
                             CENSUS& census) const {
+  const stats::CaseBlock& cases = block.cells;
   const std::size_t columns = census.missing.size();
   std::vector<CValueCounter> counters(wantedColumns_.size());
   std::string pattern(columns, '0');
   for (std::int64_t i = first; i < end; ++i) {
-    const double* const row = block.cells + i * block.stride;
-    const double weight = block.weights != nullptr ? block.weights[i] : 1;
+    const double* const row = cases.cells + i * cases.stride;
+    const double weight = cases.weights != nullptr ? cases.weights[i] : 1;
     std::size_t missing = 0;
-    for (std::size_t j = 0; j < columns; ++j) missing += std::isnan(row[j]) ? 1 : 0;
+    for (std::size_t j = 0; j < columns && !block.complete; ++j) {
+      missing += std::isnan(row[j]) ? 1 : 0;
+    }
     ++census.cases;
     census.weight += weight;
     if (missing == 0) {

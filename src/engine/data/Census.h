@@ -38,17 +38,19 @@ struct CENSUS {
   void Merge(const CENSUS& other);
 };
 
-// Collects blocks. `wanted` says for which columns values are listed, `listwise` that only complete
+// Counts blocks. `wanted` says for which columns values are listed, `listwise` that only complete
 // cases count for them. The result does not depend on the number of threads.
 class CCensusTaker {
  public:
   CCensusTaker(const std::vector<bool>& wanted, bool listwise, int threads);
   void Add(const CASEBLOCK& block);
+  // For pieces of the cases: counts one, on any thread, and takes the counts in their order.
+  CENSUS Count(const CASEBLOCK& block) const;
+  void Add(const CENSUS& counted) { census_.Merge(counted); }
   const CENSUS& Result() const { return census_; }
 
  private:
-  void AddCases(const stats::CaseBlock& block, std::int64_t first, std::int64_t end,
-                CENSUS& census) const;
+  void AddCases(const CASEBLOCK& block, std::int64_t first, std::int64_t end, CENSUS& census) const;
 
   std::vector<std::size_t> wantedColumns_;
   bool listwise_;

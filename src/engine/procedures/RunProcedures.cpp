@@ -56,31 +56,22 @@ bool Finish(ENGINERUN& run, FAULT& fault) {
   return AsksForScreening(run.job.output) ? ScreenData(run, fault) : SaveData(run, fault);
 }
 
-// Passes over the data, roughly: those behind an imputation are made on each of its data sets.
-int Stages(const std::vector<PROCEDURE>& procedures) {
-  constexpr std::int64_t kStagesEach = 8;
-  std::int64_t stages = 0, dataSets = 1;
-  for (const PROCEDURE& procedure : procedures) {
-    const auto* const imputation = std::get_if<MULTIPLEIMPUTATION>(&procedure.what);
-    if (imputation != nullptr) dataSets = std::max(dataSets, imputation->dataSets);
-    stages += kStagesEach * dataSets;
-  }
-  return static_cast<int>(std::min<std::int64_t>(stages, std::numeric_limits<int>::max()));
-}
-
 }  // namespace
 
 bool RunProcedures(ENGINERUN& run, FAULT& fault) {
   if (UsesDropped(run.job, fault)) return false;
   const std::vector<PROCEDURE> procedures = run.job.procedures;
-  run.progress.Begin(Stages(procedures));
+  const int parts = static_cast<int>(procedures.size()) + 1;  // the last one: what follows them
+  int part = 0;
   std::optional<CCompletedData> completed;
   for (const PROCEDURE& procedure : procedures) {
+    run.progress.BeginPart(part++, parts);
     const bool done = completed ? completed->RunProcedure(procedure, fault)
                                 : RunWithSamples(run, procedure, fault);
     if (!done) return false;
     if (!run.job.completions.empty()) completed.emplace(run);
   }
+  run.progress.BeginPart(part, parts);
   if (run.job.output.pk) {
     run.report.Warning("PK on the output line has no effect in this engine.");
   }

@@ -10,6 +10,16 @@
 namespace {
 
 constexpr std::string_view kMargin = "  ";
+constexpr std::string_view kOverflow = "overflow";
+
+bool Overflows(const TABLE& table) {
+  for (const auto& row : table.rows) {
+    for (std::size_t j = 0; j < row.size() && j < table.columns.size(); ++j) {
+      if (!table.columns[j].left && row[j].ends_with(kOverflow)) return true;
+    }
+  }
+  return false;
+}
 
 // The form with an exponent, for numbers whose digits would fill a line.
 CString Scientific(double value, int decimals) {
@@ -78,6 +88,11 @@ void CReport::Gap() {
 
 void CReport::Table(const TABLE& table) {
   AppendTable(table, columns_, text_);
+  if (!Overflows(table)) return;
+  Warning(
+      "\"overflow\" stands for figures beyond the range of numbers, about 1.8e308. Divide "
+      "variables "
+      "with such large values by a power of ten with NE first.");
 }
 
 void CReport::Warning(std::string_view text) {
@@ -134,7 +149,7 @@ void CReport::End() {
 CString CReport::Number(double value, int decimals) {
   constexpr double kLargestPlain = 1e12;
   if (std::isnan(value)) return ".";
-  if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
+  if (std::isinf(value)) return CString(value < 0 ? "-" : "").append(kOverflow);
   if (std::abs(value) >= kLargestPlain) return Scientific(value, decimals);
   CString text = FormatFixed(value, 0, decimals);
   // A rounded zero has no sign.

@@ -44,7 +44,8 @@ class CReport {
   bool HasWarnings() const { return !warnings_.empty(); }
 
   // A number with the report's decimals, or as many as asked for; without an exponent unless it has
-  // too many digits for that.
+  // too many digits for that; "." for one that is not defined, "overflow" for one beyond the range
+  // of numbers (in tables with a warning).
   CString Number(double value) const { return Number(value, format_.decimals); }
   static CString Number(double value, int decimals);
   // An estimate or its standard error, with so many decimals more that two digits of the error are

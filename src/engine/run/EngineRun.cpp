@@ -2,15 +2,22 @@
 
 #include "engine/run/Interrupt.h"
 
+CCaseSource::Progress ENGINERUN::Teller() {
+  return [this](double share) {
+    progress.Tell(share);
+    return !IsInterrupted();
+  };
+}
+
 bool ENGINERUN::Pass(CCaseSource& cases, const std::function<void(const CASEBLOCK&)>& work,
                      FAULT& fault) {
-  const bool done = cases.ForEachBlock(
-      work,
-      [this](double share) {
-        progress.Tell(share);
-        return !IsInterrupted();
-      },
-      fault);
+  const bool done = cases.ForEachBlock(work, Teller(), fault);
+  progress.NextStage();
+  return done;
+}
+
+bool ENGINERUN::PassInPieces(CCaseSource& cases, const CCaseSource::PieceWork& work, FAULT& fault) {
+  const bool done = cases.ForEachPiece(work, Teller(), fault);
   progress.NextStage();
   return done;
 }

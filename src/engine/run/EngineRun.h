@@ -59,6 +59,8 @@ struct ENGINERUN {
   // One pass over the cases with progress and interruption. Returns false with the reason in
   // `fault`; without a cause when the run was interrupted.
   bool Pass(CCaseSource& cases, const std::function<void(const CASEBLOCK&)>& work, FAULT& fault);
+  // The same over pieces, several at the same time (CCaseSource::ForEachPiece).
+  bool PassInPieces(CCaseSource& cases, const CCaseSource::PieceWork& work, FAULT& fault);
 
   // Whose share of the work this process computes, and of how many.
   int Part() const { return ranks == nullptr ? 0 : ranks->Rank(); }
@@ -66,4 +68,7 @@ struct ENGINERUN {
   // Gives this process's results to all and takes theirs. Returns false with the reason in `fault`,
   // without a cause when the run was interrupted.
   bool Exchange(const std::string& mine, std::vector<std::string>& all, FAULT& fault);
+
+ private:
+  CCaseSource::Progress Teller();
 };

@@ -19,6 +19,7 @@
 #include "engine/run/RankRepetition.h"
 #include "engine/screen/DataOutput.h"
 #include "engine/screen/Screening.h"
+#include "engine/stats/Cancel.h"
 #include "engine/stats/Parallel.h"
 #include "engine/syntax/Syntax.h"
 #include "host/Text.h"
@@ -66,7 +67,11 @@ class CRun {
 
   bool GuardedWork(FAULT& fault) {
     try {
+      stats::SetCancelTest(IsInterrupted);
       return Work(fault);
+    } catch (const stats::Cancelled&) {
+      fault = FAULT();
+      return false;
     } catch (const std::bad_alloc&) {
       fault.cause = "there is not enough memory for this run";
       fault.remedy = "Select fewer variables with SE, or close other programs.";
@@ -191,6 +196,7 @@ class CRun {
       return ShareRepetitions(repetitions, seed, fault);
     }
     for (std::int64_t r = 0; r < repetitions; ++r) {
+      progress_.BeginRepetition(r, repetitions);
       WriteRepetition(r, repetitions);
       const PLACE place{report_, files_, &ranks_};
       if (!RunOnce(r, seed, place, failed_, fault)) return false;

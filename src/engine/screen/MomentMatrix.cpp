@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 #include "engine/screen/ColumnStore.h"
 #include "engine/screen/Faults.h"
@@ -164,6 +165,8 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
     return false;
   }
   results.assign(ordinal * numeric, {});
+  std::mutex telling;
+  std::size_t estimated = 0;
   stats::ParallelFor(run.threads, static_cast<std::int64_t>(results.size()), [&](std::int64_t k) {
     const auto pair = static_cast<std::size_t>(k);
     const std::size_t i = pair / numeric;
@@ -172,7 +175,10 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
     results[pair] = stats::EstimatePolyserial(
         store.cells[j].data(), store.codes[i].data(), store.Cases(),
         static_cast<int>(OrdinalAt(variables, i).values.values.size()), store.Weights());
+    const std::lock_guard<std::mutex> hold(telling);
+    run.progress.Tell(static_cast<double>(++estimated) / static_cast<double>(results.size()));
   });
+  run.progress.NextStage();
   run.report.Gap();
   run.report.Paragraph("For the polyserial correlations " + std::to_string(megabytes) +
                        " MB of cases were held in memory.");

@@ -96,12 +96,15 @@ void WriteContinuousSection(ENGINERUN& run, const SCREENVARIABLES& variables,
     const SCREENVARIABLE& variable = variables.all[i];
     const auto& one = results.numeric[static_cast<std::size_t>(variable.place)];
     const bool spread = one.status == stats::EStatus::Ok;
-    summary.rows.push_back({variable.name, CReport::Count(one.n), report.Number(one.mean),
-                            report.Number(one.sd), spread ? report.Number(one.g1) : ".",
+    // Of values beyond the range of numbers nothing is known.
+    const bool known = one.status != stats::EStatus::NotFinite;
+    const auto number = [&](double value) { return known ? report.Number(value) : CString("."); };
+    const auto count = [&](double value) { return known ? CReport::Count(value) : CString("."); };
+    summary.rows.push_back({variable.name, count(one.n), number(one.mean), number(one.sd),
+                            spread ? report.Number(one.g1) : ".",
                             spread ? report.Number(one.g2) : "."});
-    range.rows.push_back({variable.name, report.Number(one.minimum),
-                          CReport::Count(one.minimumFrequency), report.Number(one.maximum),
-                          CReport::Count(one.maximumFrequency)});
+    range.rows.push_back({variable.name, number(one.minimum), count(one.minimumFrequency),
+                          number(one.maximum), count(one.maximumFrequency)});
     if (variable.type == kFixed) continue;
     if (!spread) NoteVariableFault(run, variable, one.status);
     const stats::NormalityTest test = stats::TestNormality(one);

@@ -1,5 +1,6 @@
 #include "engine/screen/Screening.h"
 
+#include <memory>
 #include <optional>
 
 #include "engine/screen/CasesSections.h"
@@ -28,10 +29,10 @@ class CScreening {
   explicit CScreening(ENGINERUN& run) : run_(run), output_(run.job.output) {}
 
   bool Screen(FAULT& fault) {
-    run_.progress.Begin(kStages);
     std::vector<CString> warnings;
     if (!FindScreenVariables(run_, variables_, warnings, fault)) return false;
     if (!FindNeeds(fault) || !CheckMemory(fault)) return false;
+    run_.progress.Plan(StagesAhead());
     WriteDataSection(run_, variables_);
     WriteMissingSection(run_, variables_);
     for (const CString& warning : warnings) run_.report.Warning(warning);
@@ -45,7 +46,13 @@ class CScreening {
   }
 
  private:
-  static constexpr int kStages = 4;
+  // The passes over the cases that follow the first one; polyserial correlations take one more
+  // stage for their estimation.
+  int StagesAhead() const {
+    const auto one = [](bool needed) { return needed ? 1 : 0; };
+    return one(needs_.tables || !variables_.numeric.empty()) + one(needs_.mardia) +
+           2 * one(needs_.polyserial) + one(needs_.asymptotic) + one(!output_.dataFile.empty());
+  }
 
   bool FindNeeds(FAULT& fault) {
     const bool matrix = output_.moments != MOMENTS::None;
@@ -114,43 +121,76 @@ class CScreening {
     return cells;
   }
 
-  bool MainPass(FAULT& fault) {
+  // What one pass collects of the numeric variables.
+  struct NUMERICSUMS {
+    std::optional<stats::CUnivariate> univariate;
+    std::optional<stats::CMoments> moments;
+    std::optional<stats::CMoments> complete;  // of the continuous variables, complete cases
+
+    void Merge(const NUMERICSUMS& other) {
+      if (univariate) univariate->Merge(*other.univariate);
+      if (moments) moments->Merge(*other.moments);
+      if (complete) complete->Merge(*other.complete);
+    }
+  };
+
+  NUMERICSUMS EmptySums(int threads) const {
     const auto numeric = static_cast<int>(variables_.numeric.size());
-    const auto continuous = static_cast<int>(variables_.continuous);
-    if (numeric > 0) univariate_.emplace(numeric, variables_.deletion, run_.threads);
-    if (needs_.moments) moments_.emplace(numeric, variables_.deletion, run_.threads);
+    NUMERICSUMS sums;
+    if (numeric > 0) sums.univariate.emplace(numeric, variables_.deletion, threads);
+    if (needs_.moments) sums.moments.emplace(numeric, variables_.deletion, threads);
     if (needs_.mardia) {
-      complete_.emplace(continuous, stats::EDeletion::Listwise, run_.threads);
+      sums.complete.emplace(static_cast<int>(variables_.continuous), stats::EDeletion::Listwise,
+                            threads);
     }
+    return sums;
+  }
+
+  void AddNumeric(NUMERICSUMS& sums, const CASEBLOCK& block) const {
+    const stats::CaseBlock cells = FirstColumns(block, variables_.numeric.size());
+    if (sums.univariate) sums.univariate->Add(cells);
+    if (sums.moments) sums.moments->Add(cells);
+    if (sums.complete) sums.complete->Add(FirstColumns(block, variables_.continuous));
+  }
+
+  bool PrepareTables(FAULT& fault) {
+    std::vector<int> categories;
+    for (const std::size_t i : variables_.ordinal) {
+      categories.push_back(static_cast<int>(variables_.all[i].values.values.size()));
+      if (categories.back() > 0) continue;
+      fault = OutputFault(run_, "variable " + variables_.all[i].name + " has no value in any case",
+                          "Leave the variable out with SE.");
+      return false;
+    }
+    tables_.emplace(std::move(categories), variables_.deletion, run_.threads);
+    return true;
+  }
+
+  // Tables of pairs are large: there is one of each, and blocks go to it one after the other.
+  bool MainPass(FAULT& fault) {
+    sums_ = EmptySums(run_.threads);
     if (needs_.tables) {
-      std::vector<int> categories;
-      for (const std::size_t i : variables_.ordinal) {
-        categories.push_back(static_cast<int>(variables_.all[i].values.values.size()));
-      }
-      for (std::size_t i = 0; i < categories.size(); ++i) {
-        if (categories[i] > 0) continue;
-        fault = OutputFault(
-            run_,
-            "variable " + variables_.all[variables_.ordinal[i]].name + " has no value in any case",
-            "Leave the variable out with SE.");
-        return false;
-      }
-      tables_.emplace(std::move(categories), variables_.deletion, run_.threads);
+      return PrepareTables(fault) && run_.Pass(
+                                         run_.source,
+                                         [this](const CASEBLOCK& block) {
+                                           AddNumeric(sums_, block);
+                                           tables_->Add(block.codes);
+                                         },
+                                         fault);
     }
-    if (numeric == 0 && !needs_.tables) return true;
-    return run_.Pass(
+    if (variables_.numeric.empty()) return true;
+    return run_.PassInPieces(
         run_.source,
         [this](const CASEBLOCK& block) {
-          if (univariate_) univariate_->Add(FirstColumns(block, variables_.numeric.size()));
-          if (moments_) moments_->Add(FirstColumns(block, variables_.numeric.size()));
-          if (complete_) complete_->Add(FirstColumns(block, variables_.continuous));
-          if (tables_) tables_->Add(block.codes);
+          auto sums = std::make_shared<NUMERICSUMS>(EmptySums(1));
+          AddNumeric(*sums, block);
+          return [this, sums] { sums_.Merge(*sums); };
         },
         fault);
   }
 
   void WriteSingleVariables() {
-    results_ = DescribeVariables(variables_, univariate_ ? &*univariate_ : nullptr);
+    results_ = DescribeVariables(variables_, sums_.univariate ? &*sums_.univariate : nullptr);
     WriteOrdinalSection(run_, variables_, results_);
     WriteContinuousSection(run_, variables_, results_);
     WriteCensoredSection(run_, variables_, results_);
@@ -158,7 +198,7 @@ class CScreening {
 
   bool WriteTogether(FAULT& fault) {
     if (needs_.mardia) {
-      stats::CMardia mardia(*complete_, run_.threads);
+      stats::CMardia mardia(*sums_.complete, run_.threads);
       const bool done = run_.Pass(
           run_.source,
           [&](const CASEBLOCK& block) { mardia.Add(FirstColumns(block, variables_.continuous)); },
@@ -186,9 +226,9 @@ class CScreening {
       return false;
     }
     ANALYSISMOMENTS moments;
-    if (!BuildMoments(run_, variables_, output_.moments, results_, moments_ ? &*moments_ : nullptr,
-                      polychoric_ ? &*polychoric_ : nullptr, polyserial_, censored_, moments,
-                      fault)) {
+    if (!BuildMoments(
+            run_, variables_, output_.moments, results_, sums_.moments ? &*sums_.moments : nullptr,
+            polychoric_ ? &*polychoric_ : nullptr, polyserial_, censored_, moments, fault)) {
       return false;
     }
     WriteMomentSection(run_, variables_, moments);
@@ -229,7 +269,7 @@ class CScreening {
     const bool correlations = output_.moments == MOMENTS::Correlations;
     const auto kind = correlations ? stats::EMoments::Correlation : stats::EMoments::Covariance;
     if (variables_.ordinal.empty() && censored_.censored.empty()) {
-      stats::CProductMomentAcov acov(*moments_, kind, run_.threads);
+      stats::CProductMomentAcov acov(*sums_.moments, kind, run_.threads);
       done = Accumulate(
           acov,
           [this](auto& sum, const CASEBLOCK& block) {
@@ -245,10 +285,11 @@ class CScreening {
       for (const SCREENVARIABLE& variable : variables_.all) {
         all.push_back({variable.IsOrdinal(), variable.place});
       }
-      stats::CMixedAcov acov(std::move(all),
-                             {moments_ ? &*moments_ : nullptr, tables_ ? &*tables_ : nullptr,
-                              polychoric_ ? &*polychoric_ : nullptr, &polyserial_, &censored_},
-                             kind, variables_.deletion, run_.threads);
+      stats::CMixedAcov acov(
+          std::move(all),
+          {sums_.moments ? &*sums_.moments : nullptr, tables_ ? &*tables_ : nullptr,
+           polychoric_ ? &*polychoric_ : nullptr, &polyserial_, &censored_},
+          kind, variables_.deletion, run_.threads);
       done = Accumulate(
           acov,
           [this](auto& sum, const CASEBLOCK& block) {
@@ -273,9 +314,7 @@ class CScreening {
   const OUTPUTLINE& output_;
   SCREENVARIABLES variables_;
   NEEDS needs_;
-  std::optional<stats::CUnivariate> univariate_;
-  std::optional<stats::CMoments> moments_;
-  std::optional<stats::CMoments> complete_;  // of the continuous variables, complete cases
+  NUMERICSUMS sums_;
   std::optional<stats::CPairTables> tables_;
   std::optional<stats::PolychoricMatrix> polychoric_;
   POLYSERIALRESULTS polyserial_;

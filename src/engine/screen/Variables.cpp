@@ -1,6 +1,7 @@
 #include "engine/screen/Variables.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "host/Numbers.h"
 #include "host/Text.h"
@@ -171,9 +172,14 @@ bool FindListedVariables(ENGINERUN& run, const VARIABLELIST& list, SCREENVARIABL
   run.source.SetColumns(std::move(columns));
   run.source.SetListwise(false);
   CCensusTaker taker(wanted, variables.IsListwise(), run.threads);
-  if (!run.Pass(
-          run.source, [&taker](const CASEBLOCK& block) { taker.Add(block); }, fault))
-    return false;
+  const bool done = run.PassInPieces(
+      run.source,
+      [&taker](const CASEBLOCK& block) {
+        auto counted = std::make_shared<CENSUS>(taker.Count(block));
+        return [&taker, counted] { taker.Add(*counted); };
+      },
+      fault);
+  if (!done) return false;
   variables.census = taker.Result();
   variables.counts = run.source.Counts();
   for (std::size_t j = 0; j < variables.all.size(); ++j) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/stats/Cancel.h"
+
 namespace stats {
 
 namespace {
@@ -41,6 +43,7 @@ class CSearch {
 
  private:
   void Evaluate(double r) {
+    StopIfCancelled();
     best_.r = r;
     best_.at = likelihood_(r);
     ++best_.iterations;

@@ -114,7 +114,6 @@ void CSegmentMoments::MultiplyPanels(int rows, const double* left, int columns, 
                                      std::int64_t cases, CAlignedBuffer& sums) const {
   double* to = sums.Data() + static_cast<std::int64_t>(rows) * kLanes * stride_ + columns * kLanes;
   ActiveKernels().multiply(left, right, cases, to, stride_);
-  ActiveKernels().multiply(left + 4, right, cases, to + std::int64_t{4} * stride_, stride_);
 }
 
 void CSegmentMoments::ComputeComplete(CSegment& segment) {

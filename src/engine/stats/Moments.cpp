@@ -174,6 +174,9 @@ MomentMatrix ComputeMoments(const CMoments& moments, EMoments kind) {
       result.other = j;
     }
   }
+  // Numbers so large that a product leaves the range of a double.
+  const bool finite = result.matrix.allFinite() && result.mean.allFinite() && result.sd.allFinite();
+  if (!finite && result.status == EStatus::Ok) result.status = EStatus::NotFinite;
   if (kind == EMoments::Augmented) {
     result.matrix.block(variables, 0, 1, variables) = result.mean.transpose();
     result.matrix.block(0, variables, variables, 1) = result.mean;

@@ -16,6 +16,8 @@ namespace {
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
+static_assert(kSegmentCases % kRowsAtOnce == 0, "rows are multiplied in full tiles");
+
 // Third moments are sums of (z_a z_b) z_c with a <= b <= c. The pairs (a, b) are the rows of a
 // table and the c its columns. Four consecutive b share their columns, which begin at the first of
 // these b; their rows are filled up to a multiple of four.
@@ -54,15 +56,21 @@ class CGroup {
  public:
   CGroup(const VectorXd& mean, const RowMatrix& whitening)
       : mean_(mean),
-        whitening_(whitening),
         p_(static_cast<int>(mean.size())),
         panels_(PaddedLanes(p_) / kLanes),
-        centered_(kSegmentCases, panels_ * kLanes),
+        centered_(kSegmentCases * panels_ * kLanes),
+        whiteningColumns_(static_cast<std::int64_t>(p_) * panels_ * kLanes),
         cells_(kSegmentCases * panels_ * kLanes),
         white_(cells_.Data(), kSegmentCases, panels_ * kLanes),
         byVariable_(static_cast<std::int64_t>(p_) * kChunkCases),
         products_(kQuad * kChunkCases) {
     sums_.third = CAlignedBuffer(ThirdMoments(p_));
+    const Eigen::Index stride = whitening.cols();
+    for (Eigen::Index j = 0; j < p_; ++j) {
+      for (Eigen::Index i = j; i < p_; ++i) {
+        whiteningColumns_.Data()[j * stride + i] = whitening(i, j);
+      }
+    }
   }
 
   void Add(const CSegment& segment) {
@@ -87,9 +95,9 @@ class CGroup {
   static constexpr std::int64_t kChunkCases = 64;
 
   const VectorXd& mean_;
-  const RowMatrix& whitening_;
   int p_, panels_;
-  RowMatrix centered_;  // padded to whole panels, as the whitening matrix
+  CAlignedBuffer centered_;          // case after case, padded to whole panels
+  CAlignedBuffer whiteningColumns_;  // the whitening matrix, column after column, padded likewise
   CAlignedBuffer cells_;
   Eigen::Map<RowMatrix> white_;  // the same whitened, in `cells_`
   CAlignedBuffer byVariable_;    // a chunk of whitened cases, variable after variable
@@ -104,12 +112,21 @@ void CGroup::Whiten(const CSegment& segment) {
       mean[l] = mean_[panel * kLanes + l];
     const double* from = segment.Panel(panel);
     for (std::int64_t k = 0; k < segment.Cases(); ++k) {
-      double* to = &centered_(k, panel * kLanes);
+      double* to = centered_.Data() + (k * panels_ + panel) * kLanes;
       for (int l = 0; l < kLanes; ++l) to[l] = from[k * kLanes + l] - mean[l];
     }
   }
-  white_.topRows(segment.Cases()).noalias() =
-      centered_.topRows(segment.Cases()) * whitening_.transpose();
+  // The matrix is lower triangular: a panel of results needs no variables behind it.
+  const Kernels& kernels = ActiveKernels();
+  const std::int64_t stride = white_.cols();
+  white_.setZero();
+  for (std::int64_t k = 0; k < segment.Cases(); k += kRowsAtOnce) {
+    for (int panel = 0; panel < panels_; ++panel) {
+      kernels.multiplyRows(
+          centered_.Data() + k * stride, stride, whiteningColumns_.Data() + panel * kLanes, kLanes,
+          std::min<std::int64_t>(p_, (panel + 1) * kLanes), &white_(k, panel * kLanes), stride);
+    }
+  }
 }
 
 void CGroup::AddDistances(const CSegment& segment) {
@@ -155,7 +172,7 @@ void CGroup::AddQuad(int quad, std::int64_t from, std::int64_t cases, double* re
     for (int a = 0; a <= b; ++a) {
       const double* const first = byVariable_.Data() + a * kChunkCases;
       double* const product = products_.Data() + filled * kChunkCases;
-      for (std::int64_t k = 0; k < cases; ++k) product[k] = first[k] * second[k];
+      kernels.product(first, second, cases, product);
       if (++filled == kQuad) flush();
     }
   }

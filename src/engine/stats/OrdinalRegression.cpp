@@ -1,10 +1,12 @@
 #include "engine/stats/OrdinalRegression.h"
 
 #include <cmath>
+#include <type_traits>
 
 #include <Eigen/Cholesky>
 
 #include "engine/stats/Distributions.h"
+#include "engine/stats/Kernels.h"
 
 namespace stats {
 
@@ -104,6 +106,49 @@ CaseLikelihood CaseAt(int category, const VectorXd& thresholds, double predictor
   return one;
 }
 
+template <typename Link>
+struct AnyCategories {
+  const VectorXd& thresholds;
+
+  CaseLikelihood operator()(const RegressionBlock& block, std::int64_t k, double predictor) const {
+    return CaseAt<Link>(block.codes[k], thresholds, predictor);
+  }
+};
+
+// The logistic model of two categories. Its predictor and its threshold enter as their difference,
+// so that its derivatives are those of one variable; the sign says on which side the case lies.
+struct TwoCategories {
+  double threshold;
+
+  void AddCases(const RegressionBlock& block, std::int64_t first, std::int64_t cases,
+                CLikelihoodPass::Chunk& chunk, int columns, LikelihoodSums& sums) const {
+    double z[CLikelihoodPass::kChunkCases], value[CLikelihoodPass::kChunkCases];
+    double* const slope = chunk.slope.data();
+    double* const curve = chunk.curve.data();
+    double* const mixed = chunk.mixed.data();
+    const std::uint8_t* const codes = block.codes + first;
+    for (std::int64_t k = 0; k < cases; ++k) {
+      const double distance = threshold - chunk.predictor(k);
+      z[k] = codes[k] == 0 ? distance : -distance;
+    }
+    ActiveKernels().logistic(z, cases, value, slope, curve);
+    const double* const weights = block.x.weights;
+    double values = 0, slopes = 0, curves = 0;
+    for (std::int64_t k = 0; k < cases; ++k) {
+      const double weight = weights != nullptr ? weights[first + k] : 1.0;
+      values += weight * value[k];
+      slope[k] *= codes[k] == 0 ? -weight : weight;
+      curve[k] *= weight;
+      mixed[k] = -curve[k];
+      slopes -= slope[k];
+      curves += curve[k];
+    }
+    sums.value += values;
+    sums.gradient(columns) += slopes;
+    sums.hessian(columns, columns) += curves;
+  }
+};
+
 bool CountCategories(const RegressionPass& pass, OrdinalRegressionResult& result) {
   return pass([&result](const RegressionBlock& block) {
     for (std::int64_t k = 0; k < block.x.cases; ++k) {
@@ -139,12 +184,12 @@ NewtonResult Maximise(const RegressionPass& pass, const RegressorScale& scale,
           sums.value = -HUGE_VAL;
           return true;
         }
-        return likelihood.Sum(
-            pass, parameters.head(x),
-            [&thresholds](const RegressionBlock& block, std::int64_t k, double predictor) {
-              return CaseAt<Link>(block.codes[k], thresholds, predictor);
-            },
-            sums);
+        if constexpr (std::is_same_v<Link, LogisticLink>) {
+          if (cuts == 1) {
+            return likelihood.Sum(pass, parameters.head(x), TwoCategories{thresholds(0)}, sums);
+          }
+        }
+        return likelihood.Sum(pass, parameters.head(x), AnyCategories<Link>{thresholds}, sums);
       });
 }
 

@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "engine/stats/Cancel.h"
+
 namespace stats {
 
 int ThreadCount(int wanted) {
@@ -21,7 +23,10 @@ void ParallelFor(int threads, std::int64_t count, const std::function<void(std::
   std::mutex errorLock;
   const auto run = [&] {
     try {
-      for (std::int64_t i = next++; i < count; i = next++) work(i);
+      for (std::int64_t i = next++; i < count; i = next++) {
+        StopIfCancelled();
+        work(i);
+      }
     } catch (...) {
       next = count;
       const std::lock_guard<std::mutex> hold(errorLock);

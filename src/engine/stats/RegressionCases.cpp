@@ -83,18 +83,32 @@ void CLikelihoodPass::ForPieces(std::int64_t pieces,
 
 void CLikelihoodPass::Standardise(const CaseBlock& block, std::int64_t first, std::int64_t cases,
                                   const VectorXd& slopes, Chunk& chunk) const {
+  const std::int64_t stride = PaddedLanes(columns_);
   if (chunk.x.rows() == 0) {
     chunk.x.setZero(kChunkCases, columns_);
     chunk.mixed.setZero(kChunkCases, others_);
     chunk.slope.setZero(kChunkCases);
     chunk.curve.setZero(kChunkCases);
-    if (constant_) chunk.x.col(columns_ - 1).setOnes();
+    chunk.cases = CAlignedBuffer(kChunkCases * stride);
+    chunk.scaled = CAlignedBuffer(kChunkCases * stride);
+    chunk.products = CAlignedBuffer(stride * stride);
+    if (constant_) {
+      chunk.x.col(columns_ - 1).setOnes();
+      for (std::int64_t k = 0; k < kChunkCases; ++k) {
+        chunk.cases.Data()[k * stride + columns_ - 1] = 1;
+      }
+    }
   }
-  for (Index j = 0; j < mean_.size(); ++j) {
-    const double* from = block.cells + first * block.stride + j;
+  const auto count = static_cast<std::int64_t>(mean_.size());
+  for (std::int64_t k = 0; k < cases; ++k) {
+    const double* const from = block.cells + (first + k) * block.stride;
+    double* const row = chunk.cases.Data() + k * stride;
+    for (std::int64_t j = 0; j < count; ++j) row[j] = (from[j] - mean_(j)) * inverseSd_(j);
+  }
+  for (std::int64_t j = 0; j < count; ++j) {
     double* const to = chunk.x.col(j).data();
-    for (std::int64_t k = 0; k < cases; ++k, from += block.stride)
-      to[k] = (*from - mean_(j)) * inverseSd_(j);
+    const double* const from = chunk.cases.Data() + j;
+    for (std::int64_t k = 0; k < cases; ++k) to[k] = from[k * stride];
   }
   chunk.mixed.setZero();
   chunk.predictor.noalias() = chunk.x * slopes;
@@ -119,15 +133,36 @@ void CLikelihoodPass::AddCase(const CaseLikelihood& one, double weight, std::int
   sums.hessian(b, a) += weight * one.otherCurve[1];
 }
 
-void CLikelihoodPass::AddChunk(const Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
+void CLikelihoodPass::AddChunk(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
   const auto x = chunk.x.topRows(cases);
   sums.gradient.head(columns_).noalias() += x.transpose() * chunk.slope.head(cases);
-  const MatrixXd scaled = chunk.curve.head(cases).asDiagonal() * x;
-  sums.hessian.topLeftCorner(columns_, columns_).noalias() += x.transpose() * scaled;
+  AddProducts(chunk, cases, sums);
   if (others_ == 0) return;
   const MatrixXd mixed = x.transpose() * chunk.mixed.topRows(cases);
   sums.hessian.topRightCorner(columns_, others_) += mixed;
   sums.hessian.bottomLeftCorner(others_, columns_) += mixed.transpose();
+}
+
+// The lower triangle of x' curve x, in tiles of rows.
+void CLikelihoodPass::AddProducts(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
+  const Kernels& kernels = ActiveKernels();
+  const std::int64_t stride = PaddedLanes(columns_);
+  for (std::int64_t j = 0; j < columns_; ++j) {
+    kernels.product(chunk.curve.data(), chunk.x.col(j).data(), cases,
+                    chunk.scaled.Data() + j * kChunkCases);
+  }
+  chunk.products.Clear();
+  for (std::int64_t row = 0; row < columns_; row += kRowsAtOnce) {
+    kernels.multiplyRows(chunk.scaled.Data() + row * kChunkCases, kChunkCases, chunk.cases.Data(),
+                         row + kRowsAtOnce, cases, chunk.products.Data() + row * stride, stride);
+  }
+  for (std::int64_t i = 0; i < columns_; ++i) {
+    for (std::int64_t j = 0; j <= i; ++j) {
+      const double product = chunk.products.Data()[i * stride + j];
+      sums.hessian(i, j) += product;
+      if (i != j) sums.hessian(j, i) += product;
+    }
+  }
 }
 
 NewtonResult MaximiseLikelihood(

@@ -8,6 +8,7 @@
 
 #include <Eigen/Core>
 
+#include "engine/stats/AlignedBuffer.h"
 #include "engine/stats/Blocks.h"
 #include "engine/stats/Status.h"
 
@@ -60,10 +61,23 @@ struct CaseLikelihood {
 // Sums over all cases in pieces whose order does not depend on the threads.
 class CLikelihoodPass {
  public:
+  static constexpr std::int64_t kChunkCases = 256;
+
+  struct Chunk {
+    Eigen::MatrixXd x;  // standardised, a row a case
+    Eigen::VectorXd predictor;
+    Eigen::VectorXd slope, curve;  // by the predictor, times the weight
+    Eigen::MatrixXd mixed;         // by predictor and others, a column each
+    CAlignedBuffer cases;          // x case after case, padded to whole panels
+    CAlignedBuffer scaled;         // x times curve, column after column
+    CAlignedBuffer products;
+  };
+
   // columns: x, and one more for a constant.
   CLikelihoodPass(const RegressorScale& scale, bool constant, int others, int threads);
 
-  // One pass; `evaluate(block, case, predictor)` gives the case's part. False when stopped.
+  // One pass; `evaluate(block, case, predictor)` gives the case's part. An `evaluate` with a
+  // function AddCases does a chunk of cases itself. False when stopped.
   template <typename Evaluate>
   bool Sum(const RegressionPass& pass, const Eigen::VectorXd& slopes, const Evaluate& evaluate,
            LikelihoodSums& sums) const {
@@ -79,9 +93,13 @@ class CLikelihoodPass {
         for (std::int64_t at = piece * kPieceCases; at < end; at += kChunkCases) {
           const std::int64_t cases = std::min(kChunkCases, end - at);
           Standardise(block.x, at, cases, slopes, chunk);
-          for (std::int64_t k = 0; k < cases; ++k) {
-            const double weight = block.x.weights != nullptr ? block.x.weights[at + k] : 1.0;
-            AddCase(evaluate(block, at + k, chunk.predictor(k)), weight, k, chunk, part);
+          if constexpr (requires { evaluate.AddCases(block, at, cases, chunk, columns_, part); }) {
+            evaluate.AddCases(block, at, cases, chunk, columns_, part);
+          } else {
+            for (std::int64_t k = 0; k < cases; ++k) {
+              const double weight = block.x.weights != nullptr ? block.x.weights[at + k] : 1.0;
+              AddCase(evaluate(block, at + k, chunk.predictor(k)), weight, k, chunk, part);
+            }
           }
           AddChunk(chunk, cases, part);
         }
@@ -98,14 +116,6 @@ class CLikelihoodPass {
 
  private:
   static constexpr std::int64_t kPieceCases = 4096;
-  static constexpr std::int64_t kChunkCases = 256;
-
-  struct Chunk {
-    Eigen::MatrixXd x;  // standardised, a row a case
-    Eigen::VectorXd predictor;
-    Eigen::VectorXd slope, curve;  // by the predictor, times the weight
-    Eigen::MatrixXd mixed;         // by predictor and others, a column each
-  };
 
   LikelihoodSums Empty() const;
   void ForPieces(std::int64_t pieces, const std::function<void(std::int64_t)>& work) const;
@@ -113,7 +123,8 @@ class CLikelihoodPass {
                    const Eigen::VectorXd& slopes, Chunk& chunk) const;
   void AddCase(const CaseLikelihood& one, double weight, std::int64_t k, Chunk& chunk,
                LikelihoodSums& sums) const;
-  void AddChunk(const Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const;
+  void AddChunk(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const;
+  void AddProducts(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const;
 
   Eigen::VectorXd mean_, inverseSd_;
   bool constant_;

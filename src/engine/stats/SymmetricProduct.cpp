@@ -48,7 +48,6 @@ void CSymmetricProduct::MultiplyColumns(int firstPanel, std::int64_t cases) {
         const double* right = Panel(columns) + at * kLanes;
         double* to = sums_.Data() + rows * kLanes * stride + columns * kLanes;
         kernels.multiply(left, right, depth, to, stride);
-        kernels.multiply(left + 4, right, depth, to + 4 * stride, stride);
       }
     }
   }

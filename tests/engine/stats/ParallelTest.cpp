@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/stats/AlignedBuffer.h"
+#include "engine/stats/Cancel.h"
 #include "engine/stats/Kernels.h"
 #include "engine/stats/Parallel.h"
 
@@ -60,20 +61,107 @@ TEST(Kernels, WideAndPlainOnesAgree) {
   }
   for (std::int64_t at = 0; at < panel.Count(); ++at)
     if (std::isnan(panel.Data()[at])) panel.Data()[at] = 0;
-  stats::CAlignedBuffer x(4 * stats::kLanes), y(4 * stats::kLanes);
+  stats::CAlignedBuffer x(stats::kLanes * stats::kLanes), y(stats::kLanes * stats::kLanes);
   for (int twice = 0; twice < 2; ++twice) {
-    plain.multiply(panel.Data() + 4, panel.Data(), kCases, x.Data(), stats::kLanes);
-    active.multiply(panel.Data() + 4, panel.Data(), kCases, y.Data(), stats::kLanes);
+    plain.multiply(panel.Data(), panel.Data(), kCases, x.Data(), stats::kLanes);
+    active.multiply(panel.Data(), panel.Data(), kCases, y.Data(), stats::kLanes);
   }
-  for (int r = 0; r < 4; ++r) {
+  for (int r = 0; r < stats::kLanes; ++r) {
     for (int l = 0; l < stats::kLanes; ++l) {
       double want = 0;
       for (std::int64_t k = 0; k < kCases; ++k)
-        want += 2 * panel.Data()[k * stats::kLanes + 4 + r] * panel.Data()[k * stats::kLanes + l];
+        want += 2 * panel.Data()[k * stats::kLanes + r] * panel.Data()[k * stats::kLanes + l];
       EXPECT_NEAR(x.Data()[r * stats::kLanes + l], want, 1e-9);
       EXPECT_NEAR(y.Data()[r * stats::kLanes + l], want, 1e-9);
     }
   }
+}
+
+const stats::Kernels* const kSets[] = {&stats::generic::kKernels, &stats::ActiveKernels()};
+
+// Every number of columns, beginning in the middle of a panel; what stands beside them stays.
+TEST(Kernels, MultiplyRowsTakesAnyNumberOfColumns) {
+  constexpr std::int64_t kStride = 48, kCases = 13;
+  stats::CAlignedBuffer rows(4 * kCases), columns(kCases * kStride);
+  for (std::int64_t at = 0; at < rows.Count(); ++at) rows.Data()[at] = static_cast<double>(at % 7);
+  for (std::int64_t at = 0; at < columns.Count(); ++at)
+    columns.Data()[at] = static_cast<double>(at % 11) - 3;
+  for (const stats::Kernels* kernels : kSets) {
+    for (std::int64_t count = 4; count <= kStride - 4; count += 4) {
+      stats::CAlignedBuffer result(4 * kStride);
+      kernels->multiplyRows(rows.Data(), kCases, columns.Data() + 4, count, kCases,
+                            result.Data() + 4, kStride);
+      for (std::int64_t r = 0; r < 4; ++r) {
+        for (std::int64_t c = 0; c < kStride; ++c) {
+          double want = 0;
+          for (std::int64_t k = 0; k < kCases && c >= 4 && c < count + 4; ++k)
+            want += rows.Data()[r * kCases + k] * columns.Data()[k * kStride + c];
+          ASSERT_EQ(result.Data()[r * kStride + c], want) << count << ": " << r << ' ' << c;
+        }
+      }
+    }
+  }
+}
+
+TEST(Kernels, CleanTakesOutWhatIsMissingAndInfinite) {
+  const double values[] = {-9, 1e300};
+  const auto isMissing = [](double x) {
+    return !std::isfinite(x) || x == -9 || x == 1e300 || (x >= 50 && x <= 60);
+  };
+  std::vector<double> cells;
+  for (int i = 0; i < 41; ++i)
+    cells.push_back(i % 5 == 1 ? -9 : i % 7 == 2 ? -INFINITY : i % 11 == 3 ? NAN : 30 + i);
+  for (const stats::Kernels* kernels : kSets) {
+    for (std::int64_t count = 0; count <= 41; ++count) {
+      std::vector<double> cleaned = cells;
+      const auto counts = kernels->clean(cleaned.data(), count, {values, 2, 50, 60});
+      std::int64_t missing = 0, infinite = 0;
+      for (std::size_t i = 0; i < cells.size(); ++i) {
+        const bool within = static_cast<std::int64_t>(i) < count;
+        const bool is = isMissing(cells[i]);
+        missing += within && is ? 1 : 0;
+        infinite += within && std::isinf(cells[i]) ? 1 : 0;
+        if (within && is) {
+          ASSERT_TRUE(std::isnan(cleaned[i]));
+        } else if (!std::isnan(cells[i])) {
+          ASSERT_EQ(cleaned[i], cells[i]);
+        }
+      }
+      ASSERT_EQ(counts.missing, missing);
+      ASSERT_EQ(counts.infinite, infinite);
+    }
+  }
+}
+
+TEST(Kernels, LogisticAgreesWithTheLibrary) {
+  std::vector<double> z = {0, -0.0, 1e-300, -1e-12, 37, -37, 700, -700, 1e6, -1e6};
+  for (int i = -500; i < 503; ++i) z.push_back(i / 17.0);
+  for (const stats::Kernels* kernels : kSets) {
+    std::vector<double> value(z.size()), slope(z.size()), curve(z.size());
+    kernels->logistic(z.data(), static_cast<std::int64_t>(z.size()), value.data(), slope.data(),
+                      curve.data());
+    for (std::size_t i = 0; i < z.size(); ++i) {
+      const double small = std::exp(-std::fabs(z[i])), sum = 1 + small;
+      const double want = std::min(z[i], 0.0) - std::log1p(small);
+      EXPECT_NEAR(value[i], want, 2e-15 * std::fabs(want) + 1e-307) << z[i];
+      EXPECT_NEAR(slope[i], (z[i] < 0 ? 1 : small) / sum, 2e-15 * slope[i] + 1e-307) << z[i];
+      EXPECT_NEAR(curve[i], -small / (sum * sum), -2e-15 * curve[i] + 1e-307) << z[i];
+    }
+  }
+}
+
+std::atomic<int> asked{0};
+
+TEST(ParallelFor, StopsWhenItIsCancelled) {
+  asked = 0;
+  stats::SetCancelTest([] { return ++asked > 5; });
+  for (const int threads : {1, 3}) {
+    std::atomic<int> begun{0};
+    EXPECT_THROW(stats::ParallelFor(threads, 1000, [&](std::int64_t) { ++begun; }),
+                 stats::Cancelled);
+    EXPECT_LE(begun, 5);
+  }
+  stats::SetCancelTest(nullptr);
 }
 
 }  // namespace
