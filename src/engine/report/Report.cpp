@@ -91,8 +91,7 @@ void CReport::Table(const TABLE& table) {
   if (!Overflows(table)) return;
   Warning(
       "\"overflow\" stands for figures beyond the range of numbers, about 1.8e308. Divide "
-      "variables "
-      "with such large values by a power of ten with NE first.");
+      "variables with such large values by a power of ten with NE first.");
 }
 
 void CReport::Warning(std::string_view text) {

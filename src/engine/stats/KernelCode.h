@@ -74,8 +74,8 @@ CleanCounts Clean(double* cells, std::int64_t count, const MissingRule& rule) {
     Loose* const place = reinterpret_cast<Loose*>(cells + at);
     *place = clean(*place);
   }
-  Vector rest =
-      {};  // lanes without a cell hold a number that is changed or not, and is not counted
+  // Lanes without a cell hold a number that is changed or not, and is not counted.
+  Vector rest = {};
   const Mask before = missing, infiniteBefore = infinite;
   for (std::int64_t l = 0; at + l < count; ++l) rest[l] = cells[at + l];
   rest = clean(rest);

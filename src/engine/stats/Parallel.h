@@ -13,9 +13,8 @@ int ThreadCount(int wanted);
 
 // Calls work(0) ... work(count - 1), each once, on up to `threads` threads (the calling one is one
 // of them) in no fixed order; returns when all are done. The first exception is thrown again after
-// that; pieces not yet begun are then left out. So they are when the computation is cancelled
-// (Cancel.h). When no further thread is to be had, fewer are
-// used.
+// that; pieces not yet begun are then left out, as they are when the computation is cancelled
+// (Cancel.h). When no further thread is to be had, fewer are used.
 void ParallelFor(int threads, std::int64_t count, const std::function<void(std::int64_t)>& work);
 
 }  // namespace stats
