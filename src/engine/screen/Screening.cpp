@@ -166,17 +166,25 @@ class CScreening {
     return true;
   }
 
-  // Tables of pairs are large: there is one of each, and blocks go to it one after the other.
+  // Tables of pairs and matrices of many variables are large next to a piece of the cases: there is
+  // one of each, and blocks go to it one after the other.
+  bool SumsAreLarge() const {
+    constexpr std::size_t kMostVariables = 64;
+    const bool matrices = needs_.moments || needs_.mardia;
+    return needs_.tables || (matrices && variables_.numeric.size() > kMostVariables);
+  }
+
   bool MainPass(FAULT& fault) {
     sums_ = EmptySums(run_.threads);
-    if (needs_.tables) {
-      return PrepareTables(fault) && run_.Pass(
-                                         run_.source,
-                                         [this](const CASEBLOCK& block) {
-                                           AddNumeric(sums_, block);
-                                           tables_->Add(block.codes);
-                                         },
-                                         fault);
+    if (needs_.tables && !PrepareTables(fault)) return false;
+    if (SumsAreLarge()) {
+      return run_.Pass(
+          run_.source,
+          [this](const CASEBLOCK& block) {
+            AddNumeric(sums_, block);
+            if (tables_) tables_->Add(block.codes);
+          },
+          fault);
     }
     if (variables_.numeric.empty()) return true;
     return run_.PassInPieces(
