@@ -78,7 +78,9 @@ TEST_F(CaseSourceTest, PiecesComeInOrderForAnyNumberOfThreads) {
     std::vector<double> cells = Cells(source);
     EXPECT_EQ(source.Counts().used, threads != 5 ? 51'428 : 60'000);
     if (threads == 1) first = cells;
-    if (threads == 2) EXPECT_EQ(cells, first);
+    if (threads == 2) {
+      EXPECT_EQ(cells, first);
+    }
   }
 }
 

@@ -15,6 +15,9 @@
 
 namespace {
 
+// With more of them the sums of a piece of the cases are larger than the piece.
+constexpr std::size_t kMostVariablesInPieces = 64;
+
 // What a screening computes beyond single variables.
 struct NEEDS {
   bool tables = false;   // of pairs of ordinal variables
@@ -169,9 +172,8 @@ class CScreening {
   // Tables of pairs and matrices of many variables are large next to a piece of the cases: there is
   // one of each, and blocks go to it one after the other.
   bool SumsAreLarge() const {
-    constexpr std::size_t kMostVariables = 64;
     const bool matrices = needs_.moments || needs_.mardia;
-    return needs_.tables || (matrices && variables_.numeric.size() > kMostVariables);
+    return needs_.tables || (matrices && variables_.numeric.size() > kMostVariablesInPieces);
   }
 
   bool MainPass(FAULT& fault) {
@@ -204,16 +206,28 @@ class CScreening {
     WriteCensoredSection(run_, variables_, results_);
   }
 
-  bool WriteTogether(FAULT& fault) {
-    if (needs_.mardia) {
-      stats::CMardia mardia(*sums_.complete, run_.threads);
-      const bool done = run_.Pass(
-          run_.source,
-          [&](const CASEBLOCK& block) { mardia.Add(FirstColumns(block, variables_.continuous)); },
-          fault);
-      if (!done) return false;
-      WriteMultivariateTests(run_, mardia.Result());
+  bool TestMultivariate(FAULT& fault) {
+    stats::CMardia mardia(*sums_.complete, run_.threads);
+    const auto cells = [this](const CASEBLOCK& block) {
+      return FirstColumns(block, variables_.continuous);
+    };
+    const auto addBlock = [&](const CASEBLOCK& block) { mardia.Add(cells(block)); };
+    const auto addPiece = [&](const CASEBLOCK& block) {
+      auto piece = std::make_shared<stats::CMardia>(mardia.WithoutCases());
+      piece->Add(cells(block));
+      return [&mardia, piece] { mardia.Merge(*piece); };
+    };
+    if (!(variables_.continuous > kMostVariablesInPieces
+              ? run_.Pass(run_.source, addBlock, fault)
+              : run_.PassInPieces(run_.source, addPiece, fault))) {
+      return false;
     }
+    WriteMultivariateTests(run_, mardia.Result());
+    return true;
+  }
+
+  bool WriteTogether(FAULT& fault) {
+    if (needs_.mardia && !TestMultivariate(fault)) return false;
     if (!needs_.tables) return true;
     if (output_.bivariateTables) WriteBivariateTables(run_, variables_, *tables_);
     if (output_.bivariateTests || output_.moments != MOMENTS::None) {

@@ -131,14 +131,13 @@ struct Half {
   typedef double Loose __attribute__((vector_size(32), may_alias, aligned(8)));
 };
 
-// kTileRows rows, each of them case after case, by kVectors vectors of columns.
-template <typename Width, int kVectors>
+// kRows rows, each of them case after case, by kVectors vectors of columns.
+template <typename Width, int kRows, int kVectors>
 inline void MultiplyRowTile(const double* rows, std::int64_t rowStride, const double* columns,
                             std::int64_t cases, double* result, std::int64_t stride) {
   using Part = typename Width::Part;
-  constexpr int kTileRows = static_cast<int>(kRowsAtOnce);
   constexpr int kLanesOfPart = sizeof(Part) / sizeof(double);
-  Part sum[kTileRows][kVectors];
+  Part sum[kRows][kVectors];
   for (auto& row : sum) {
     for (Part& part : row) part = Part{};
   }
@@ -147,12 +146,12 @@ inline void MultiplyRowTile(const double* rows, std::int64_t rowStride, const do
     for (int v = 0; v < kVectors; ++v) {
       b[v] = *reinterpret_cast<const typename Width::Loose*>(columns + v * kLanesOfPart);
     }
-    for (int r = 0; r < kTileRows; ++r) {
+    for (int r = 0; r < kRows; ++r) {
       const Part a = rows[r * rowStride + k] - Part{};
       for (int v = 0; v < kVectors; ++v) sum[r][v] += a * b[v];
     }
   }
-  for (int r = 0; r < kTileRows; ++r) {
+  for (int r = 0; r < kRows; ++r) {
     for (int v = 0; v < kVectors; ++v) {
       *reinterpret_cast<typename Width::Loose*>(result + r * stride + v * kLanesOfPart) +=
           sum[r][v];
@@ -160,38 +159,59 @@ inline void MultiplyRowTile(const double* rows, std::int64_t rowStride, const do
   }
 }
 
-void MultiplyRows(const double* rows, std::int64_t rowStride, const double* columns,
-                  std::int64_t columnCount, std::int64_t cases, double* result,
-                  std::int64_t stride) {
-  const auto tile = [&](auto multiply, std::int64_t first) {
-    multiply(rows, rowStride, columns + first, cases, result + first, stride);
-  };
+// What MultiplyRows was asked for; a part of its rows and columns is done with one tile.
+struct RowProduct {
+  const double* rows;
+  std::int64_t rowStride, rowCount;
+  const double* columns;
+  std::int64_t cases;
+  double* result;
+  std::int64_t stride;
+
+  template <typename Width, int kRows, int kVectors>
+  void Tiles(std::int64_t firstColumn) const {
+    for (std::int64_t row = 0; row < rowCount; row += kRows) {
+      MultiplyRowTile<Width, kRows, kVectors>(rows + row * rowStride, rowStride,
+                                              columns + firstColumn, cases,
+                                              result + row * stride + firstColumn, stride);
+    }
+  }
+
+  // A single vector of columns needs many rows to keep the multipliers busy.
+  template <typename Width>
+  void OneVector(std::int64_t firstColumn) const {
+    if (rowCount == kMostRowsAtOnce) return Tiles<Width, kMostRowsAtOnce, 1>(firstColumn);
+    Tiles<Width, kRowsAtOnce, 1>(firstColumn);
+  }
+};
+
+void MultiplyRows(const double* rows, std::int64_t rowStride, std::int64_t rowCount,
+                  const double* columns, std::int64_t columnCount, std::int64_t cases,
+                  double* result, std::int64_t stride) {
+  const RowProduct product = {rows, rowStride, rowCount, columns, cases, result, stride};
+  [[maybe_unused]] constexpr int kRows = kRowsAtOnce;
   constexpr std::int64_t kHalfLanes = 4;
   std::int64_t first = 0;
+  const auto left = [&] { return columnCount - first; };
 #ifdef __AVX512F__
-  while (columnCount - first >= 3 * kVectorLanes && columnCount - first < 4 * kVectorLanes) {
-    tile(MultiplyRowTile<Whole, 3>, first);
+  if (left() >= 3 * kVectorLanes && left() < 4 * kVectorLanes) {
+    product.Tiles<Whole, kRows, 3>(first);
     first += 3 * kVectorLanes;
   }
-  for (; columnCount - first >= 2 * kVectorLanes; first += 2 * kVectorLanes) {
-    tile(MultiplyRowTile<Whole, 2>, first);
+  for (; left() >= 2 * kVectorLanes; first += 2 * kVectorLanes) {
+    product.Tiles<Whole, kRows, 2>(first);
   }
-  for (; columnCount - first >= kVectorLanes; first += kVectorLanes) {
-    tile(MultiplyRowTile<Whole, 1>, first);
-  }
+  for (; left() >= kVectorLanes; first += kVectorLanes) product.OneVector<Whole>(first);
 #elif defined(__AVX2__)
   constexpr std::int64_t kWide = 3 * kVectorLanes;
-  while (columnCount - first >= kWide && columnCount - first != kWide + kVectorLanes) {
-    tile(MultiplyRowTile<Half, 3>, first);
-    first += kWide;
+  for (; left() >= kWide && left() != kWide + kVectorLanes; first += kWide) {
+    product.Tiles<Half, kRows, 3>(first);
   }
-  for (; columnCount - first >= 2 * kVectorLanes; first += 2 * kVectorLanes) {
-    tile(MultiplyRowTile<Half, 2>, first);
+  for (; left() >= 2 * kVectorLanes; first += 2 * kVectorLanes) {
+    product.Tiles<Half, kRows, 2>(first);
   }
 #endif
-  for (; first < columnCount; first += kHalfLanes) {
-    tile(MultiplyRowTile<Half, 1>, first);
-  }
+  for (; left() > 0; first += kHalfLanes) product.OneVector<Half>(first);
 }
 
 void Product(const double* a, const double* b, std::int64_t count, double* to) {

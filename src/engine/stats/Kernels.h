@@ -10,6 +10,7 @@ namespace stats {
 inline constexpr std::int64_t kLanes = 8;
 inline constexpr int kAlignment = 64;
 inline constexpr std::int64_t kRowsAtOnce = 4;
+inline constexpr std::int64_t kMostRowsAtOnce = 2 * kRowsAtOnce;
 
 // By lane, over the cells that are not NaN: their number, sum of weights, weighted sum of x -
 // shift, range of x.
@@ -46,10 +47,10 @@ struct Kernels {
   void (*multiply)(const double* rows, const double* columns, std::int64_t cases, double* result,
                    std::int64_t stride);
   // result[r * stride + c] += sum over k of rows[r * rowStride + k] * columns[k * stride + c], for
-  // kRowsAtOnce rows and `columnCount` columns, a multiple of 4.
-  void (*multiplyRows)(const double* rows, std::int64_t rowStride, const double* columns,
-                       std::int64_t columnCount, std::int64_t cases, double* result,
-                       std::int64_t stride);
+  // `rowCount` rows, kRowsAtOnce or kMostRowsAtOnce, and `columnCount` columns, a multiple of 4.
+  void (*multiplyRows)(const double* rows, std::int64_t rowStride, std::int64_t rowCount,
+                       const double* columns, std::int64_t columnCount, std::int64_t cases,
+                       double* result, std::int64_t stride);
   // to[k] = a[k] * b[k]
   void (*product)(const double* a, const double* b, std::int64_t count, double* to);
   // log(1 / (1 + exp(-z))) with its first and second derivative, equal to the library's functions

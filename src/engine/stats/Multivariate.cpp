@@ -16,7 +16,7 @@ namespace {
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-static_assert(kSegmentCases % kRowsAtOnce == 0, "rows are multiplied in full tiles");
+static_assert(kSegmentCases % kMostRowsAtOnce == 0, "rows are multiplied in full tiles");
 
 // Third moments are sums of (z_a z_b) z_c with a <= b <= c. The pairs (a, b) are the rows of a
 // table and the c its columns. Four consecutive b share their columns, which begin at the first of
@@ -45,6 +45,13 @@ std::int64_t ThirdMoments(int p) {
 
 // What the second pass collects.
 struct Sums {
+  void Merge(const Sums& other) {
+    third.Add(other.third);
+    distances4 += other.distances4;
+    n += other.n;
+    cases += other.cases;
+  }
+
   CAlignedBuffer third;   // sum of w z_a z_b z_c, rows: pairs a and b, columns: c
   double distances4 = 0;  // sum of w |z|^4
   double n = 0;
@@ -63,7 +70,7 @@ class CGroup {
         cells_(kSegmentCases * panels_ * kLanes),
         white_(cells_.Data(), kSegmentCases, panels_ * kLanes),
         byVariable_(static_cast<std::int64_t>(p_) * kChunkCases),
-        products_(kQuad * kChunkCases) {
+        products_(kMostRowsAtOnce * kChunkCases) {
     sums_.third = CAlignedBuffer(ThirdMoments(p_));
     const Eigen::Index stride = whitening.cols();
     for (Eigen::Index j = 0; j < p_; ++j) {
@@ -89,10 +96,12 @@ class CGroup {
   void AddDistances(const CSegment& segment);
   void AddThird(const CSegment& segment, std::int64_t from, std::int64_t cases);
   void AddQuad(int quad, std::int64_t from, std::int64_t cases, double* result);
+  std::int64_t ColumnsFrom(std::int64_t first) const;
   void Turn(std::int64_t from, std::int64_t cases);
 
-  // So many cases of some thirty variables stay in the innermost cache, both ways round.
-  static constexpr std::int64_t kChunkCases = 64;
+  // So many cases of some thirty variables stay in the inner caches, both ways round, and the
+  // tiles of third moments are not read too often.
+  static constexpr std::int64_t kChunkCases = 128;
 
   const VectorXd& mean_;
   int p_, panels_;
@@ -101,7 +110,7 @@ class CGroup {
   CAlignedBuffer cells_;
   Eigen::Map<RowMatrix> white_;  // the same whitened, in `cells_`
   CAlignedBuffer byVariable_;    // a chunk of whitened cases, variable after variable
-  CAlignedBuffer products_;      // of four pairs of variables
+  CAlignedBuffer products_;      // of some pairs of variables
   Sums sums_;
 };
 
@@ -120,11 +129,12 @@ void CGroup::Whiten(const CSegment& segment) {
   const Kernels& kernels = ActiveKernels();
   const std::int64_t stride = white_.cols();
   white_.setZero();
-  for (std::int64_t k = 0; k < segment.Cases(); k += kRowsAtOnce) {
+  for (std::int64_t k = 0; k < segment.Cases(); k += kMostRowsAtOnce) {
     for (int panel = 0; panel < panels_; ++panel) {
-      kernels.multiplyRows(
-          centered_.Data() + k * stride, stride, whiteningColumns_.Data() + panel * kLanes, kLanes,
-          std::min<std::int64_t>(p_, (panel + 1) * kLanes), &white_(k, panel * kLanes), stride);
+      kernels.multiplyRows(centered_.Data() + k * stride, stride, kMostRowsAtOnce,
+                           whiteningColumns_.Data() + panel * kLanes, kLanes,
+                           std::min<std::int64_t>(p_, (panel + 1) * kLanes),
+                           &white_(k, panel * kLanes), stride);
     }
   }
 }
@@ -155,16 +165,24 @@ void CGroup::AddThird(const CSegment& segment, std::int64_t from, std::int64_t c
   }
 }
 
+// Whole vectors where the padding has room for them, and zeros in it.
+std::int64_t CGroup::ColumnsFrom(std::int64_t first) const {
+  const std::int64_t columns = QuadColumns(p_) - first;
+  const std::int64_t whole = (columns + kLanes - 1) / kLanes * kLanes;
+  return first + whole <= white_.cols() ? whole : columns;
+}
+
 void CGroup::AddQuad(int quad, std::int64_t from, std::int64_t cases, double* result) {
   const Kernels& kernels = ActiveKernels();
   const std::int64_t stride = white_.cols();
   const int firstColumn = quad * kQuad;
-  const int columns = QuadColumns(p_) - firstColumn;
+  const std::int64_t columns = ColumnsFrom(firstColumn);
   int filled = 0;
   const auto flush = [&] {
-    kernels.multiplyRows(products_.Data(), kChunkCases, &white_(from, firstColumn), columns, cases,
-                         result + firstColumn, stride);
-    result += kQuad * stride;
+    const std::int64_t rows = filled <= kRowsAtOnce ? kRowsAtOnce : kMostRowsAtOnce;
+    kernels.multiplyRows(products_.Data(), kChunkCases, rows, &white_(from, firstColumn), columns,
+                         cases, result + firstColumn, stride);
+    result += rows * stride;
     filled = 0;
   };
   for (int b = firstColumn; b < std::min(p_, firstColumn + kQuad); ++b) {
@@ -173,7 +191,7 @@ void CGroup::AddQuad(int quad, std::int64_t from, std::int64_t cases, double* re
       const double* const first = byVariable_.Data() + a * kChunkCases;
       double* const product = products_.Data() + filled * kChunkCases;
       kernels.product(first, second, cases, product);
-      if (++filled == kQuad) flush();
+      if (++filled == kMostRowsAtOnce) flush();
     }
   }
   if (filled > 0) flush();  // what is left of earlier products goes into rows that nobody reads
@@ -208,7 +226,7 @@ double DeviateOf(double chiSquare, double df) {
 }  // namespace
 
 struct CMardia::State {
-  int threads;
+  int threads = 1;
   EStatus status = EStatus::Ok;
   VectorXd mean;
   RowMatrix whitening;  // whitening * covariance * whitening' = identity; padded with zeros
@@ -248,6 +266,18 @@ CMardia::CMardia(const CMoments& moments, int threads) : state_(std::make_unique
   state.mean = covariance.mean;
   state.sums.third = CAlignedBuffer(ThirdMoments(p));
 }
+
+CMardia::CMardia(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+CMardia CMardia::WithoutCases() const {
+  auto state = std::make_unique<State>();
+  state->status = state_->status;
+  state->mean = state_->mean;
+  state->whitening = state_->whitening;
+  if (state->status == EStatus::Ok) state->sums.third = CAlignedBuffer(state_->sums.third.Count());
+  return CMardia(std::move(state));
+}
+
 CMardia::~CMardia() = default;
 CMardia::CMardia(CMardia&&) noexcept = default;
 CMardia& CMardia::operator=(CMardia&&) noexcept = default;
@@ -260,12 +290,13 @@ void CMardia::Add(const CaseBlock& block) {
       block, EDeletion::Listwise, state.threads,
       [&] { return CGroup(state.mean, state.whitening); },
       [](CGroup& group, CSegment& segment) { group.Add(segment); },
-      [&](const CGroup& group) {
-        state.sums.third.Add(group.Result().third);
-        state.sums.distances4 += group.Result().distances4;
-        state.sums.n += group.Result().n;
-        state.sums.cases += group.Result().cases;
-      });
+      [&](const CGroup& group) { state.sums.Merge(group.Result()); });
+}
+
+void CMardia::Merge(const CMardia& other) {
+  if (other.state_->mean != state_->mean || other.state_->whitening != state_->whitening)
+    throw std::invalid_argument("cases with other moments cannot be merged");
+  if (state_->status == EStatus::Ok) state_->sums.Merge(other.state_->sums);
 }
 
 MardiaResult CMardia::Result() const {

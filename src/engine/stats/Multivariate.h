@@ -50,6 +50,12 @@ class CMardia {
   CMardia& operator=(CMardia&&) noexcept;
 
   void Add(const CaseBlock& block);
+
+  // For cases that are added apart, in one thread, and merged later: an object with the same means
+  // and covariances. Merging one with others throws std::invalid_argument.
+  CMardia WithoutCases() const;
+  void Merge(const CMardia& other);
+
   MardiaResult Result() const;
 
   // Bytes that an object for p variables takes; ask before making one for many variables.
@@ -57,6 +63,8 @@ class CMardia {
 
  private:
   struct State;
+  explicit CMardia(std::unique_ptr<State> state);
+
   std::unique_ptr<State> state_;
 };
 

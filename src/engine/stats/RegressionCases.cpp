@@ -153,8 +153,9 @@ void CLikelihoodPass::AddProducts(Chunk& chunk, std::int64_t cases, LikelihoodSu
   }
   chunk.products.Clear();
   for (std::int64_t row = 0; row < columns_; row += kRowsAtOnce) {
-    kernels.multiplyRows(chunk.scaled.Data() + row * kChunkCases, kChunkCases, chunk.cases.Data(),
-                         row + kRowsAtOnce, cases, chunk.products.Data() + row * stride, stride);
+    kernels.multiplyRows(chunk.scaled.Data() + row * kChunkCases, kChunkCases, kRowsAtOnce,
+                         chunk.cases.Data(), row + kRowsAtOnce, cases,
+                         chunk.products.Data() + row * stride, stride);
   }
   for (std::int64_t i = 0; i < columns_; ++i) {
     for (std::int64_t j = 0; j <= i; ++j) {

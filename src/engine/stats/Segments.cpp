@@ -1,6 +1,7 @@
 #include "engine/stats/Segments.h"
 
 #include <cmath>
+#include <cstring>
 #include <stdexcept>
 
 namespace stats {
@@ -59,7 +60,7 @@ void CSegment::Pack(const CaseBlock& block, std::int64_t first, std::int64_t end
       double* to = Panel(panel) + cases_ * kLanes;
       const int lanes = std::min(kLanes, variables_ - panel * kLanes);
       if (lanes == kLanes) {
-        std::copy_n(cells + panel * kLanes, kLanes, to);
+        std::memcpy(to, cells + panel * kLanes, kLanes * sizeof(double));
       } else {
         for (int l = 0; l < kLanes; ++l) to[l] = l < lanes ? cells[panel * kLanes + l] : 0.0;
       }

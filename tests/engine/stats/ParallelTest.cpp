@@ -79,24 +79,28 @@ TEST(Kernels, WideAndPlainOnesAgree) {
 
 const stats::Kernels* const kSets[] = {&stats::generic::kKernels, &stats::ActiveKernels()};
 
-// Every number of columns, beginning in the middle of a panel; what stands beside them stays.
+// Every number of rows and columns, beginning in the middle of a panel; what stands beside them
+// stays.
 TEST(Kernels, MultiplyRowsTakesAnyNumberOfColumns) {
-  constexpr std::int64_t kStride = 48, kCases = 13;
-  stats::CAlignedBuffer rows(4 * kCases), columns(kCases * kStride);
+  constexpr std::int64_t kStride = 48, kCases = 13, kRows = stats::kMostRowsAtOnce;
+  stats::CAlignedBuffer rows(kRows * kCases), columns(kCases * kStride);
   for (std::int64_t at = 0; at < rows.Count(); ++at) rows.Data()[at] = static_cast<double>(at % 7);
   for (std::int64_t at = 0; at < columns.Count(); ++at)
     columns.Data()[at] = static_cast<double>(at % 11) - 3;
   for (const stats::Kernels* kernels : kSets) {
-    for (std::int64_t count = 4; count <= kStride - 4; count += 4) {
-      stats::CAlignedBuffer result(4 * kStride);
-      kernels->multiplyRows(rows.Data(), kCases, columns.Data() + 4, count, kCases,
-                            result.Data() + 4, kStride);
-      for (std::int64_t r = 0; r < 4; ++r) {
-        for (std::int64_t c = 0; c < kStride; ++c) {
-          double want = 0;
-          for (std::int64_t k = 0; k < kCases && c >= 4 && c < count + 4; ++k)
-            want += rows.Data()[r * kCases + k] * columns.Data()[k * kStride + c];
-          ASSERT_EQ(result.Data()[r * kStride + c], want) << count << ": " << r << ' ' << c;
+    for (std::int64_t rowCount : {stats::kRowsAtOnce, kRows}) {
+      for (std::int64_t count = 4; count <= kStride - 4; count += 4) {
+        stats::CAlignedBuffer result(kRows * kStride);
+        kernels->multiplyRows(rows.Data(), kCases, rowCount, columns.Data() + 4, count, kCases,
+                              result.Data() + 4, kStride);
+        for (std::int64_t r = 0; r < kRows; ++r) {
+          for (std::int64_t c = 0; c < kStride; ++c) {
+            const bool asked = r < rowCount && c >= 4 && c < count + 4;
+            double want = 0;
+            for (std::int64_t k = 0; k < kCases && asked; ++k)
+              want += rows.Data()[r * kCases + k] * columns.Data()[k * kStride + c];
+            ASSERT_EQ(result.Data()[r * kStride + c], want) << count << ": " << r << ' ' << c;
+          }
         }
       }
     }
