@@ -1,7 +1,9 @@
 #include "FuzzFile.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <unistd.h>
 
@@ -48,14 +50,7 @@ void ReadRecords(ST_FILE* file, int variables) {
   }
 }
 
-}  // namespace
-
-void FuzzStatFile(std::int32_t type, const std::uint8_t* data, std::size_t size) {
-  const int descriptor = memfd_create("input", 0);
-  if (descriptor < 0 || write(descriptor, data, size) != static_cast<ssize_t>(size)) std::abort();
-  // Not by "self": some readers work in a process of their own.
-  const std::string name =
-      "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor);
+void ReadFile(std::int32_t type, const std::string& name) {
   // What a connection file leads to is none of the reader's business.
   const bool database = ST_LeadsToDatabase(name.c_str());
   ST_ENV* const env = ST_OpenEnvironment();
@@ -64,5 +59,43 @@ void FuzzStatFile(std::int32_t type, const std::uint8_t* data, std::size_t size)
   for (int var = 0; var < variables; ++var) ReadVariable(file, var);
   if (variables >= 0) ReadRecords(file, variables);
   ST_CloseEnvironment(env);
+}
+
+// A folder of this process's own, in memory.
+const std::string& Folder() {
+  static const std::string folder = [] {
+    std::string name = "/dev/shm/vex-fuzz-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) std::abort();
+    return name;
+  }();
+  return folder;
+}
+
+void Write(const std::string& name, const std::uint8_t* data, std::size_t size) {
+  std::ofstream(name, std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+}
+
+}  // namespace
+
+void FuzzStatFile(std::int32_t type, const std::uint8_t* data, std::size_t size) {
+  const int descriptor = memfd_create("input", 0);
+  if (descriptor < 0 || write(descriptor, data, size) != static_cast<ssize_t>(size)) std::abort();
+  // Not by "self": some readers work in a process of their own.
+  const std::string name =
+      "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor);
+  ReadFile(type, name);
   close(descriptor);
+}
+
+void FuzzStatFilePair(std::int32_t type, const char* main, const char* beside,
+                      const std::uint8_t* data, std::size_t size) {
+  constexpr std::size_t kHead = 2;
+  if (size < kHead) return;
+  const std::size_t told = data[0] | static_cast<std::size_t>(data[1]) << 8;
+  const std::size_t besideBytes = std::min(told, size - kHead);
+  const std::string stem = Folder() + "/f.";
+  Write(stem + beside, data + kHead, besideBytes);
+  Write(stem + main, data + kHead + besideBytes, size - kHead - besideBytes);
+  ReadFile(type, stem + main);
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -134,6 +135,10 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   void SetExportNames(bool names) { exportNames_ = names; }
   // The delimiter of the text type that has none of its own; without one its export fails.
   void SetExportDelimiter(char delimiter) { exportDelimiter_ = delimiter; }
+  // Asks for the password of the database that the connection file leads to; false gives the export
+  // up. Without one no password is given.
+  using PasswordAsker = std::function<bool(const CString& file, CString& password)>;
+  void SetPasswordAsker(PasswordAsker asker) { passwordAsker_ = std::move(asker); }
   // Takes the description of a system data file and the open file itself, which is owned from now
   // on: its cells stay there, and the document can be exported without a scratch file. Nothing else
   // can be done with its cells.
@@ -143,6 +148,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
   bool GetAppDataRecord(long record, const variables_t& variables, values_t& values) override;
   bool DoExportData(const CString& name, int type) override;
   bool GetTextFileDelimiter(char& delimiter) override;
+  bool GetDatabasePassword(const CString& name, CString& password) override;
 
   // --- Cases ---
   // Sorts the cases by variable `key` (counted from 0) with fqsort, in place and stable; `order` is
@@ -208,6 +214,7 @@ class CDataDoc : public CDocument, public STUtils::basic_exportable_t<char, long
 
   bool exportNames_ = false;
   char exportDelimiter_ = 0;
+  PasswordAsker passwordAsker_;
   CExportCells exportCells_;
   std::vector<CString> exportNotes_;
   std::vector<CString> exportProblems_;  // told in one message at the end

@@ -73,6 +73,14 @@ bool CDataDoc::GetTextFileDelimiter(char& delimiter) {
   return exportDelimiter_ != 0;
 }
 
+bool CDataDoc::GetDatabasePassword(const CString& name, CString& password) {
+  if (!passwordAsker_) return true;
+  exportProgress_.reset();  // the user's time is none of the export's
+  const bool given = passwordAsker_(name, password);
+  exportProgress_ = Host().StartProgress("Exporting " + name);
+  return given;
+}
+
 bool CDataDoc::GetAppDataHeader(variables_t& variables) {
   int scratch = -1;
   if (!exportCells_.HasFile()) {

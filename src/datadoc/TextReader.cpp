@@ -242,8 +242,7 @@ class CMatrixCopy {
  public:
   CMatrixCopy(const TEXTSOURCE& source, const EXTERNDATA& kind, int scratch,
               const TextProgress& progress)
-      : source_(source),
-        kind_(kind),
+      : kind_(kind),
         progress_(progress),
         records_(Records(source, result_)),
         cells_(scratch, source.variables),
@@ -316,7 +315,6 @@ class CMatrixCopy {
     return !result_.Failed();
   }
 
-  const TEXTSOURCE& source_;
   const EXTERNDATA& kind_;
   const TextProgress& progress_;
   TEXTRESULT result_;

@@ -47,7 +47,10 @@ class CMessage {
 void PutVariable(const VARIABLE& variable, CMessage* out) {
   out->Put(variable.name).Put(variable.label).Put(variable.type);
   out->Put(static_cast<std::uint8_t>(variable.date)).Put(variable.width).Put(variable.decimals);
-  out->Put(variable.labelSet);
+  out->Put(variable.labelSet).Put<std::uint64_t>(variable.missing.size());
+  for (const MISSING_RANGE& range : variable.missing) {
+    out->Put(range.low).Put(range.high).Put(range.lowText).Put(range.highText);
+  }
 }
 
 void PutLabels(const LABEL_SET& set, CMessage* out) {
@@ -61,6 +64,7 @@ void PutLabels(const LABEL_SET& set, CMessage* out) {
 bool SendDictionary(const CReader& reader, const DICTIONARY& dictionary, CPipeWriter* out) {
   CMessage message;
   message.Put(reader.Error()).Put(static_cast<std::uint8_t>(reader.NamesFound()));
+  message.Put(static_cast<std::uint8_t>(reader.EncodingGuessed()));
   message.Put(reader.EpochDay()).Put(dictionary.cases);
   for (const std::int32_t display : kDisplays) {
     message.Put(static_cast<std::uint8_t>(reader.DateKindOf(display)));
@@ -72,11 +76,12 @@ bool SendDictionary(const CReader& reader, const DICTIONARY& dictionary, CPipeWr
   return message.Send(out);
 }
 
-bool SendBlock(const RECORD_BLOCK& block, std::size_t variables, double progress,
+bool SendBlock(const CReader& reader, const RECORD_BLOCK& block, std::size_t variables,
                CPipeWriter* out) {
   const std::size_t values = block.records * variables;
   CMessage message;
-  message.Put<std::uint8_t>(1).Put(progress).Put<std::uint64_t>(block.records);
+  message.Put<std::uint8_t>(1).Put(static_cast<std::uint8_t>(reader.EncodingGuessed()));
+  message.Put(reader.Progress()).Put<std::uint64_t>(block.records);
   message.Put<std::uint64_t>(block.texts.size());
   return message.Send(out) && out->Write(block.cells.data(), values * sizeof(CELL)) &&
          out->Write(block.status.data(), values) &&
@@ -102,7 +107,7 @@ void CChildReader::Work(CPipeWriter* out) const {
   const bool read = reader->ReadDictionary(&dictionary);
   if (!SendDictionary(*reader, dictionary, out) || !read) return;
   while (const RECORD_BLOCK* const block = reader->NextBlock()) {
-    if (!SendBlock(*block, dictionary.variables.size(), reader->Progress(), out)) return;
+    if (!SendBlock(*reader, *block, dictionary.variables.size(), out)) return;
   }
   message.Put<std::uint8_t>(0).Put(reader->Error()).Put(reader->Notes()).Send(out);
 }
@@ -156,7 +161,27 @@ bool CChildReader::ReceiveVariable(VARIABLE* variable) {
                      Receive(&variable->decimals, sizeof variable->decimals) &&
                      Receive(&variable->labelSet, sizeof variable->labelSet);
   variable->date = static_cast<DATE_KIND>(date);
-  return there;
+  return there && ReceiveMissing(&variable->missing);
+}
+
+bool CChildReader::ReceiveMissing(std::vector<MISSING_RANGE>* ranges) {
+  std::uint64_t count = 0;
+  if (!Receive(&count, sizeof count)) return false;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    MISSING_RANGE& range = ranges->emplace_back();
+    if (!Receive(&range.low, sizeof range.low) || !Receive(&range.high, sizeof range.high) ||
+        !ReceiveText(&range.lowText) || !ReceiveText(&range.highText)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool CChildReader::ReceiveFlag(bool* flag) {
+  std::uint8_t byte = 0;
+  if (!Receive(&byte, 1)) return false;
+  *flag = byte != 0;
+  return true;
 }
 
 bool CChildReader::ReceiveLabels(LABEL_SET* set) {
@@ -164,26 +189,23 @@ bool CChildReader::ReceiveLabels(LABEL_SET* set) {
   if (!Receive(&count, sizeof count)) return false;
   for (std::uint64_t i = 0; i < count; ++i) {
     VALUE_LABEL& label = set->emplace_back();
-    std::uint8_t isText = 0;
     if (!Receive(&label.number, sizeof label.number) || !ReceiveText(&label.text) ||
-        !Receive(&isText, 1) || !Receive(&label.tag, 1) || !ReceiveText(&label.label)) {
+        !ReceiveFlag(&label.isText) || !Receive(&label.tag, 1) || !ReceiveText(&label.label)) {
       return false;
     }
-    label.isText = isText != 0;
   }
   return true;
 }
 
 bool CChildReader::ReadDictionary(DICTIONARY* out) {
   std::string error;
-  std::uint8_t namesFound = 0;
   if (!ReceiveText(&error)) return false;
   if (!error.empty()) return Fail(error);
   std::uint64_t sets = 0;
   std::uint64_t variables = 0;
-  if (!Receive(&namesFound, 1) || !Receive(&epochDay_, sizeof epochDay_) ||
-      !Receive(&out->cases, sizeof out->cases) || !Receive(dateKinds_.data(), dateKinds_.size()) ||
-      !Receive(&sets, sizeof sets)) {
+  if (!ReceiveFlag(&namesFound_) || !ReceiveFlag(&encodingGuessed_) ||
+      !Receive(&epochDay_, sizeof epochDay_) || !Receive(&out->cases, sizeof out->cases) ||
+      !Receive(dateKinds_.data(), dateKinds_.size()) || !Receive(&sets, sizeof sets)) {
     return false;
   }
   for (std::uint64_t i = 0; i < sets; ++i) {
@@ -196,15 +218,14 @@ bool CChildReader::ReadDictionary(DICTIONARY* out) {
     if (variable.labelSet >= static_cast<int>(sets)) return FailFile("the file is damaged");
     if (variable.type == ST_TYPE_STRING) textVariables_.push_back(i);
   }
-  namesFound_ = namesFound != 0;
   variables_ = variables;
   return true;
 }
 
 const RECORD_BLOCK* CChildReader::NextBlock() {
-  std::uint8_t more = 0;
-  if (!Receive(&more, 1)) return nullptr;
-  if (more != 0) return ReceiveBlock() ? &block_ : nullptr;
+  bool more = false;
+  if (!ReceiveFlag(&more)) return nullptr;
+  if (more) return ReceiveBlock() ? &block_ : nullptr;
   std::string error;
   if (!ReceiveText(&error) || !ReceiveTexts(&notes_)) return nullptr;
   if (!error.empty()) Fail(error);
@@ -215,8 +236,8 @@ const RECORD_BLOCK* CChildReader::NextBlock() {
 bool CChildReader::ReceiveBlock() {
   std::uint64_t records = 0;
   std::uint64_t texts = 0;
-  if (!Receive(&progress_, sizeof progress_) || !Receive(&records, sizeof records) ||
-      !Receive(&texts, sizeof texts)) {
+  if (!ReceiveFlag(&encodingGuessed_) || !Receive(&progress_, sizeof progress_) ||
+      !Receive(&records, sizeof records) || !Receive(&texts, sizeof texts)) {
     return false;
   }
   if (records > kMostItems || variables_ > kMostItems || records * variables_ > kMostItems ||

@@ -12,8 +12,7 @@ namespace statrn32 {
 
 // What stands in the child is a reader like any other; this one asks it. A fault there, a loop
 // without end or memory out of all proportion to the file becomes an error here. The child works
-// ahead as far as a pipe holds, so memory stays as bounded as the reader's own. Values that a file
-// declares missing (VARIABLE::missing) are not passed on.
+// ahead as far as a pipe holds, so memory stays as bounded as the reader's own.
 class CChildReader final : public CReader {
  public:
   using FACTORY = std::function<std::unique_ptr<CReader>()>;
@@ -24,6 +23,7 @@ class CChildReader final : public CReader {
   const RECORD_BLOCK* NextBlock() override;
   std::vector<std::string> Tables() const override { return tables_; }
   bool NamesFound() const override { return namesFound_; }
+  bool EncodingGuessed() const override { return encodingGuessed_; }
   std::vector<std::string> Notes() const override { return notes_; }
   double Progress() const override { return progress_; }
   std::int64_t EpochDay() const override { return epochDay_; }
@@ -35,7 +35,9 @@ class CChildReader final : public CReader {
   bool ReceiveText(std::string* text);
   bool ReceiveTexts(std::vector<std::string>* texts);
   bool ReceiveVariable(VARIABLE* variable);
+  bool ReceiveMissing(std::vector<MISSING_RANGE>* ranges);
   bool ReceiveLabels(LABEL_SET* set);
+  bool ReceiveFlag(bool* flag);
   bool ReceiveBlock();
   bool CheckTexts();
   bool FailFile(const std::string& what) { return Fail(name_ + ": " + what); }
@@ -46,6 +48,7 @@ class CChildReader final : public CReader {
   std::vector<std::string> tables_;
   std::vector<std::string> notes_;
   bool namesFound_ = false;
+  bool encodingGuessed_ = false;
   double progress_ = -1;
   std::int64_t epochDay_ = 0;
   std::array<std::uint8_t, 3> dateKinds_{};

@@ -26,6 +26,7 @@ class CDumpReader final : public CFileReader {
 
   std::vector<std::string> Tables() const override;
   std::vector<std::string> Notes() const override;
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
 
  protected:
   bool LookInside() override;
@@ -131,7 +132,8 @@ void CDumpReader::AddStructure(const DUMP_NODE& node, const std::string& name) {
 void CDumpReader::AddMatrix(const DUMP_NODE& data, const DUMP_NODE& dims, const DUMP_NODE* names) {
   const double rows = dims.numbers[0];
   const double columns = dims.numbers[1];
-  if (!(rows >= 0 && columns >= 0) || rows * columns != static_cast<double>(data.Size())) {
+  const auto values = static_cast<double>(data.Size());
+  if (!(rows >= 1 && columns >= 1) || rows * columns != values || rows != std::trunc(rows)) {
     leftOut_.emplace_back("a matrix with other dimensions than values");
     return;
   }

@@ -79,6 +79,7 @@ class CEpiReader final : public CFileReader {
  public:
   CEpiReader() : CFileReader(32), lines_(&Input()) {}
 
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
   std::vector<std::string> Notes() const override;
 
  protected:
@@ -107,7 +108,7 @@ class CEpiReader final : public CFileReader {
 
 bool CEpiReader::ReadHeader(DICTIONARY* out) {
   int count = 0;
-  decoder_.SetEncoding(Options().encoding.empty() ? "CP850" : Options().encoding.c_str());
+  decoder_.SetEncoding(Options().encoding, "CP850");
   if (!lines_.Next(&line_)) return FailFile("the file is empty");
   std::string_view words = line_;
   if (!ParseWhole(TakeWord(&words), &count) || count < 1 || count > kMostFields) {

@@ -27,6 +27,8 @@ class CGaussReader final : public CFileReader {
  public:
   CGaussReader() : CFileReader(9) {}
 
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+
  protected:
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
@@ -87,7 +89,7 @@ bool CGaussReader::ReadHeader(DICTIONARY* out) {
   row_.resize(rowBytes);
   text_.assign(variables, false);
   rows_ = Input().Size() / static_cast<std::int64_t>(rowBytes);
-  decoder_.SetEncoding(Options().encoding.empty() ? "CP437" : Options().encoding.c_str());
+  decoder_.SetEncoding(Options().encoding, "CP437");
   ReadNames(header, out);
   out->cases = rows_;
   return true;

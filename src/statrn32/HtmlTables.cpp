@@ -12,6 +12,7 @@
 #include "statrn32/InputFile.h"
 #include "statrn32/NumberText.h"
 #include "statrn32/SheetReader.h"
+#include "statrn32/TextDecoder.h"
 
 namespace statrn32 {
 namespace {
@@ -119,6 +120,22 @@ bool FindCells(xmlNode* table, std::vector<PAGE_CELL>* cells) {
   return passedOver < kMostPassedOver;
 }
 
+// The encoding that a page names in its head, or that its first bytes tell; empty when there is
+// none.
+std::string EncodingOf(std::string_view page) {
+  constexpr std::size_t kHead = 8192;
+  constexpr std::string_view kWord = "charset";
+  if (page.substr(0, 2) == "\xFF\xFE" || page.substr(0, 2) == "\xFE\xFF") return "UTF-16";
+  std::string head(page.substr(0, kHead));
+  std::transform(head.begin(), head.end(), head.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  const std::size_t word = head.find(kWord);
+  if (word == std::string::npos) return {};
+  const std::size_t begin = head.find_first_not_of("= \t\"'", word + kWord.size());
+  if (begin == std::string::npos) return {};
+  return head.substr(begin, head.find_first_of(" \t\r\n\"';/>", begin) - begin);
+}
+
 class CHtmlWorkbook final : public CWorkbook {
  public:
   ~CHtmlWorkbook() override {
@@ -129,14 +146,17 @@ class CHtmlWorkbook final : public CWorkbook {
   std::vector<std::string> Sheets() const override { return names_; }
   std::size_t Preferred() const override { return preferred_; }
   bool Load(std::size_t sheet, CSheet* out) override;
+  bool EncodingGuessed() const override { return guessed_; }
 
  private:
+  void Decode(const std::string& chosen, std::string* page);
   void ListTables();
 
   htmlDocPtr page_ = nullptr;
   std::vector<xmlNode*> tables_;
   std::vector<std::string> names_;
   std::size_t preferred_ = 0;
+  bool guessed_ = false;
 };
 
 bool CHtmlWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
@@ -146,18 +166,27 @@ bool CHtmlWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
   if (file.Size() > kMostBytes) return Fail("the page has more than 256 MiB");
   std::string bytes(static_cast<std::size_t>(file.Size()), '\0');
   if (file.Read(bytes.data(), file.Size()) != file.Size()) return Fail("the file has changed");
-  const char* encoding = nullptr;
-  if (!options.encoding.empty()) {
-    encoding = options.encoding.c_str();
-  } else if (bytes.find("charset") == std::string::npos && IsUtf8(bytes)) {
-    encoding = "UTF-8";
-  }
+  Decode(options.encoding, &bytes);
   constexpr int kOptions = HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
                            HTML_PARSE_NONET | HTML_PARSE_COMPACT;
-  page_ = htmlReadMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, encoding, kOptions);
+  page_ = htmlReadMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, "UTF-8", kOptions);
   if (page_ == nullptr) return Fail("the page cannot be read");
   ListTables();
   return !tables_.empty() || Fail("there is no table in this page");
+}
+
+// The parser ends at a byte that an encoding does not have, so the page becomes UTF-8 before. One
+// that says it is UTF-8 and is not is taken for one that says nothing.
+void CHtmlWorkbook::Decode(const std::string& chosen, std::string* page) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  std::string encoding = chosen.empty() ? EncodingOf(*page) : chosen;
+  if (chosen.empty() && (encoding == "utf-8" || encoding == "utf8")) encoding.clear();
+  CTextDecoder decoder;
+  decoder.SetEncoding(encoding.c_str());
+  std::string text;
+  decoder.AppendWhole(*page, &text);
+  guessed_ = decoder.Guessed();
+  *page = text.substr(text.compare(0, kMark.size(), kMark) == 0 ? kMark.size() : 0);
 }
 
 // Named by their caption or their number.

@@ -57,11 +57,18 @@ bool ParseNumber(std::string_view text, int decimals, double* number) {
   return std::isfinite(*number);
 }
 
+// The decoder knows the blanks of ASCII only.
+std::string TrimmedAtEnd(std::string text) {
+  while (!text.empty() && text.back() == ' ') text.pop_back();
+  return text;
+}
+
 class COsirisReader final : public CFileReader {
  public:
   COsirisReader() : CFileReader(36) {}
 
   std::vector<std::string> Notes() const override;
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
 
  protected:
   bool ReadHeader(DICTIONARY* out) override;
@@ -170,8 +177,9 @@ bool COsirisReader::OpenData(DICTIONARY* out) {
         "its file of data is not beside it (the same name with .dat, .data, .da, .raw "
         "or .txt)");
   }
-  // Records with line ends are told by the end of the first one.
-  std::string first(recordBytes_ + 2, '\0');
+  // Records with line ends are told by the end of the first one, which may hold more than what the
+  // dictionary speaks of.
+  std::string first(std::max<std::size_t>(recordBytes_ + 2, 1 << 16), '\0');
   data_.Read(first.data(), static_cast<std::int64_t>(first.size()));
   data_.Seek(0);
   const bool lines = !ebcdic_ && first.find('\n') != std::string::npos;
@@ -208,6 +216,7 @@ void COsirisReader::FillBlock(CBlockFiller* out) {
 void COsirisReader::PutField(std::size_t index, CBlockFiller* out) {
   const OSIRIS_FIELD& field = fields_[index];
   const std::string_view bytes = std::string_view(record_).substr(field.begin, field.width);
+  if (field.kind == '1' && ebcdic_) return out->Text(TrimmedAtEnd(decoder_.Decode(bytes)));
   if (field.kind == '1') return out->Text(&decoder_, bytes);
   double number = 0;
   bool there = false;

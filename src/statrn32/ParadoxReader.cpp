@@ -114,6 +114,7 @@ class CParadoxReader final : public CFileReader {
   bool wantsMemo_ = false;
   bool hasMemo_ = false;
   std::int64_t nextBlock_ = 0;
+  std::int64_t blocksRead_ = 0;
   std::string block_;
   std::size_t rowAt_ = 0;    // in the block
   std::size_t rowsEnd_ = 0;  // of the block's rows
@@ -180,8 +181,8 @@ void CParadoxReader::FillBlock(CBlockFiller* out) {
   }
 }
 
-// Leads from block to block as they name each other; the number of rows ends a circle of blocks
-// that have rows, and one of blocks without rows ends here.
+// Leads from block to block as they name each other; a circle of blocks ends where more of them
+// were read than there are.
 bool CParadoxReader::NextBlockOfRows() {
   const std::int64_t blocks =
       (Input().Size() - header_.headerBytes + header_.blockBytes - 1) / header_.blockBytes;
@@ -189,8 +190,8 @@ bool CParadoxReader::NextBlockOfRows() {
     return FailFile("the blocks end after " + std::to_string(rowsRead_) + " of " +
                     std::to_string(header_.rows) + " rows");
   };
-  for (std::int64_t steps = 0; steps <= blocks; ++steps) {
-    if (nextBlock_ == 0 || nextBlock_ > blocks) return fail();
+  for (;;) {
+    if (nextBlock_ == 0 || nextBlock_ > blocks || ++blocksRead_ > blocks) return fail();
     Input().Seek(header_.headerBytes + (nextBlock_ - 1) * header_.blockBytes);
     const std::int64_t got = Input().Read(block_.data(), header_.blockBytes);
     if (got < static_cast<std::int64_t>(kParadoxBlockHead)) return fail();
@@ -206,7 +207,6 @@ bool CParadoxReader::NextBlockOfRows() {
     rowsEnd_ = rowAt_;
     return fail();
   }
-  return fail();
 }
 
 void CParadoxReader::FillField(std::string_view row, const PARADOX_FIELD& field,

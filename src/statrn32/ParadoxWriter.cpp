@@ -79,9 +79,10 @@ std::string CParadoxWriter::HeaderFields() {
     out.U8(static_cast<unsigned>(text ? PARADOX_TYPE::Text : PARADOX_TYPE::Double));
     out.U8(WidthOf(variable));
   }
-  const std::size_t slash = Name().rfind('/');
+  const std::string& name = FinalName().empty() ? Name() : FinalName();
+  const std::size_t slash = name.rfind('/');
   out.Zeros(4 + 4 * count);
-  out.Field(Name().substr(slash == std::string::npos ? 0 : slash + 1), kTableName - 1, '\0');
+  out.Field(name.substr(slash == std::string::npos ? 0 : slash + 1), kTableName - 1, '\0');
   out.Zeros(1);
   for (const VARIABLE& variable : Variables()) {
     out.Bytes(encoder_.Encode(variable.name)).Zeros(1);

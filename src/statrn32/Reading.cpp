@@ -211,7 +211,12 @@ int ST_ReadRecord(ST_FILE* file) {
     file->status += file->columns.size();
     return 1;
   }
-  return NextBlock(file);
+  try {
+    return NextBlock(file);
+  } catch (const std::bad_alloc&) {
+    file->ended = true;
+    return FailWith(file->env, "Not enough memory for the records of the file");
+  }
 }
 
 int ST_GetVarDataExt(ST_FILE* file, int var, std::int32_t* type, const void** value,

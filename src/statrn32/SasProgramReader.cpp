@@ -47,7 +47,7 @@ bool CSasProgramReader::ReadProgram(PROGRAM_DATA* data) {
     const std::string_view text = Trimmed(line);
     for (const char* const word : {"DATALINES", "CARDS", "LINES", "DATALINES4", "CARDS4"}) {
       const std::string card = std::string(word) + ";";
-      if (!Trimmed(statement).empty() || !EqualIgnoringCase(text, card)) continue;
+      if (!statement.empty() || !EqualIgnoringCase(text, card)) continue;
       data->firstLine = Lines().Number() + 1;
       data->end = card[card.size() - 2] == '4' ? ";;;;" : ";";
       while (Lines().Next(&line) && Trimmed(line) != data->end) continue;
@@ -55,7 +55,8 @@ bool CSasProgramReader::ReadProgram(PROGRAM_DATA* data) {
       break;
     }
     for (const char c : line) {
-      if (Trimmed(statement).empty()) begin = Lines().Number();
+      if (statement.empty() && (c == ' ' || c == '\t' || c == '\r')) continue;
+      if (statement.empty()) begin = Lines().Number();
       if (quote != 0) {
         if (c == quote) quote = 0;
       } else if (c == '"' || c == '\'') {
@@ -67,7 +68,7 @@ bool CSasProgramReader::ReadProgram(PROGRAM_DATA* data) {
       }
       statement += c;
     }
-    statement += '\n';
+    if (!statement.empty()) statement += '\n';
   }
   for (const auto& [name, label] : labels_) {
     PROGRAM_COLUMN* const column = FindColumn(data, name);

@@ -16,8 +16,7 @@ constexpr std::uint32_t kMostColumns = 32767;
 }  // namespace
 
 bool CSigmaPlotWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
-  const bool guess = options.encoding.empty();
-  decoder_.SetEncoding(guess ? "CP1252" : options.encoding.c_str(), guess);
+  decoder_.SetEncoding(options.encoding, "CP1252");
   std::string error;
   if (!file_.Open(name, &error)) return Fail(error);
   return ReadDirectory() ||

@@ -1,4 +1,6 @@
 // The commands of SPSS that describe data.
+#include <limits>
+
 #include "host/Text.h"
 #include "host/statrn32.h"
 #include "statrn32/ProgramFiles.h"
@@ -219,8 +221,14 @@ void CSpssProgramReader::ReadMissing(CTokens* in, PROGRAM_DATA* data) {
       double value = 0;
       const bool negative = in->TakeIf("-");
       const PROGRAM_TOKEN token = in->Take();
-      if (token.Is("THRU")) through = true;
-      if (!ParseProgramNumber(token.text, &value)) continue;
+      if (token.Is("THRU") || token.Is("THROUGH")) through = true;
+      if (token.Is("LO") || token.Is("LOWEST")) {
+        value = -std::numeric_limits<double>::infinity();
+      } else if (token.Is("HI") || token.Is("HIGHEST")) {
+        value = std::numeric_limits<double>::infinity();
+      } else if (!ParseProgramNumber(token.text, &value)) {
+        continue;
+      }
       if (negative) value = -value;
       if (through && !ranges.empty()) {
         ranges.back().high = value;

@@ -56,6 +56,7 @@ class CSqlReader final : public CFileReader {
   void FillBlock(CBlockFiller* out) override;
   std::vector<std::string> Tables() const override;
   std::vector<std::string> Notes() const override;
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
 
  private:
   struct TABLE {
@@ -73,6 +74,7 @@ class CSqlReader final : public CFileReader {
   bool FailLine(const std::string& what) {
     return FailFile("line " + std::to_string(lexer_.Line()) + ": " + what);
   }
+  std::string NameAtHand() { return TextForDisplay(decoder_.Decode(lexer_.Text())); }
   bool ReadName(std::string* out);
   bool ReadTable();
   bool ReadColumn(TABLE* table, bool* more);
@@ -85,6 +87,8 @@ class CSqlReader final : public CFileReader {
   void PutValue(const VARIABLE& variable, const SQL_VALUE& value, CBlockFiller* out);
 
   CSqlLexer lexer_;
+  CTextDecoder decoder_;
+  std::string decoded_;
   std::vector<TABLE> tables_;
   std::size_t table_ = 0;
   std::unordered_map<std::string, std::size_t> columns_;  // of the table, in upper case
@@ -99,13 +103,14 @@ bool CSqlReader::ReadName(std::string* out) {
   for (;;) {
     const SQL_TOKEN kind = lexer_.Next();
     if (kind != SQL_TOKEN::Name && kind != SQL_TOKEN::Word) return FailLine("a name is expected");
-    *out = lexer_.Text();
+    *out = NameAtHand();
     lexer_.Next();
     if (!lexer_.Is(".")) return true;
   }
 }
 
 bool CSqlReader::LookInside() {
+  decoder_.SetEncoding(Options().encoding.c_str());
   for (SQL_TOKEN kind = lexer_.Next(); kind != SQL_TOKEN::End; kind = lexer_.Next()) {
     if (kind == SQL_TOKEN::Damaged) return FailLine("a quote or comment does not end");
     if (!lexer_.Is("CREATE")) continue;
@@ -142,7 +147,7 @@ bool CSqlReader::ReadColumn(TABLE* table, bool* more) {
     constraint = constraint || lexer_.Is(word);
   }
   if (kind != SQL_TOKEN::Name && kind != SQL_TOKEN::Word) return FailLine("a column is expected");
-  variable.name = TextForDisplay(lexer_.Text());
+  variable.name = NameAtHand();
   variable.type = ST_TYPE_NUMERIC;
   variable.width = 12;
   variable.decimals = 3;
@@ -203,7 +208,7 @@ bool CSqlReader::ReadOrder() {
   }
   while (!lexer_.Is(")")) {
     lexer_.Next();
-    const auto column = columns_.find(UpperCase(TextForDisplay(lexer_.Text())));
+    const auto column = columns_.find(UpperCase(NameAtHand()));
     if (column == columns_.end()) {
       return FailLine("the table has no column \"" + lexer_.Text() + "\"");
     }
@@ -317,7 +322,9 @@ void CSqlReader::PutValue(const VARIABLE& variable, const SQL_VALUE& value, CBlo
   double number = value.number;
   if (variable.type == ST_TYPE_STRING) {
     if (value.null) return out->Text({}, ST_STATUS_MISSING);
-    return IsUtf8(value.text) ? out->Text(value.text) : out->Text(TextForDisplay(value.text));
+    decoded_.clear();
+    decoder_.AppendWhole(value.text, &decoded_);
+    return out->Text(decoded_);
   }
   bool there = !value.null && std::isfinite(number);
   if (there && value.isText) {

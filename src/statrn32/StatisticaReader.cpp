@@ -66,8 +66,7 @@ bool CStatisticaReader::ReadHeader(DICTIONARY* out) {
     return FailFile("the file is too short for " + std::to_string(rows_) + " records of " +
                     std::to_string(variables_) + " variables");
   }
-  const bool guess = Options().encoding.empty();
-  decoder_.SetEncoding(guess ? "CP1252" : Options().encoding.c_str(), guess);
+  decoder_.SetEncoding(Options().encoding, "CP1252");
   constexpr std::int64_t kMostHeader = std::int64_t{64} << 20;
   std::string parts(
       static_cast<std::size_t>(std::min(Input().Size() - dataBytes - kStart, kMostHeader)), '\0');
@@ -102,13 +101,17 @@ bool CStatisticaReader::ReadParts(CByteReader* in, DICTIONARY* out) {
   return true;
 }
 
+// Variables may share their labels, but not so that a small file gives very many.
 void CStatisticaReader::ReadLabels(CByteReader* in, DICTIONARY* out) {
+  constexpr std::size_t kMostShared = 8;
   const std::string_view all = in->Bytes(in->Left());
+  std::size_t left = all.size() / kLabelBytes * kMostShared;
   for (std::size_t i = 0; i < variables_; ++i) {
     LABEL_SET set;
     CByteReader labels(all);
     labels.Seek(places_[i]);
-    for (std::size_t k = 0; k < labels_[i] && labels.Left() >= kLabelBytes; ++k) {
+    for (std::size_t k = 0; k < labels_[i] && labels.Left() >= kLabelBytes && left > 0; ++k) {
+      --left;
       VALUE_LABEL label;
       label.number = static_cast<double>(labels.F32());
       label.label = decoder_.Decode(labels.Bytes(kNameBytes));

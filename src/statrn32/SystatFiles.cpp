@@ -41,6 +41,7 @@ class CSystatReader final : public CFileReader {
 
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
+  bool EncodingGuessed() const override { return decoder_.Guessed(); }
 
  private:
   // The next record, empty behind the last one; false after FailFile.
@@ -139,7 +140,7 @@ std::int64_t CSystatReader::StoredBytes() const {
 }
 
 bool CSystatReader::ReadHeader(DICTIONARY* out) {
-  decoder_.SetEncoding(Options().encoding.empty() ? "CP437" : Options().encoding.c_str());
+  decoder_.SetEncoding(Options().encoding, "CP437");
   Input().Seek(1);
   std::size_t variables = 0;
   if (!ReadCounts(&variables) || !ReadNames(variables, out)) return false;

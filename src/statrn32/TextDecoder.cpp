@@ -51,7 +51,10 @@ void CTextDecoder::SetEncoding(const char* name, bool guess) {
 }
 
 void CTextDecoder::Append(std::string_view bytes, std::string* out) {
-  const std::string_view text = WithoutTrailingBlanks(bytes);
+  AppendWhole(WithoutTrailingBlanks(bytes), out);
+}
+
+void CTextDecoder::AppendWhole(std::string_view text, std::string* out) {
   if ((asciiBased_ && IsAscii(text)) || (!converts_ && IsUtf8(text))) {
     out->append(text);
     return;

@@ -21,12 +21,18 @@ class CTextDecoder {
   // `name` as iconv knows it; null, empty or unknown: no encoding. `guess`: nobody said that it is
   // this one.
   void SetEncoding(const char* name, bool guess = false);
+  // What the user chose; where that is nothing, the usual encoding of a format, as a guess.
+  void SetEncoding(const std::string& chosen, const char* usual) {
+    SetEncoding(chosen.empty() ? usual : chosen.c_str(), chosen.empty());
+  }
   // Was there a text that another encoding would show differently, and no encoding was told? May be
   // asked from another thread.
   bool Guessed() const { return guessed_.load(std::memory_order_relaxed); }
 
   // Appends the decoded text without its trailing blanks.
   void Append(std::string_view bytes, std::string* out);
+  // The same with the blanks at the end.
+  void AppendWhole(std::string_view text, std::string* out);
   std::string Decode(std::string_view bytes);
 
  private:

@@ -39,6 +39,9 @@ class CCellListener final : public CQuietListener {
  public:
   explicit CCellListener(std::vector<WPS_SHEET>* sheets) : sheets_(sheets) {}
 
+  // Was there a text that is not ASCII?
+  bool HasForeignLetters() const { return foreign_; }
+
   void openSheet(const LIST& list) override;
   void openSheetCell(const LIST& list) override;
   void closeSheetCell() override;
@@ -54,7 +57,9 @@ class CCellListener final : public CQuietListener {
 
  private:
   void Append(const char* text) {
-    if (inCell_ && aside_ == 0) text_ += text;
+    if (!inCell_ || aside_ != 0) return;
+    text_ += text;
+    for (const char* c = text; *c != '\0'; ++c) foreign_ |= static_cast<unsigned char>(*c) >= 0x80;
   }
   void PutDate(CSheet* sheet) const;
 
@@ -63,6 +68,7 @@ class CCellListener final : public CQuietListener {
   std::string text_;
   bool inCell_ = false;
   int aside_ = 0;
+  bool foreign_ = false;
 };
 
 void CCellListener::openSheet(const LIST& list) {
@@ -125,11 +131,18 @@ class CWpsWorkbook final : public CWorkbook {
   bool Open(const std::string& name, const READ_OPTIONS& options) override;
   std::vector<std::string> Sheets() const override;
   bool Load(std::size_t sheet, CSheet* out) override;
+  bool EncodingGuessed() const override { return guessed_; }
 
  private:
   libwps::WPSCreator creator_;
   std::vector<WPS_SHEET> sheets_;
+  bool guessed_ = false;
 };
+
+// The library has a name of its own for this one; what it does not know it takes for code page 437.
+std::string NameForLibrary(const std::string& encoding) {
+  return encoding == "MACINTOSH" ? "MacRoman" : encoding;
+}
 
 bool CWpsWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
   librevenge::RVNGFileStream stream(name.c_str());
@@ -148,7 +161,8 @@ bool CWpsWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
   }
   CCellListener listener(&sheets_);
   const libwps::WPSResult result =
-      libwps::WPSDocument::parse(&stream, &listener, "", options.encoding.c_str());
+      libwps::WPSDocument::parse(&stream, &listener, "", NameForLibrary(options.encoding).c_str());
+  guessed_ = asksEncoding && options.encoding.empty() && listener.HasForeignLetters();
   if (result != libwps::WPS_OK && sheets_.empty()) return Fail("the file is damaged");
   // Most of the 256 sheets of a file stand empty.
   const auto empty = [](const WPS_SHEET& sheet) { return sheet.cells.Cells().empty(); };

@@ -65,7 +65,9 @@ ST_FILE* OpenOutFile(ST_ENV* env, const FORMAT& format, const char* name) {
 int ST_InitUserDict(ST_ENV* env, int variables) {
   if (env == nullptr) return -1;
   env->error.clear();
+  std::string password = std::move(env->userDictionary.password);  // is none of the variables'
   env->userDictionary = {};
+  env->userDictionary.password = std::move(password);
   env->userVariables = variables;
   env->cases = -1;
   return variables > 0 ? 0 : FailWith(env, "A file needs at least one variable");

@@ -78,6 +78,11 @@ bool basic_exportable_t<CharT, CountT>::GetTextFileDelimiter(CharT&) {
 }
 
 template <typename CharT, typename CountT>
+bool basic_exportable_t<CharT, CountT>::GetDatabasePassword(const string&, string&) {
+  return true;
+}
+
+template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int type) {
   CharT delimiter = 0;
   if (type == DELIMITED_TEXT_FILE_TYPE && !GetTextFileDelimiter(delimiter)) return false;
@@ -127,6 +132,9 @@ bool basic_exportable_t<CharT, CountT>::WriteToStandardOutput(int type, CharT de
 template <typename CharT, typename CountT>
 bool basic_exportable_t<CharT, CountT>::ExportToDatabase(const string& name,
                                                          CStatTransfer<CharT>& transfer) {
+  string password;
+  if (!GetDatabasePassword(name, password)) return false;
+  ST_SetDatabasePassword(transfer.Environment(), password.c_str());
   bool written = OpenExportFile(name, transfer.type, transfer) && WriteStatRecords(transfer);
   written = written && ST_CloseFiles(transfer.Environment()) == 0;
   if (!written && !stopped_) ReportError(transfer.ErrorText());

@@ -52,6 +52,9 @@ class basic_exportable_t {
   // Fills one record, counted from 0; false when there are no more.
   virtual bool GetAppDataRecord(CountT record, const variables_t& variables, values_t& values) = 0;
   virtual bool GetTextFileDelimiter(CharT& delimiter);
+  // The password of the database that the connection file `name` leads to; false when there is to
+  // be no export. None is known unless a derived class asks for it.
+  virtual bool GetDatabasePassword(const string& name, string& password);
   virtual bool ExportTextData(const string& name, int type, CharT delimiter);
   virtual bool ExportTextData(const string& name, int type);
   virtual bool WriteTextFileDataRecord(basic_text_export_t<CharT>& target, CountT record,

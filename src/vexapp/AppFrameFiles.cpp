@@ -238,6 +238,14 @@ void CAppFrame::ExportCurrent() {
   if (current_ == nullptr) return;
   current_->Table().EndEdit();
   const CBusy busy(app_, current_);
+  current_->Document().SetPasswordAsker([this](const CString& file, CString& password) {
+    CSourceChoice choice(file, STUtils::TypeOfFileName(file));
+    CSourceChoiceDlg dialog(choice, this);
+    dialog.setWindowTitle(tr("Export to %1").arg(QFileInfo(PathText(file)).fileName()));
+    if (app_.RunDialog(dialog) != QDialog::Accepted) return false;
+    password = choice.password;
+    return true;
+  });
   current_->Document().OnFileExportVexmorData();
 }
 

@@ -97,9 +97,11 @@ class CFaultyReader final : public CReader {
     VARIABLE variable;
     variable.name = "X";
     variable.type = ST_TYPE_STRING;
+    variable.missing = {{-9, -1, "a", "b"}};
     out->variables.push_back(variable);
     return true;
   }
+  bool EncodingGuessed() const override { return block_.records > 0; }
   const RECORD_BLOCK* NextBlock() override {
     if (block_.records > 0) {
       if (step_ == AtBlock) std::abort();
@@ -146,6 +148,21 @@ TEST(ChildReader, WhateverStepGoesWrongIsAnErrorThatNamesTheFile) {
     EXPECT_EQ(steps, c.steps);
     EXPECT_THAT(reader.Error(), HasSubstr(c.steps == 4 ? "" : "the file: the file is damaged"));
   }
+}
+
+TEST(ChildReader, WhatTheReaderTellsArrives) {
+  CChildReader reader([] { return std::make_unique<CFaultyReader>(CFaultyReader::Never); });
+  DICTIONARY dictionary;
+  ASSERT_TRUE(reader.Open("the file") && reader.ReadDictionary(&dictionary));
+  ASSERT_EQ(dictionary.variables.size(), 1U);
+  const VARIABLE& variable = dictionary.variables[0];
+  ASSERT_EQ(variable.missing.size(), 1U);
+  EXPECT_EQ(variable.missing[0].low, -9);
+  EXPECT_EQ(variable.missing[0].high, -1);
+  EXPECT_EQ(variable.missing[0].lowText + variable.missing[0].highText, "ab");
+  EXPECT_FALSE(reader.EncodingGuessed());
+  ASSERT_NE(reader.NextBlock(), nullptr);
+  EXPECT_TRUE(reader.EncodingGuessed());
 }
 
 TEST(ChildReader, TheReadersOwnErrorsArriveAsTheyAre) {

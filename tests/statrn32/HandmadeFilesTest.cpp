@@ -6,13 +6,21 @@
 #include <gtest/gtest.h>
 
 #include "host/Numbers.h"
+#include "statrn32/ByteWriter.h"
 #include "statrn32/StFiles.h"
+#include "statrn32/TextEncoder.h"
 
 using namespace sttest;  // NOLINT: a test's own names
 
 namespace {
 
+constexpr std::int32_t kParadox = 10;
+constexpr std::int32_t kDump = 17;
 constexpr std::int32_t kSqlScript = 28;
+constexpr std::int32_t kStatistica = 30;
+constexpr std::int32_t kOsiris = 36;
+constexpr std::int32_t kSpssProgram = 39;
+constexpr std::int32_t kSasProgram = 40;
 constexpr std::int32_t kHtml = 31;
 constexpr std::int32_t kJsonLines = 903;
 
@@ -44,7 +52,6 @@ class HandmadeFiles : public testing::Test {
     return ReadFile(type, folder_.Name("file"));
   }
 
- private:
   TempFolder folder_;
 };
 
@@ -71,6 +78,11 @@ TEST_F(HandmadeFiles, ReadAsTheirWritersMeantThem) {
       {kHtml,
        "<table><tr><th>a<th>b<th>c<tr><td rowspan=2>1<td>2<td>3<tr><td>5<td>6</table>",
        {"a|b|c", "1|2|3", ".|5|6"}},
+      // Ranges of missing values without an end.
+      {kSpssProgram,
+       "DATA LIST FREE /a b.\nMISSING VALUES a (LO THRU 0, 9) b (97 THRU HIGHEST).\nBEGIN DATA\n"
+       "-5 1\n0 97\n3 1e300\n9 98\n1 2\nEND DATA.\n",
+       {"a|b", ".|1", ".|.", "3|.", ".|.", "1|2"}},
   };
   for (const auto& [type, bytes, shown] : cases) {
     const Table table = Read(type, bytes);
@@ -90,6 +102,78 @@ TEST_F(HandmadeFiles, MadeToTakeForeverAreRefusedSoon) {
   for (int i = 0; i < 10'000; ++i) page += "<td rowspan=16000>1";
   for (int i = 0; i < 1'500; ++i) page += "<tr><td>2";
   EXPECT_NE(Read(kHtml, page).error.find("span too many rows"), std::string::npos);
+
+  const Table matrix =
+      Read(kDump, "m\nstructure\n2\n.Data\nnumeric\n0\n.Dim\nnumeric\n2\n0\n1e15\n");
+  EXPECT_NE(matrix.error.find("holds no values"), std::string::npos);
+  const Table blanks =
+      Read(kSasProgram, std::string(400'000, '\n') + "data d;\ninput a;\ndatalines;\n7\n;\nrun;\n");
+  EXPECT_EQ(Shown(blanks), (std::vector<std::string>{"a", "7"}));
+}
+
+// A block that names itself as the next one, and four billion rows.
+TEST_F(HandmadeFiles, ACircleOfBlocksEndsWithTheBlocks) {
+  Table table;
+  table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
+  table.records = {{Number(1)}, {Number(2)}};
+  const std::string name = folder_.Name("t.db");
+  ASSERT_EQ(WriteFile(table, kParadox, name).error, "");
+  std::string bytes = BytesOf(name);
+  bytes.replace(6, 4, "\xFF\xFF\xFF\xFF");
+  bytes[2048] = 1;  // the header has 2048 bytes
+  const Table read = Read(kParadox, bytes);
+  EXPECT_EQ(read.records.size(), 2U);
+  EXPECT_NE(read.error.find("the blocks end after 2"), std::string::npos) << read.error;
+}
+
+// Variables that all point to the same labels, each to as many as a count can tell.
+TEST_F(HandmadeFiles, SharedLabelsAreNotMultipliedWithoutBounds) {
+  constexpr std::size_t kVariables = 2000;
+  constexpr std::size_t kLabels = 20'000;
+  statrn32::CByteWriter out;
+  out.Bytes("CSS ").Zeros(4).U32(0).U32(kVariables).Zeros(8).U16(20).U16(80);
+  for (const std::size_t unit : {8, 2, 8, 2, 4}) out.U16(unit * kVariables);
+  out.Zeros(138 - out.Size()).Zeros(18 * kVariables, 'A');
+  out.Zeros(2 * kVariables, '\xFF').Zeros(4 * kVariables).Zeros(14 * kLabels, 'b');
+  const Table table = Read(kStatistica, out.Data());
+  EXPECT_EQ(table.error, "");
+  std::size_t labels = 0;
+  for (const Column& column : table.columns) labels += column.labels.size();
+  EXPECT_GE(labels, kLabels);
+  EXPECT_LE(labels, 10 * kLabels);
+}
+
+// Cards without line ends; the data as well, with whole numbers in two bytes.
+TEST_F(HandmadeFiles, ADictionaryInEbcdicReads) {
+  const auto card = [](const char* start) {
+    std::string text = start;
+    text.resize(80, ' ');
+    return text;
+  };
+  statrn32::CTextEncoder ebcdic("CP037");
+  const std::string cards = card("1       1    3") +
+                            card("T    1 0   AGE                         1     3 1     1    99.9") +
+                            card("T    2 1   TOWN                        4     6       1") +
+                            card("T    3 2   N                          10     2       1");
+  MakeFile(folder_.Name("t.dct"), ebcdic.Encode(cards));
+  MakeFile(folder_.Name("t.dat"), ebcdic.Encode("415Ulm   ") + std::string("\x01\x02", 2) +
+                                      ebcdic.Encode("999Lindau") + std::string("\xFF\xFE", 2));
+  const Table table = ReadFile(kOsiris, folder_.Name("t.dct"));
+  EXPECT_EQ(table.error, "");
+  EXPECT_EQ(Shown(table),
+            (std::vector<std::string>{"AGE|TOWN|N", "41.5|\"Ulm\"|258", ".|\"Lindau\"|-2"}));
+}
+
+// Records longer than what the dictionary speaks of.
+TEST_F(HandmadeFiles, LineEndsBehindTheLastVariableCount) {
+  std::string cards = "1       1    1";
+  cards.resize(80, ' ');
+  cards += "\nT    1 0   AGE                         1     3";
+  cards.resize(161, ' ');
+  MakeFile(folder_.Name("t.dct"), cards + "\n");
+  MakeFile(folder_.Name("t.dat"), " 41 and more\n  7 and more\n");
+  const Table table = ReadFile(kOsiris, folder_.Name("t.dct"));
+  EXPECT_EQ(Shown(table), (std::vector<std::string>{"AGE", "41", "7"}));
 }
 
 }  // namespace

@@ -344,7 +344,9 @@ TEST_F(Samples, CutOffEndWithAnErrorOrNoMoreRecords) {
     for (std::size_t i = 0; i < cuts; i += few ? 8 : 1) {
       const Table table =
           damaged.Read(damaged.Whole().substr(0, damaged.Whole().size() * i / cuts));
-      ASSERT_LE(table.records.size(), sample.records) << sample.file << " cut " << i;
+      // A page that ends within a tag has the rest of the tag as a text.
+      const std::size_t most = sample.records + (sample.type == 31 ? 1 : 0);
+      ASSERT_LE(table.records.size(), most) << sample.file << " cut " << i;
     }
   }
 }

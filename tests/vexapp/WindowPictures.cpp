@@ -177,6 +177,19 @@ void PictureOfSourceChoice(CAppFrame& frame, const QString& look) {
   dialog.close();
 }
 
+void PictureOfPassword(CAppFrame& frame, const QString& look) {
+  constexpr int kMsSql = 28;
+  const QTemporaryDir files;
+  QFile file(files.filePath("people.sql"));
+  if (!file.open(QIODevice::WriteOnly)) return;
+  file.write("[ODBC]\nDRIVER=none\n");
+  file.close();
+  CSourceChoice choice(file.fileName().toStdString(), kMsSql);
+  CSourceChoiceDlg dialog(choice, &frame);
+  Draw(dialog, "password-" + look);
+  dialog.close();
+}
+
 void PictureOfData(CAppFrame& frame, const QString& look) {
   CDataViewTbl& table = frame.CurrentWindow()->Table();
   frame.resize(1100, 700);
@@ -228,6 +241,7 @@ int main(int argc, char** argv) {
     PictureOfTexts(frame, name, files.last());
     PictureOfTextImport(frame, name);
     PictureOfSourceChoice(frame, name);
+    PictureOfPassword(frame, name);
   }
   ChooseAppearance(Appearance::Light);
   PictureOfMenus(frame);
