@@ -214,3 +214,27 @@ TEST(AppendValueText, FormatsByKind) {
     EXPECT_EQ(text, c.expected) << c.kind;
   }
 }
+
+// The file is never written to: it leads to the database.
+TEST_F(Export, ADatabaseAsksForItsPassword) {
+  Fill({{1, 2}});
+  const CString name = folder / "people.sql";
+  const std::string connection = "[ODBC]\nDRIVER=no such driver\n";
+  WriteBytes(name, connection);
+  for (const bool given : {false, true}) {
+    int asked = 0;
+    document.SetPasswordAsker([&](const CString& file, CString& password) {
+      ++asked;
+      EXPECT_EQ(file, name);
+      password = "secret";
+      return given;
+    });
+    host.messages.clear();
+    EXPECT_EQ(ExportTo(name, 28), eFAILED);
+    EXPECT_EQ(asked, 1);
+    // Given up, the driver is not even looked for.
+    EXPECT_EQ(host.messages.empty(), !given);
+    EXPECT_EQ(ReadBytes(name), connection);
+  }
+  ASSERT_EQ(ExportTo(folder / "script.sql", 28), eOK);  // asks for nothing
+}
