@@ -4,6 +4,8 @@
 #include <fstream>
 #include <ios>
 #include <limits>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -103,12 +105,22 @@ class basic_data_import_t {
   virtual void ReportWriteError(const string& systemFileName, const string& reason) = 0;
   // Told how far the input has been read, 0 to 1, negative when unknown; false stops the import.
   virtual bool ReportProgress(double fraction) = 0;
+  // The number that stands for a missing value, where a system data file can be given whole blocks
+  // of cells: records of a text file then go to WriteAppDataNumbers. Empty, as here: they go to
+  // WriteAppDataRecord one by one.
+  virtual std::optional<double> CellOfMissing() const { return std::nullopt; }
+  // Writes whole records, a cell for each selected variable; `records` counts those before them.
+  virtual bool WriteAppDataNumbers(ofstream&, CountT /*records*/, std::span<const double>) {
+    return false;
+  }
   // Called when all records of a text file have been written.
   virtual void OnTextRead(const text_import_t&, const variables_t&) {}
 
  private:
+  bool CopyTextNumbers(text_import_t& reader, ofstream& stream, double missing, CountT& records);
   bool CopyTextRecords(text_import_t& reader, bool toFile, ofstream& stream,
                        const variables_t& variables, CountT& records);
+  bool IsReadToTheEnd(const text_import_t& reader);
   bool CopyRecords(CStatTransfer<CharT>& transfer, bool toFile, ofstream& stream, CountT& records);
   static void ReadVariables(CStatTransfer<CharT>& transfer, int count);
 };

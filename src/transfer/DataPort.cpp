@@ -214,6 +214,7 @@ bool CDataPort::WriteAppDataHeader(ofstream& stream, const variables_t& variable
     lastUpdate_ = GetTickCount();
   }
   row_.assign(names.size(), 0.0);
+  written_ = 0;
   return stream.good();
 }
 
@@ -256,14 +257,32 @@ bool CDataPort::WriteAppDataRecord(int type, ofstream& stream, long record,
         return false;
     }
   }
-  stream.write(reinterpret_cast<const char*>(row_.data()),
-               static_cast<std::streamsize>(column * kCellBytes));
-  if (record == 0) lastUpdate_ = GetTickCount();
-  if (CanUpdateStatusInfo(lastUpdate_)) {
-    WriteStatusInfo(boost::str(boost::format("Importing %1% record(s)") % (record + 1)));
-    lastUpdate_ = GetTickCount();
-  }
+  TellRecords(record + 1);
+  return WriteCells(stream, std::span(row_).first(column));
+}
+
+std::optional<double> CDataPort::CellOfMissing() const {
+  return kMissingCode;
+}
+
+bool CDataPort::WriteAppDataNumbers(ofstream& stream, long records, std::span<const double> cells) {
+  TellRecords(records + 1);
+  return WriteCells(stream, cells);
+}
+
+bool CDataPort::WriteCells(ofstream& stream, std::span<const double> cells) {
+  stream.write(reinterpret_cast<const char*>(cells.data()),
+               static_cast<std::streamsize>(cells.size_bytes()));
+  written_ += static_cast<std::int64_t>(cells.size_bytes());
+  side_.WriteBehind(written_);
   return stream.good();
+}
+
+void CDataPort::TellRecords(long records) {
+  if (records == 1) lastUpdate_ = GetTickCount();
+  if (!CanUpdateStatusInfo(lastUpdate_)) return;
+  WriteStatusInfo(boost::str(boost::format("Importing %1% record(s)") % records));
+  lastUpdate_ = GetTickCount();
 }
 
 bool CDataPort::UpdateAppDataRecordCount(ofstream& stream, const std::streampos& countPosition,

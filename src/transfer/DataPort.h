@@ -88,9 +88,13 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   void ReportNote(const string& text) override { notes_.push_back(text); }
   void ReportWriteError(const string& systemFileName, const string& reason) override;
   bool ReportProgress(double fraction) override;
+  std::optional<double> CellOfMissing() const override;
+  bool WriteAppDataNumbers(ofstream& stream, long records, std::span<const double> cells) override;
   void OnTextRead(const text_import_t& reader, const variables_t& variables) override;
 
  private:
+  bool WriteCells(ofstream& stream, std::span<const double> cells);
+  void TellRecords(long records);
   bool CanUpdateStatusInfo(std::int64_t last) const;
   void ResetStatusInfo() const;
   void WriteStatusInfo(const string& text) const;
@@ -121,6 +125,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   std::unique_ptr<CProgress> progress_;
   bool stopped_ = false;
   CSideFile side_;
+  std::int64_t written_ = 0;  // bytes of cells
   std::int64_t lastUpdate_ = 0;
   std::vector<double> row_;
   std::vector<string> notes_;

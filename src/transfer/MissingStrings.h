@@ -1,6 +1,8 @@
 // The texts that stand for a missing value in a text file.
 #pragma once
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +23,16 @@ class CMissingStrings {
 
   bool HasNumbers() const { return !numbers_.empty(); }
   bool HasText(std::string_view trimmed) const;
+  // Is one of the entries at `at`, where eight characters can be read? Returns how long it is, 0
+  // where none is. Looks only for those without a digit that are short, and not at what is behind.
+  std::size_t ShortTextAt(const char* at) const {
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, sizeof word);
+    for (const ShortText& entry : short_) {
+      if (((word & entry.mask) | entry.lower) == entry.text) return entry.length;
+    }
+    return 0;
+  }
   bool HasNumber(double number) const {
     for (const double entry : numbers_) {
       if (entry == number) return true;
@@ -29,9 +41,19 @@ class CMissingStrings {
   }
 
  private:
+  // Up to eight characters as a word, the first in the lowest byte.
+  struct ShortText {
+    explicit ShortText(std::string_view entry);
+    std::uint64_t text = 0;   // in lower case
+    std::uint64_t mask = 0;   // of all characters
+    std::uint64_t lower = 0;  // what makes letters lower case
+    std::size_t length = 0;
+  };
+
   std::vector<std::string> entries_;
   std::vector<std::string> texts_;  // trimmed, none of them empty
   std::vector<double> numbers_;     // of those that are numbers
+  std::vector<ShortText> short_;    // of those that ShortTextAt looks for
 };
 
 }  // namespace STUtils

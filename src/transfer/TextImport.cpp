@@ -8,22 +8,13 @@
 #include "host/statrn32.h"
 #include "transfer/ConvertData.h"
 #include "transfer/FileTypes.h"
+#include "transfer/TextCharacters.h"
 
 namespace STUtils {
 namespace {
 
 // Longer fields are no missing-value strings and need not be kept for the comparison.
 constexpr std::size_t kLongestCompared = 4096;
-
-constexpr bool IsLineEnd(char c) {
-  return c == '\n' || c == '\r';
-}
-constexpr bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\v' || c == '\f';
-}
-constexpr bool IsWhite(char c) {
-  return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 }  // namespace
 
@@ -281,11 +272,24 @@ void basic_text_import_t<CharT>::SetVariables(const variables_t& variables) {
                        : variable.type == ST_TYPE_STRING ? Column::Text
                                                          : Column::Number);
   }
+  FindNumbers();
 }
 
 template <typename CharT>
 void basic_text_import_t<CharT>::SetTextColumns(std::size_t count) {
   columns_.assign(count, Column::Text);
+  FindNumbers();
+}
+
+template <typename CharT>
+void basic_text_import_t<CharT>::FindNumbers() {
+  selected_ = 0;
+  numbersFrom_.assign(columns_.size(), 0);
+  for (std::size_t i = columns_.size(); i-- > 0;) {
+    if (columns_[i] != Column::Skipped) ++selected_;
+    if (columns_[i] != Column::Number) continue;
+    numbersFrom_[i] = 1 + (i + 1 < columns_.size() ? numbersFrom_[i + 1] : 0);
+  }
 }
 
 template <typename CharT>
@@ -301,12 +305,26 @@ bool basic_text_import_t<CharT>::StartRecords() {
 }
 
 template <typename CharT>
+void basic_text_import_t<CharT>::StartRecord() {
+  recordLine_ = line_;
+  unreadableNow_.clear();
+  quoteLine_ = 0;
+}
+
+// Makes the text reach further, so that the record can be read again. False where it does not.
+template <typename CharT>
+bool basic_text_import_t<CharT>::ReadOn() {
+  line_ = recordLine_;
+  if (NeedMore()) return true;
+  if (!IsFailed() && quoteLine_ > 0) Fail(quoteLine_, "a quote opens here and does not close");
+  return false;
+}
+
+template <typename CharT>
 bool basic_text_import_t<CharT>::ReadRecord(values_t& values) {
   if (columns_.empty()) return false;
   while (!IsFailed()) {
-    recordLine_ = line_;
-    unreadableNow_.clear();
-    quoteLine_ = 0;
+    StartRecord();
     const Outcome outcome = at_ == limit_
                                 ? Outcome::NeedsMore
                                 : (layout_ == Layout::Free ? ReadFree(values) : ReadLine(values));
@@ -314,12 +332,7 @@ bool basic_text_import_t<CharT>::ReadRecord(values_t& values) {
       if (!unreadableNow_.empty()) Count();
       return true;
     }
-    if (outcome == Outcome::End) return false;
-    line_ = recordLine_;
-    if (!NeedMore()) {
-      if (!IsFailed() && quoteLine_ > 0) Fail(quoteLine_, "a quote opens here and does not close");
-      return false;
-    }
+    if (outcome == Outcome::End || !ReadOn()) return false;
   }
   return false;
 }

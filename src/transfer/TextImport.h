@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -88,6 +89,15 @@ class basic_text_import_t : public basic_text_transfer_t<CharT> {
   // after an error.
   bool ReadRecord(values_t& values);
 
+  std::size_t SelectedColumns() const { return selected_; }
+  // Cells that ReadNumbers needs for its own use behind those of the records.
+  static constexpr std::size_t kSpareCells = kOneDigitFields;
+  // Reads the next records straight into cells: of each record those of the selected variables, and
+  // `missing` where a value is missing, is a missing-value string or number, or has a variable of
+  // texts. As many as there is room for without the spare cells; fewer at the end and where an
+  // error follows. Returns how many there are.
+  std::size_t ReadNumbers(double missing, std::span<double> cells);
+
   // The part of the file that has been read, 0 to 1.
   double Fraction() const { return source_.Fraction(); }
   // By column, for the records since StartRecords.
@@ -121,9 +131,17 @@ class basic_text_import_t : public basic_text_transfer_t<CharT> {
   const CharT* ReadQuotedField(const CharT* at, std::string_view& text);
   const CharT* EndOfField(const CharT* at) const;
 
+  void FindNumbers();
+  void StartRecord();
+  bool ReadOn();
   Outcome ReadLine(values_t& values);
   Outcome ReadFree(values_t& values);
   Outcome SkipFurtherFields(const CharT* at);
+  bool ReadRow(double missing, double* cells);
+  Outcome ReadCells(double missing, double* cells);
+  const CharT* ReadOtherCell(const CharT* at, std::size_t column, double missing, double* cell);
+  double CellOf(const basic_variable_data_t<CharT>& value, double missing) const;
+  void PutMissing(double missing, std::span<double> cells) const;
   const CharT* ReadOther(const CharT* at, std::size_t column, basic_variable_data_t<CharT>& value);
   void Convert(std::size_t column, std::string_view text, basic_variable_data_t<CharT>& value);
   std::optional<double> Number(std::string_view text, bool& whole) const;
@@ -148,6 +166,9 @@ class basic_text_import_t : public basic_text_transfer_t<CharT> {
   mutable string numberText_;
 
   std::vector<Column> columns_;
+  std::vector<std::size_t> numbersFrom_;  // columns of numbers from each column to the next other
+  std::size_t selected_ = 0;              // columns that are not skipped
+  values_t rowValues_;                    // where a record cannot be read straight into cells
   std::vector<UnreadableFields> unreadable_;
   std::vector<std::size_t> unreadableNow_;  // columns of the record that is being read
   std::size_t fieldsLeft_ = 0;

@@ -6,8 +6,6 @@
 
 #include <sys/stat.h>
 
-#include "host/NumberScan.h"
-
 namespace STUtils {
 namespace {
 
@@ -53,14 +51,14 @@ void CTextSource::Rewind() {
 }
 
 void CTextSource::Reserve(std::size_t bytes) {
-  const std::size_t needed = used_ + bytes + kNumberScanPadding + 2;  // a line end and a zero
+  const std::size_t needed = used_ + bytes + 2 * kNumberScanPadding + 2;  // a line end and a zero
   if (buffer_.size() < needed) buffer_.resize(std::max(needed, buffer_.size() * 2));
 }
 
 bool CTextSource::More(const char* from) {
-  const auto keepFrom = static_cast<std::size_t>(from - buffer_.data());
+  const auto keepFrom = static_cast<std::size_t>(from - Begin());
   used_ -= keepFrom;
-  std::memmove(buffer_.data(), from, used_);
+  std::memmove(Text(), from, used_);
   if (AtEnd()) return false;
   return encoding_ == TextEncoding::Utf8 ? ReadPlain() : ReadConverted();
 }
@@ -68,7 +66,7 @@ bool CTextSource::More(const char* from) {
 bool CTextSource::ReadPlain() {
   const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(kReadBytes, size_ - offset_));
   Reserve(wanted);
-  const std::int64_t got = ReadAt(file_.Get(), offset_, buffer_.data() + used_, wanted);
+  const std::int64_t got = ReadAt(file_.Get(), offset_, Text() + used_, wanted);
   if (got <= 0) {
     error_ = got < 0 ? std::strerror(errno) : "";
     offset_ = size_;
@@ -82,10 +80,10 @@ bool CTextSource::ReadPlain() {
 
 // The last line gets an end where it has none; what stands behind the text is no line end.
 void CTextSource::EndText() {
-  if (AtEnd() && used_ > 0 && buffer_[used_ - 1] != '\n' && buffer_[used_ - 1] != '\r') {
-    buffer_[used_++] = '\n';
+  if (AtEnd() && used_ > 0 && Text()[used_ - 1] != '\n' && Text()[used_ - 1] != '\r') {
+    Text()[used_++] = '\n';
   }
-  buffer_[used_] = '\0';
+  Text()[used_] = '\0';
 }
 
 bool CTextSource::ReadConverted() {
@@ -103,7 +101,7 @@ bool CTextSource::ReadConverted() {
   converted_.clear();
   raw_.erase(0, AppendAsUtf8(raw_, encoding_, AtEnd(), converted_));
   Reserve(converted_.size());
-  std::memcpy(buffer_.data() + used_, converted_.data(), converted_.size());
+  std::memcpy(Text() + used_, converted_.data(), converted_.size());
   used_ += converted_.size();
   EndText();
   return true;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/NumberScan.h"
 #include "transfer/TextEncoding.h"
 #include "vexutils/BlockIo.h"
 
@@ -32,8 +33,8 @@ class CTextSource {
   // text from `from` on is kept and more is put behind it. False when there was no more, or reading
   // failed (then Error() is not empty). Pointers into the text are valid until the next call.
   bool More(const char* from);
-  const char* Begin() const { return buffer_.data(); }
-  const char* End() const { return buffer_.data() + used_; }
+  const char* Begin() const { return buffer_.data() + kNumberScanPadding; }
+  const char* End() const { return Begin() + used_; }
   // Is there nothing behind End()?
   bool AtEnd() const { return offset_ >= size_; }
 
@@ -47,6 +48,7 @@ class CTextSource {
   bool ReadConverted();
   void EndText();
   void Reserve(std::size_t bytes);
+  char* Text() { return buffer_.data() + kNumberScanPadding; }
 
   CDescriptor file_;
   std::string error_;
@@ -54,7 +56,7 @@ class CTextSource {
   std::int64_t size_ = 0;
   std::timespec changed_{};
   std::int64_t offset_ = 0;   // of the next byte to read
-  std::vector<char> buffer_;  // `used_` bytes of text, then room that number scanning may touch
+  std::vector<char> buffer_;  // `used_` bytes of text amid room that number scanning may touch
   std::size_t used_ = 0;
   std::string raw_;        // bytes of the file that are no whole character yet
   std::string converted_;  // of one block

@@ -90,6 +90,7 @@ bool CSideFile::Fail() {
 bool CSideFile::Create(const std::string& target) {
   Discard();
   error_ = 0;
+  behind_ = 0;
   target_ = Resolved(target);
   struct stat info {};
   const bool exists = stat(target_.c_str(), &info) == 0;
@@ -104,6 +105,20 @@ bool CSideFile::Create(const std::string& target) {
   if (exists && fchown(descriptor_, info.st_uid, info.st_gid) != 0) errno = 0;
   if (fchmod(descriptor_, exists ? info.st_mode & 07777 : ModeOfNewFile()) != 0) return Fail();
   return true;
+}
+
+void CSideFile::WriteBehind(std::int64_t written) {
+#ifdef SYNC_FILE_RANGE_WRITE
+  constexpr std::int64_t kPiece = std::int64_t{8} << 20;
+  if (written - behind_ < kPiece) return;
+  const std::int64_t end = written - written % kPiece;
+  const int before = errno;
+  sync_file_range(descriptor_, behind_, end - behind_, SYNC_FILE_RANGE_WRITE);
+  errno = before;
+  behind_ = end;
+#else
+  (void)written;
+#endif
 }
 
 bool CSideFile::Commit() {

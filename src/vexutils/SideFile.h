@@ -1,6 +1,7 @@
 // A file written beside its target that takes the target's place at once or not at all.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 // Use: Create, write through Descriptor() (or by Path()), Commit. What was not committed is removed
@@ -17,6 +18,10 @@ class CSideFile {
   // mode and owner of an existing target. Fails where the target is a folder or special file, or is
   // marked read-only.
   bool Create(const std::string& target);
+
+  // Has the disk take the first `written` bytes while more is being made, a good piece at a time,
+  // so that Commit has less to wait for. Only a hint: what fails here fails at the Commit.
+  void WriteBehind(std::int64_t written);
 
   // Syncs the side file, renames it over the target and syncs the folder.
   bool Commit();
@@ -41,5 +46,6 @@ class CSideFile {
   std::string target_;
   std::string path_;
   int descriptor_ = -1;
+  std::int64_t behind_ = 0;  // bytes that the disk was told to take
   int error_ = 0;
 };

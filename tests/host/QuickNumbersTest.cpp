@@ -24,15 +24,17 @@ CString StandardShortest(double value) {
 
 // Reads what it can in the quick way and compares bits; returns whether it could.
 bool ScansExactly(const CString& text, char mark = '.') {
-  CString padded = text + '\n' + CString(kNumberScanPadding, '9');
+  const CString around(kNumberScanPadding, '9');
+  const CString padded = around + text + '\n' + around;
+  const char* const begin = padded.data() + kNumberScanPadding;
   double value = 0;
-  const char* const end = ScanNumber(padded.data(), mark, value);
+  const char* const end = ScanNumber(begin, mark, value);
   if (end == nullptr) return false;
   CString plain = text;
   for (char& c : plain) c = c == mark ? '.' : c;
   double expected = 0;
   const auto result = std::from_chars(plain.data(), plain.data() + plain.size(), expected);
-  EXPECT_EQ(end - padded.data(), result.ptr - plain.data()) << text;
+  EXPECT_EQ(end - begin, result.ptr - plain.data()) << text;
   EXPECT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << text;
   return true;
 }
