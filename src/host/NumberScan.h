@@ -92,13 +92,13 @@ inline const char* ScanSixteen(const char* at, char mark, double& value) {
   const unsigned negative = *at == '-' ? 1 : 0;
   const unsigned others = ~(areDigits | negative);  // a bit set for each, and all behind the text
   const unsigned first = others & (0 - others);
-  const auto marks =
-      static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, _mm_set1_epi8(mark))));
-  const int end = std::countr_zero(others ^ (first & marks));
-  const int marked = (first & marks) != 0 ? 1 : 0;
+  const unsigned marks =
+      first & static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(text, _mm_set1_epi8(mark))));
+  const int end = std::countr_zero(others ^ marks);
+  const int marked = marks != 0 ? 1 : 0;
   const int count = end - marked - static_cast<int>(negative);
   if (end == 16 || count == 0 || (at[end] | 0x20) == 'e') return nullptr;
-  const int places = marked != 0 ? end - 1 - std::countr_zero(first) : 0;
+  const int places = end - marked - std::countr_zero(first);
   const __m128i behind = LastBytes(places);
   const __m128i joined =
       _mm_or_si128(_mm_and_si128(behind, SixteenFrom(at + end - 16)),

@@ -56,6 +56,7 @@ template <typename CharT>
 auto basic_text_import_t<CharT>::ReadCells(double missing, double* cells) -> Outcome {
   const CharT* at = at_;
   const CharT separator = separator_;
+  const char mark = mark_;
   const std::size_t count = columns_.size();
   double* const end = cells + selected_;
   if (IsWhite(*at) && count > 1) {
@@ -63,27 +64,32 @@ auto basic_text_import_t<CharT>::ReadCells(double missing, double* cells) -> Out
     at = at_;
   }
   for (std::size_t i = 0; i < count;) {
-    const std::size_t numbers = numbersFrom_[i];
-    if (at[1] == separator && numbers > 0) {
-      const std::size_t fields = std::min(ScanOneDigitFields(at, separator, cells), numbers);
-      at += 2 * fields;
-      cells += fields;
-      i += fields;
-      if (fields > 0) continue;
+    const CharT* next = nullptr;
+    if (const std::size_t numbers = numbersFrom_[i]; numbers > 0) {
+      if (at[1] == separator) {
+        const std::size_t fields = std::min(ScanOneDigitFields(at, separator, cells), numbers);
+        at += 2 * fields;
+        cells += fields;
+        i += fields;
+        if (fields > 0) continue;
+      }
+      next = ScanNumber(at, mark, *cells);
+      if (next != nullptr && *next == separator) {
+        at = next + 1;
+        ++cells;
+        ++i;
+        continue;
+      }
     }
-    const CharT* next = numbers > 0 ? ScanNumber(at, mark_, *cells) : nullptr;
-    if (next == nullptr || (*next != separator && !IsLineEnd(*next))) {
-      next = ReadOtherCell(at, i, missing, cells);
-      if (next == nullptr) return Outcome::NeedsMore;
-    }
+    if (next == nullptr || !IsLineEnd(*next)) next = ReadOtherCell(at, i, missing, cells);
+    if (next == nullptr) return Outcome::NeedsMore;
     if (columns_[i] != Column::Skipped) ++cells;
-    at = next;
-    if (IsLineEnd(*at)) {
+    if (IsLineEnd(*next)) {
       std::fill(cells, end, missing);
-      at_ = SkipLineEnd(at);
+      at_ = SkipLineEnd(next);
       return Outcome::Read;
     }
-    ++at;
+    at = next + 1;
     ++i;
   }
   return SkipFurtherFields(at);
