@@ -38,6 +38,30 @@ void Compare(reader_t& reader, const std::vector<record_t>& records, std::size_t
   }
 }
 
+// Records straight into cells, in blocks of a size that depends on the file, are the same records.
+void CompareCells(reader_t& reader, const std::vector<record_t>& records) {
+  constexpr double kMissing = -999999;
+  const std::size_t width = reader.SelectedColumns();
+  if (width == 0 || !reader.StartRecords()) return;
+  std::vector<double> cells((1 + records.size() % 7) * width + reader_t::kSpareCells);
+  std::size_t at = 0;
+  while (at < records.size()) {
+    const std::size_t got = reader.ReadNumbers(kMissing, cells);
+    if (got == 0) std::abort();
+    const double* cell = cells.data();
+    for (std::size_t i = 0; i < got && at < records.size(); ++i, ++at) {
+      for (const STUtils::variable_data_t& value : records[at]) {
+        if (value.kind == 0) continue;  // not selected
+        const bool missing = value.kind != 1 || value.missing;
+        const double expected = missing ? kMissing : value.value;
+        if (std::bit_cast<std::uint64_t>(*cell++) != std::bit_cast<std::uint64_t>(expected)) {
+          std::abort();
+        }
+      }
+    }
+  }
+}
+
 void ReadAll(reader_t& reader) {
   bool hasNames = false;
   std::vector<STUtils::variable_info_t> variables;
@@ -60,6 +84,8 @@ void ReadAll(reader_t& reader) {
     }
     if (compared.size() * variables.size() < kMostCompared) compared.push_back(values);
   }
+  reader.ClearError();
+  CompareCells(reader, compared);
   reader.ClearError();
   Compare(reader, compared, variables.size());
 }

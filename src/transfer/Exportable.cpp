@@ -102,6 +102,7 @@ bool basic_exportable_t<CharT, CountT>::ExportTextData(const string& name, int t
   }
   const auto buffer = std::make_unique<CharT[]>(kTransferBytes);
   basic_text_export_t<CharT> target;  // closed before its buffer goes
+  target.side = &side;
   target.stream.rdbuf()->pubsetbuf(buffer.get(), static_cast<std::streamsize>(kTransferBytes));
   bool written =
       OpenExportFile(side.Path(), type, delimiter, target) && WriteTextRecords(target, variables);
@@ -181,12 +182,15 @@ bool basic_exportable_t<CharT, CountT>::WriteNumberLines(basic_text_export_t<Cha
                                                          CountT& record) {
   if (variables.empty()) return true;
   CNumberLines lines(variables.size(), target.Separator());
+  std::int64_t written = 0;
   for (;;) {
     const std::span<const double> cells = GetAppNumbers(record, variables);
     if (cells.empty()) return true;
     if (!StepProgress(record)) return false;
     const std::string_view text = lines.Text(cells);
     if (!target.stream.write(text.data(), static_cast<std::streamsize>(text.size()))) return false;
+    written += static_cast<std::int64_t>(text.size());
+    if (target.side != nullptr) target.side->WriteBehind(written);
     record += static_cast<CountT>(cells.size() / variables.size());
   }
 }

@@ -7,6 +7,8 @@
 #include "transfer/TextTransfer.h"
 #include "transfer/TransferTypes.h"
 
+class CSideFile;
+
 namespace STUtils {
 
 template <typename CharT>
@@ -14,6 +16,7 @@ class basic_text_export_t : public basic_text_transfer_t<CharT> {
  public:
   std::basic_ofstream<CharT> stream;
   std::basic_string<CharT> line;  // room of the line that is being put together
+  CSideFile* side = nullptr;      // that the stream goes to; null for standard output
 };
 
 // Appends a value as a text file holds it: nothing for a missing one; a string in double quotes

@@ -1,4 +1,5 @@
 // The quick ways of reading and writing numbers against the exact ones.
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -45,6 +46,16 @@ std::vector<double> Samples() {
       0.1,        0.5,  1e-7,  9.9e-8,  123456.789, 0.001,
       1e13,       1e14, 0.3,   99999.5, 1e-6,       0.000123,
       1e15 + 0.5, 4.35, 2.675, 1.005,   5e-324,     1.7976931348623157e308};
+  // Where one way of writing ends and another begins.
+  for (const double limit : {1e-7, 1e-4, 1e-3, 1e-2, 0.1, 1.0, 1e7, 1e8, 1e14}) {
+    double below = limit;
+    double above = limit;
+    for (int i = 0; i < 100; ++i) {
+      for (const double near : {below, above}) values.insert(values.end(), {near, -near});
+      below = i % 2 == 0 ? std::nextafter(below, 0) : below - limit / 1e8;
+      above = i % 2 == 0 ? std::nextafter(above, 1e300) : above + limit / 1e8;
+    }
+  }
   for (double power = 1; power < 1e17; power *= 10) {
     for (const double near : {power - 1, power, power + 1}) {
       values.push_back(near);
@@ -115,4 +126,28 @@ TEST(ScanNumber, TakesPlainNumbersAndLeavesOthers) {
                {"1e-", false}};
   for (const auto& c : cases) EXPECT_EQ(ScansExactly(c.text), c.taken) << '"' << c.text << '"';
   EXPECT_TRUE(ScansExactly("-1234,5625", ','));
+}
+
+TEST(ScanOneDigitFields, TakesThoseNextToEachOther) {
+  const struct {
+    const char* text;
+    std::vector<double> fields;
+  } cases[] = {{"1,2,3,4,5,6,7,8,9,", {1, 2, 3, 4, 5, 6, 7, 8}},
+               {"0,9,12,3,", {0, 9}},
+               {"1,2,3\n4,", {1, 2}},
+               {"4,,5,", {4}},
+               {"NA,1,", {}},
+               {"-1,1,", {}},
+               {"3;4,", {}},
+               {",,", {}},
+               {"1,:,2,", {1}},
+               {"1,/,2,", {1}}};
+  for (const auto& c : cases) {
+    const CString padded = c.text + CString(kNumberScanPadding, '\n');
+    std::array<double, kOneDigitFields> cells{};
+    const std::size_t count = ScanOneDigitFields(padded.data(), ',', cells.data());
+    EXPECT_EQ(std::vector<double>(cells.begin(), cells.begin() + static_cast<long>(count)),
+              c.fields)
+        << c.text;
+  }
 }

@@ -181,3 +181,23 @@ TEST(SideFile, KeepsNoEmptyPart) {
   EXPECT_EQ(side.KeepPart(), "");
   EXPECT_EQ(folder.FileCount(), 0u);
 }
+
+TEST(SideFile, HoldsAllThatWasWrittenWhateverTheDiskWasTold) {
+  const TempFolder folder;
+  const std::string piece(std::size_t{3} << 20, 'x');
+  CSideFile side;
+  ASSERT_TRUE(side.Create(folder / "data"));
+  std::int64_t written = 0;
+  for (int i = 0; i < 7; ++i) {
+    ASSERT_TRUE(WriteAt(side.Descriptor(), written, piece.data(), piece.size()));
+    written += static_cast<std::int64_t>(piece.size());
+    errno = 0;
+    side.WriteBehind(written + i * 100);
+    EXPECT_EQ(errno, 0);
+  }
+  ASSERT_TRUE(WriteAt(side.Descriptor(), 0, "head", 4)) << "behind what the disk has taken";
+  ASSERT_TRUE(side.Commit());
+  const std::string bytes = ReadBytes(folder / "data");
+  EXPECT_EQ(bytes.size(), 7 * piece.size());
+  EXPECT_EQ(bytes.substr(0, 5), "headx");
+}
