@@ -372,6 +372,9 @@ constexpr const char* kMinitabNotPortable =
 constexpr RELATIVE kRelatives[] = {
     {22, std::string_view("\x1c\0\0\0\0\0\0\0ENCRYPTED", 17),
      "this is an encrypted SPSS file; please save it without a password first", true},
+    {22, "$FL",
+     "this is an SPSS file of a form that is not read; please save it in SPSS as a plain or "
+     "compressed file (*.sav, *.zsav) or as a portable file (*.por)"},
     {12, "**COMPRESSED**",
      "this is a SAS file made by PROC CPORT; please make a transport file with PROC COPY and the "
      "XPORT engine",
@@ -396,7 +399,14 @@ constexpr RELATIVE kRelatives[] = {
     {17, "## Dump S",
      "this is a dump of the new style; please write it with data.dump(..., oldStyle = T)"},
     {900, kCompoundMagic,
-     "this is a workbook protected by a password; please save it without one first"},
+     "this is a workbook of Excel 97 to 2003 (*.xls), or one protected by a password; please "
+     "choose "
+     "the type Excel for the one, save the other without the password first"},
+    {902,
+     {},
+     "this is no SQLite database; one that is encrypted (SQLCipher) must be exported without its "
+     "key "
+     "first, or its table as text (*.csv)"},
 };
 
 }  // namespace

@@ -53,6 +53,7 @@ class COdsWorkbook final : public CWorkbook {
   bool Load(std::size_t sheet, CSheet* out) override;
 
  private:
+  bool IsEncrypted();
   void BeginNode(const CXmlReader& xml);
   bool EndNode(const CXmlReader& xml, CSheet* out);
   bool PutRow(CSheet* out);
@@ -77,6 +78,9 @@ class COdsWorkbook final : public CWorkbook {
 bool COdsWorkbook::Open(const std::string& name, const READ_OPTIONS& /*options*/) {
   std::string error;
   if (!package_.Open(name, &error)) return Fail(error);
+  if (IsEncrypted()) {
+    return Fail("this is a spreadsheet protected by a password; please save it without one first");
+  }
   if (!package_.Has("content.xml")) return Fail("this package holds no spreadsheet");
   const bool listed = package_.ReadPart("content.xml", [&](const CZipFile::READ& read) {
     CXmlReader xml(read);
@@ -89,7 +93,21 @@ bool COdsWorkbook::Open(const std::string& name, const READ_OPTIONS& /*options*/
       depth += node == NODE::Begin ? 1 : -1;
     }
   });
-  return listed || Fail("the content is damaged, or protected by a password");
+  return listed || Fail("the content is damaged");
+}
+
+// Its list of parts tells of a part how it was encrypted; later versions put all parts into one.
+bool COdsWorkbook::IsEncrypted() {
+  bool encrypted = package_.Has("encrypted-package");
+  package_.ReadPart("META-INF/manifest.xml", [&](const CZipFile::READ& read) {
+    CXmlReader xml(read);
+    for (NODE node = xml.Next(); node != NODE::Finished && node != NODE::Damaged;
+         node = xml.Next()) {
+      encrypted |= node == NODE::Begin && xml.Name() == "encryption-data";
+    }
+    return true;
+  });
+  return encrypted;
 }
 
 bool COdsWorkbook::Load(std::size_t sheet, CSheet* out) {

@@ -1,5 +1,6 @@
 #include "statrn32/StataFiles.h"
 
+#include <charconv>
 #include <readstat.h>
 #include <string>
 
@@ -14,6 +15,8 @@ namespace {
 constexpr std::string_view kTagged = "<stata_dta>";
 constexpr int kOldestVersion = 104;
 constexpr int kNewestUntagged = 115;
+constexpr int kOldestTagged = 117;
+constexpr int kNewest = 119;
 // What a variable takes at least: its type, name, place in the sort list, format, label's name and
 // label.
 constexpr std::int64_t kBytesPerVariable = 1 + 9 + 2 + 7 + 9 + 32;
@@ -34,6 +37,14 @@ bool CheckDta(CInputFile* input, std::string* error) {
   in.Bytes(version, tagged ? 3 : 1);
   std::uint64_t variables = 0;
   if (tagged) {
+    int release = 0;
+    std::from_chars(version, version + sizeof version, release);
+    if (in.Ok() && (release < kOldestTagged || release > kNewest)) {
+      *error = "this is a Stata file of the release " + std::string(version, sizeof version) +
+               ", which is not read (104 to 119 are); please save it in Stata with saveold, or as "
+               "text (*.csv)";
+      return false;
+    }
     in.Skip(kToOrder);
     char order[3] = {};
     in.Bytes(order, 3);
