@@ -5,6 +5,7 @@
 #include "statrn32/AccessFiles.h"
 #include "statrn32/AccessPages.h"
 #include "statrn32/AccessTable.h"
+#include "statrn32/AccessValues.h"
 #include "statrn32/ByteReader.h"
 #include "statrn32/FileReader.h"
 #include "statrn32/TableChoice.h"
@@ -15,59 +16,6 @@ namespace {
 
 constexpr std::uint32_t kCatalogue = 2;  // the page that describes the list of tables
 constexpr std::size_t kMostTables = 32768;
-
-bool IsText(ACCESS_TYPE type) {
-  return type == ACCESS_TYPE::Text || type == ACCESS_TYPE::Memo || type == ACCESS_TYPE::Guid;
-}
-
-bool IsRead(ACCESS_TYPE type) {
-  switch (type) {
-    case ACCESS_TYPE::Logical:
-    case ACCESS_TYPE::Byte:
-    case ACCESS_TYPE::Int16:
-    case ACCESS_TYPE::Int32:
-    case ACCESS_TYPE::Money:
-    case ACCESS_TYPE::Float:
-    case ACCESS_TYPE::Double:
-    case ACCESS_TYPE::Moment:
-    case ACCESS_TYPE::Decimal:
-    case ACCESS_TYPE::Int64:
-      return true;
-    default:
-      return IsText(type);
-  }
-}
-
-// Days from the epoch; the time of day counts forward, also before the epoch.
-double MomentOf(double stored) {
-  const double day = std::trunc(stored);
-  return day + std::fabs(stored - day);
-}
-
-// A sign, then four words of 32 bits, the most significant first.
-double DecimalOf(std::string_view bytes, unsigned scale) {
-  constexpr unsigned kNegative = 0x80;
-  CByteReader in(bytes);
-  const bool negative = (in.U8() & kNegative) != 0;
-  long double number = 0;
-  for (int i = 0; i < 4; ++i) number = number * 4294967296.0L + in.U32();
-  number /= std::pow(10.0L, static_cast<int>(scale));
-  return static_cast<double>(negative ? -number : number);
-}
-
-std::string GuidText(std::string_view bytes) {
-  CByteReader in(bytes);
-  char text[40];
-  const std::uint32_t first = in.U32();
-  const unsigned second = in.U16();
-  const unsigned third = in.U16();
-  in.SetBigEndian(true);
-  const unsigned fourth = in.U16();
-  const auto last = static_cast<unsigned long long>(in.Unsigned(6));
-  std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%04X-%012llX}", first, second, third, fourth,
-                last);
-  return text;
-}
 
 class CAccessReader final : public CFileReader {
  public:
@@ -98,7 +46,6 @@ class CAccessReader final : public CFileReader {
   bool ListTables();
   VARIABLE VariableOf(const ACCESS_COLUMN& column) const;
   void FillField(const ACCESS_COLUMN& column, const CAccessRow& row, CBlockFiller* out);
-  bool NumberOf(const ACCESS_COLUMN& column, std::string_view bytes, double* number) const;
   void FillText(const ACCESS_COLUMN& column, std::string_view bytes, CBlockFiller* out);
   bool ReadMemo(std::string_view field, std::string* out);
   void AppendText(std::string_view bytes, std::string* utf8);
@@ -211,7 +158,7 @@ bool CAccessReader::ReadHeader(DICTIONARY* out) {
     return FailFile("the description of the table \"" + names_[chosen_] + "\" is damaged");
   }
   for (const ACCESS_COLUMN& column : scan_.table.columns) {
-    if (IsRead(column.type)) {
+    if (IsAccessValue(column.type)) {
       columns_.push_back(column);
       out->variables.push_back(VariableOf(column));
     } else {
@@ -257,7 +204,7 @@ VARIABLE CAccessReader::VariableOf(const ACCESS_COLUMN& column) const {
     default:
       break;
   }
-  if (IsText(column.type)) variable.type = ST_TYPE_STRING;
+  if (IsAccessText(column.type)) variable.type = ST_TYPE_STRING;
   return variable;
 }
 
@@ -272,49 +219,13 @@ void CAccessReader::FillField(const ACCESS_COLUMN& column, const CAccessRow& row
                               CBlockFiller* out) {
   if (column.type == ACCESS_TYPE::Logical) return out->Number(row.Bit(column) ? 1 : 0);
   const std::string_view bytes = row.Field(column);
-  if (IsText(column.type)) {
+  if (IsAccessText(column.type)) {
     if (!row.Bit(column)) return out->Text({}, ST_STATUS_MISSING);
     return FillText(column, bytes, out);
   }
   double number = 0;
-  const bool there = NumberOf(column, bytes, &number) && std::isfinite(number);
+  const bool there = AccessNumber(column, bytes, &number) && std::isfinite(number);
   there ? out->Number(number) : out->MissingNumber(ST_STATUS_MISSING);
-}
-
-bool CAccessReader::NumberOf(const ACCESS_COLUMN& column, std::string_view bytes,
-                             double* number) const {
-  constexpr double kMoneyUnits = 10000;
-  CByteReader in(bytes);
-  switch (column.type) {
-    case ACCESS_TYPE::Byte:
-      *number = in.U8();
-      break;
-    case ACCESS_TYPE::Int16:
-      *number = in.I16();
-      break;
-    case ACCESS_TYPE::Int32:
-      *number = in.I32();
-      break;
-    case ACCESS_TYPE::Int64:
-      *number = static_cast<double>(in.I64());
-      break;
-    case ACCESS_TYPE::Money:
-      *number = static_cast<double>(in.I64()) / kMoneyUnits;
-      break;
-    case ACCESS_TYPE::Float:
-      *number = in.F32();
-      break;
-    case ACCESS_TYPE::Double:
-      *number = in.F64();
-      break;
-    case ACCESS_TYPE::Moment:
-      *number = MomentOf(in.F64());
-      break;
-    default:
-      *number = DecimalOf(bytes, column.scale);
-      return bytes.size() >= column.bytes;
-  }
-  return in.Ok();
 }
 
 void CAccessReader::FillText(const ACCESS_COLUMN& column, std::string_view bytes,

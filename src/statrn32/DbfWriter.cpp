@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <ctime>
 
@@ -8,6 +6,7 @@
 #include "statrn32/ByteWriter.h"
 #include "statrn32/DbfFiles.h"
 #include "statrn32/FileWriter.h"
+#include "statrn32/FixedNumbers.h"
 #include "statrn32/TextEncoder.h"
 
 namespace statrn32 {
@@ -29,11 +28,10 @@ class CDbfWriter final : public CFileWriter {
 
  private:
   static std::size_t WidthOf(const VARIABLE& variable);
-  void AppendNumber(double number);
 
   CTextEncoder encoder_;
   std::string record_;
-  std::int64_t rounded_ = 0;
+  CFixedNumbers numbers_{kNumberBytes};
 };
 
 std::size_t CDbfWriter::WidthOf(const VARIABLE& variable) {
@@ -76,38 +74,17 @@ bool CDbfWriter::PutRecord(const std::vector<OUT_CELL>& cells) {
     if (variable.type == ST_TYPE_STRING) {
       if (!cells[i].missing) record_ += encoder_.Encode(cells[i].text);
     } else if (!cells[i].missing && !std::isnan(cells[i].number)) {
-      AppendNumber(cells[i].number);
+      numbers_.Append(cells[i].number, &record_);
     }
     record_.resize(end, ' ');
   }
   return Put(record_);
 }
 
-// The shortest text that reads back equal where it fits, else as many digits as fit. Numbers stand
-// at the right end of their field.
-void CDbfWriter::AppendNumber(double number) {
-  std::array<char, 40> text;
-  char* const last = text.data() + text.size();
-  char* end = std::to_chars(text.data(), last, number).ptr;
-  const auto fits = [&] { return end - text.data() <= static_cast<std::ptrdiff_t>(kNumberBytes); };
-  if (!fits()) ++rounded_;
-  for (int digits = 17; !fits(); --digits) {
-    end = std::to_chars(text.data(), last, number, std::chars_format::general, digits).ptr;
-  }
-  const auto bytes = static_cast<std::size_t>(end - text.data());
-  record_.append(kNumberBytes - bytes, ' ').append(text.data(), bytes);
-}
-
 std::vector<std::string> CDbfWriter::Notes() const {
   std::vector<std::string> notes;
-  if (rounded_ > 0) {
-    notes.push_back("Numbers that were rounded to 20 characters: " + std::to_string(rounded_) +
-                    ".");
-  }
-  if (encoder_.Lost() > 0) {
-    notes.push_back("Letters that became a question mark: " + std::to_string(encoder_.Lost()) +
-                    ".");
-  }
+  numbers_.Note(&notes);
+  encoder_.Note(&notes);
   return notes;
 }
 

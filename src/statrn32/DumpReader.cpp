@@ -7,6 +7,7 @@
 #include "host/statrn32.h"
 #include "statrn32/DumpFiles.h"
 #include "statrn32/FileReader.h"
+#include "statrn32/TableChoice.h"
 
 namespace statrn32 {
 namespace {
@@ -34,7 +35,7 @@ class CDumpReader final : public CFileReader {
   void FillBlock(CBlockFiller* out) override;
 
  private:
-  const DUMP_NODE* Choose();
+  bool Choose();
   void AddColumns(const DUMP_NODE& node, const std::string& name);
   void AddStructure(const DUMP_NODE& node, const std::string& name);
   void AddMatrix(const DUMP_NODE& data, const DUMP_NODE& dims, const DUMP_NODE* names);
@@ -46,7 +47,7 @@ class CDumpReader final : public CFileReader {
   DUMP_OBJECTS dump_;
   std::vector<COLUMN> columns_;
   std::vector<std::string> leftOut_;
-  std::string chosen_;
+  std::size_t chosen_ = 0;  // of the objects
   std::size_t rows_ = 0;
   std::size_t next_ = 0;
 };
@@ -66,27 +67,26 @@ std::vector<std::string> CDumpReader::Tables() const {
 }
 
 // The one asked for, else the first with several parts, else the first.
-const DUMP_NODE* CDumpReader::Choose() {
-  if (dump_.objects.empty()) {
-    FailFile("there is no object in it");
-    return nullptr;
+bool CDumpReader::Choose() {
+  if (dump_.objects.empty()) return FailFile("there is no object in it");
+  chosen_ = ChooseTable(Tables(), Options().table);
+  if (chosen_ == dump_.objects.size()) {
+    return FailFile("there is no object \"" + Options().table +
+                    "\"; there are: " + boost::algorithm::join(Tables(), ", "));
   }
-  const std::string& wanted = Options().table;
-  for (const DUMP_NODE& object : dump_.objects) {
-    if (wanted.empty() ? object.kind == DUMP_NODE::Parts : object.name == wanted) return &object;
+  for (std::size_t i = 0; Options().table.empty() && i < dump_.objects.size(); ++i) {
+    if (dump_.objects[i].kind != DUMP_NODE::Parts) continue;
+    chosen_ = i;
+    break;
   }
-  if (wanted.empty()) return &dump_.objects[0];
-  FailFile("there is no object \"" + wanted +
-           "\"; there are: " + boost::algorithm::join(Tables(), ", "));
-  return nullptr;
+  return true;
 }
 
 bool CDumpReader::ReadHeader(DICTIONARY* out) {
-  const DUMP_NODE* const object = Choose();
-  if (object == nullptr) return false;
-  chosen_ = object->name;
-  AddColumns(*object, object->name);
-  if (columns_.empty()) return FailFile("the object " + chosen_ + " holds no values");
+  if (!Choose()) return false;
+  const DUMP_NODE& object = dump_.objects[chosen_];
+  AddColumns(object, object.name);
+  if (columns_.empty()) return FailFile("the object " + object.name + " holds no values");
   for (const COLUMN& column : columns_) out->variables.push_back(VariableOf(column, out));
   out->cases = static_cast<std::int64_t>(rows_);
   return true;
@@ -204,9 +204,8 @@ void CDumpReader::FillBlock(CBlockFiller* out) {
 
 std::vector<std::string> CDumpReader::Notes() const {
   std::vector<std::string> notes;
-  if (dump_.objects.size() > 1) {
-    notes.push_back("The file holds several objects: " + boost::algorithm::join(Tables(), ", ") +
-                    ". Read was " + chosen_ + ".");
+  if (dump_.objects.size() > 1 && Options().table.empty()) {
+    notes.push_back(NoteOtherTables(Tables(), chosen_));
   }
   if (!leftOut_.empty()) {
     notes.push_back(

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -8,6 +7,7 @@
 #include "host/statrn32.h"
 #include "statrn32/EpiFiles.h"
 #include "statrn32/FileWriter.h"
+#include "statrn32/FixedNumbers.h"
 #include "statrn32/Formats.h"
 #include "statrn32/TextEncoder.h"
 
@@ -30,11 +30,10 @@ class CEpiWriter final : public CFileWriter {
 
  private:
   static std::size_t WidthOf(const VARIABLE& variable);
-  void AppendNumber(double number);
 
   CTextEncoder encoder_;
   std::string record_;
-  std::int64_t rounded_ = 0;
+  CFixedNumbers numbers_{kNumberBytes};
 };
 
 std::size_t CEpiWriter::WidthOf(const VARIABLE& variable) {
@@ -67,7 +66,7 @@ bool CEpiWriter::PutRecord(const std::vector<OUT_CELL>& cells) {
     if (variable.type == ST_TYPE_STRING) {
       if (!cells[i].missing) record_ += encoder_.Encode(cells[i].text);
     } else if (!cells[i].missing && !std::isnan(cells[i].number)) {
-      AppendNumber(cells[i].number);
+      numbers_.Append(cells[i].number, &record_);
     }
     record_.resize(end, ' ');
   }
@@ -80,31 +79,10 @@ bool CEpiWriter::PutRecord(const std::vector<OUT_CELL>& cells) {
   return true;
 }
 
-// The shortest text that reads back equal where it fits, else as many digits as fit. Numbers stand
-// at the right end of their field.
-void CEpiWriter::AppendNumber(double number) {
-  std::array<char, 40> text;
-  char* const last = text.data() + text.size();
-  char* end = std::to_chars(text.data(), last, number).ptr;
-  const auto fits = [&] { return end - text.data() <= static_cast<std::ptrdiff_t>(kNumberBytes); };
-  if (!fits()) ++rounded_;
-  for (int digits = 15; !fits(); --digits) {
-    end = std::to_chars(text.data(), last, number, std::chars_format::general, digits).ptr;
-  }
-  const auto bytes = static_cast<std::size_t>(end - text.data());
-  record_.append(kNumberBytes - bytes, ' ').append(text.data(), bytes);
-}
-
 std::vector<std::string> CEpiWriter::Notes() const {
   std::vector<std::string> notes;
-  if (rounded_ > 0) {
-    notes.push_back("Numbers that were rounded to 14 characters: " + std::to_string(rounded_) +
-                    ".");
-  }
-  if (encoder_.Lost() > 0) {
-    notes.push_back("Letters that became a question mark: " + std::to_string(encoder_.Lost()) +
-                    ".");
-  }
+  numbers_.Note(&notes);
+  encoder_.Note(&notes);
   return notes;
 }
 

@@ -91,8 +91,9 @@ bool CLotusWriter::Flush() {
 }
 
 std::vector<std::string> CLotusWriter::Notes() const {
-  if (encoder_.Lost() == 0) return {};
-  return {"Letters that became a question mark: " + std::to_string(encoder_.Lost()) + "."};
+  std::vector<std::string> notes;
+  encoder_.Note(&notes);
+  return notes;
 }
 
 }  // namespace

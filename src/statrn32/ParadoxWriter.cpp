@@ -150,8 +150,9 @@ bool CParadoxWriter::PutBlock() {
 }
 
 std::vector<std::string> CParadoxWriter::Notes() const {
-  if (encoder_.Lost() == 0) return {};
-  return {"Letters that became a question mark: " + std::to_string(encoder_.Lost()) + "."};
+  std::vector<std::string> notes;
+  encoder_.Note(&notes);
+  return notes;
 }
 
 }  // namespace

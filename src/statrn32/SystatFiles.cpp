@@ -238,8 +238,9 @@ bool CSystatWriter::PutRecord(const std::vector<OUT_CELL>& cells) {
 }
 
 std::vector<std::string> CSystatWriter::Notes() const {
-  if (encoder_.Lost() == 0) return {};
-  return {"Letters that became a question mark: " + std::to_string(encoder_.Lost()) + "."};
+  std::vector<std::string> notes;
+  encoder_.Note(&notes);
+  return notes;
 }
 
 }  // namespace

@@ -7,8 +7,8 @@
 
 namespace statrn32 {
 
-// The place of the table called `wanted`, whatever the case of its letters; of the first one when
-// `wanted` is empty. `tables.size()` when there is none.
+// The place of the table called `wanted`, or so but for the case of its letters; of the first one
+// when `wanted` is empty. `tables.size()` when there is none.
 std::size_t ChooseTable(const std::vector<std::string>& tables, const std::string& wanted);
 
 // A sentence that names the table that was read and those that were not.

@@ -41,4 +41,9 @@ std::string CTextEncoder::Encode(std::string_view utf8) {
   return bytes;
 }
 
+void CTextEncoder::Note(std::vector<std::string>* notes) const {
+  if (lost_ == 0) return;
+  notes->push_back("Letters that became a question mark: " + std::to_string(lost_) + ".");
+}
+
 }  // namespace statrn32

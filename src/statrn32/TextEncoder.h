@@ -5,6 +5,7 @@
 #include <iconv.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace statrn32 {
 
@@ -19,8 +20,8 @@ class CTextEncoder {
   CTextEncoder& operator=(const CTextEncoder&) = delete;
 
   std::string Encode(std::string_view utf8);
-  // How many characters were lost so far.
-  std::int64_t Lost() const { return lost_; }
+  // Appends a sentence where any was lost.
+  void Note(std::vector<std::string>* notes) const;
 
  private:
   iconv_t converter_;
