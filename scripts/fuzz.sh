@@ -9,7 +9,7 @@ seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
 ((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl paradox sigmaplot access statistica jmp minitab
-  wk1 wq1 syd ssc mat rec dct engine_syntax)
+  wk1 wq1 syd ssc mat rec dct gauss dbt mb engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
 cmake --preset fuzz >/dev/null
@@ -19,9 +19,18 @@ corpus=$PWD/build/fuzz/corpus
 found=$PWD/build/fuzz/found
 mkdir -p "$found"
 
+# Two files in one: in front the length of the one that stands beside the other, of which at most
+# 60,000 bytes are taken.
+pair() {
+  local beside=$1 file=$2 target=$3 length
+  length=$(($(head -c 60000 "$beside" | wc -c)))
+  { printf '%b' "\\0$(printf '%o' $((length % 256)))\\0$(printf '%o' $((length / 256)))" &&
+    head -c 60000 "$beside" && cat "$file"; } >"$target"
+}
+
 # The first files of a corpus: other programs' small files, and what our writers make of some of the example.
 seed() {
-  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,wk1,wq1,syd,ssc,mat,rec,dct,engine_syntax}
+  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,wk1,wq1,syd,ssc,mat,rec,dct,gauss,dbt,mb,engine_syntax}
   local file kind
   for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
     kind=${file##*.}
@@ -36,11 +45,18 @@ seed() {
   done
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/paradox/ours.db" --overwrite --quiet
+  "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/pair.dct" --overwrite --quiet
+  pair "$corpus/pair.dat" "$corpus/pair.dct" "$corpus/dct/ours"
+  { printf '\332\332\0\0\0\0\002\0\020\0\222\0\010\0%114s' '' | tr ' ' '\0' && printf 'X\0\0\0\0\0\0\0\0name\0\0\0\0\0'; } >"$corpus/pair.dht"
+  printf '\0\0\0\0\0\0\370?some text' >"$corpus/pair.gauss"
+  pair "$corpus/pair.dht" "$corpus/pair.gauss" "$corpus/gauss/texts"
   # Files of other programs for the formats that are not written here, where there are any.
   if [[ -n ${VEX_REAL_DATA:-} ]]; then
     for kind in sigmaplot access statistica jmp minitab paradox; do
       find "$VEX_REAL_DATA/$kind" -type f -size -400k -exec cp -n -t "$corpus/$kind" {} +
     done
+    pair "$VEX_REAL_DATA/dbase/dbase_83.dbt" "$VEX_REAL_DATA/dbase/dbase_83.dbf" "$corpus/dbt/memo"
+    pair "$VEX_REAL_DATA/paradox/CUSTOMER.MB" "$VEX_REAL_DATA/paradox/CUSTOMER.DB" "$corpus/mb/memo"
   fi
   printf '(3F8.2, 2X / A4, 2I1, H1, D10.3)' >"$corpus/format/statement"
   printf '\002\002(3F4.1)\n 1.5 225x  \n' >"$corpus/text/fixed"
@@ -58,6 +74,6 @@ seed
 
 for target in "${targets[@]}"; do
   say "fuzz_$target for $seconds seconds"
-  "$bin/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=1024 -timeout=20 -max_len=400000 \
+  ASAN_OPTIONS=allocator_may_return_null=1 "$bin/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=1024 -timeout=20 -max_len=400000 \
     -artifact_prefix="$found/${target}_" -print_final_stats=1 "$corpus/$target" 2>&1 | tail -n 12
 done

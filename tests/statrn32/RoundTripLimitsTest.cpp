@@ -134,6 +134,25 @@ TEST_P(RoundTripLimits, TheLongestTextIsWhole) {
   EXPECT_THAT(There(table).error, HasSubstr("room for " + std::to_string(limits.textBytes)));
 }
 
+// Letters of two bytes, as many as fit, up to the end of the field.
+TEST_P(RoundTripLimits, TheLongestTextMayBeForeign) {
+  if (!GetParam().utf8) return;
+  const auto bytes = static_cast<std::size_t>(std::min<std::int64_t>(Limits().textBytes, 4000));
+  std::string text;
+  while (text.size() + 2 <= bytes) text += "ö";
+  Table table;
+  table.columns = {{"T", "", ST_TYPE_STRING, static_cast<int>(bytes), 0, {}},
+                   {"N", "", ST_TYPE_NUMERIC, 8, 0, {}}};
+  table.records = {{Text(text), Number(1)}, {Text("Ä"), Number(2)}};
+  ASSERT_EQ(There(table).error, "");
+  const Table back = Back();
+  ASSERT_EQ(back.error, "");
+  ASSERT_EQ(back.records.size(), 2U);
+  EXPECT_EQ(back.records[0][0].text, text);
+  EXPECT_EQ(back.records[1][0].text, "Ä");
+  EXPECT_EQ(back.records[1][1].number, 2);
+}
+
 TEST_P(RoundTripLimits, LongAndForeignNamesStayApart) {
   Table table;
   for (const char* const name :
