@@ -1,6 +1,7 @@
 // The reading half of host/statrn32.h.
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <new>
 #include <utility>
 
@@ -23,6 +24,18 @@ const statrn32::LABEL_SET* FindLabels(const ST_FILE* file, int var) {
   const VARIABLE* const variable = FindVariable(file, var);
   if (variable == nullptr || variable->labelSet < 0) return nullptr;
   return &file->dictionary.labelSets[static_cast<std::size_t>(variable->labelSet)];
+}
+
+// What a reader or its library throws is a failure like any other: the ST_ functions throw nothing.
+template <typename WORK>
+int Guarded(ST_ENV* env, const std::string& place, const WORK& work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return FailWith(env, place + ": not enough memory");
+  } catch (const std::exception& problem) {
+    return FailWith(env, place + ": the file cannot be read: " + problem.what());
+  }
 }
 
 int ReadDict(ST_FILE* file) {
@@ -121,31 +134,23 @@ ST_FILE* ST_OpenInputFile(ST_ENV* env, std::int32_t type, const char* name) {
     FailWith(env, std::string(name) + ": " + statrn32::CannotReadText(type));
     return nullptr;
   }
-  try {
+  Guarded(env, name, [&] {
     auto file = std::make_unique<ST_FILE>();
     file->env = env;
     file->reader = statrn32::FindFormat(type)->reader();
     file->reader->SetOptions(options);
-    if (!file->reader->Open(name)) {
-      FailWith(env, file->reader->Error());
-      return nullptr;
-    }
+    if (!file->reader->Open(name)) return FailWith(env, file->reader->Error());
     file->tables = file->reader->Tables();
     env->input = std::move(file);
-  } catch (const std::bad_alloc&) {
-    FailWith(env, std::string(name) + ": not enough memory");
-  }
+    return 0;
+  });
   return env->input.get();
 }
 
 int ST_ReadDict(ST_FILE* file) {
   if (file == nullptr || !file->reader) return -1;
   if (file->dictionaryRead) return static_cast<int>(file->columns.size());
-  try {
-    return ReadDict(file);
-  } catch (const std::bad_alloc&) {
-    return FailWith(file->env, "Not enough memory for the dictionary of the file");
-  }
+  return Guarded(file->env, "The dictionary", [&] { return ReadDict(file); });
 }
 
 std::int64_t ST_GetNCases(ST_FILE* file) {
@@ -211,12 +216,9 @@ int ST_ReadRecord(ST_FILE* file) {
     file->status += file->columns.size();
     return 1;
   }
-  try {
-    return NextBlock(file);
-  } catch (const std::bad_alloc&) {
-    file->ended = true;
-    return FailWith(file->env, "Not enough memory for the records of the file");
-  }
+  const int got = Guarded(file->env, "The records", [&] { return NextBlock(file); });
+  file->ended = file->ended || got < 0;
+  return got;
 }
 
 int ST_GetVarDataExt(ST_FILE* file, int var, std::int32_t* type, const void** value,
