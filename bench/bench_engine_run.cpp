@@ -4,19 +4,15 @@
 //   bench_engine_run [--cases N] [--variables N] [--threads N]... [--runs N] [--line TEXT]...
 //
 // Without --line it screens with all tests; each --line is a line of the syntax (the output line
-// included). The variables x1, x2 ... are normal with correlations of 0.3; behind them stand "y",
-// their sum and an error, "binary" and "ordered" (2 and 5 categories), both made of y, and
-// "floor", y censored below at its lower quartile.
-#include <cmath>
+// included). ProcedureData.h says what variables there are.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 #include <CLI/CLI.hpp>
 
 #include "Bench.h"
-#include "datadoc/VsfLayout.h"
+#include "ProcedureData.h"
 #include "engine/run/Run.h"
 #include "vexutils/BlockIo.h"
 
@@ -29,57 +25,6 @@ struct Options {
   int runs = 3;
   std::vector<std::string> lines;
 };
-
-constexpr int kMade = 4;  // variables behind x1, x2 ...
-
-TORVIKSTRUCT Describe(const Options& options) {
-  TORVIKSTRUCT data;
-  data.format = kNewFormat;
-  data.variables = options.variables + kMade;
-  data.records = static_cast<std::int32_t>(options.cases);
-  data.ResizeArrays(static_cast<std::size_t>(data.variables));
-  for (int j = 0; j < data.variables; ++j) {
-    VARSTRUCT& variable = data.variable[static_cast<std::size_t>(j)];
-    variable.name = "x" + std::to_string(j + 1);
-    variable.type = kContinuous;
-  }
-  const auto made = static_cast<std::size_t>(options.variables);
-  data.variable[made].name = "y";
-  data.variable[made + 1].name = "binary";
-  data.variable[made + 2].name = "ordered";
-  data.variable[made + 3].name = "floor";
-  data.variable[made + 1].type = data.variable[made + 2].type = kOrdinal;
-  data.variable[made + 3].type = kCensoredBelow;
-  return data;
-}
-
-void WriteData(const Options& options, const std::string& name) {
-  std::ofstream file(name, std::ios::binary);
-  const std::string description =
-      EncodeVsfDescription(Describe(options), kNewFormat, VsfFiller::Spaces);
-  file.write(description.data(), static_cast<std::streamsize>(description.size()));
-  std::mt19937_64 random(3);
-  std::normal_distribution<double> normal;
-  std::vector<double> row(static_cast<std::size_t>(options.variables + kMade));
-  const double own = std::sqrt(.7), shared = std::sqrt(.3);
-  for (std::int64_t k = 0; k < options.cases; ++k) {
-    const double common = shared * normal(random);
-    double sum = 0;
-    for (int j = 0; j < options.variables; ++j) {
-      sum += row[static_cast<std::size_t>(j)] = common + own * normal(random);
-    }
-    const double y = sum / options.variables + normal(random);
-    double* const made = row.data() + options.variables;
-    made[0] = y;
-    made[1] = y > .2 ? 1 : 0;
-    made[2] = 1;
-    for (const double cut : {-1.2, -.4, .4, 1.2}) made[2] += y > cut ? 1 : 0;
-    made[3] = std::max(y, -.8);
-    file.write(reinterpret_cast<const char*>(row.data()),
-               static_cast<std::streamsize>(row.size() * sizeof(double)));
-  }
-  if (!file) throw std::runtime_error("cannot write " + name);
-}
 
 volatile double sink = 0;
 
@@ -119,7 +64,7 @@ void Time(const Options& options, const std::string& folder) {
   const std::string data = folder + "/data.vsf";
   const std::string syntax = folder + "/data.trk";
   const std::string output = folder + "/data.out";
-  WriteData(options, data);
+  bench::WriteProcedureData(options.cases, options.variables, data);
   std::ofstream text(syntax);
   text << "SY='" << data << "'\n";
   for (const std::string& line : options.lines) text << line << '\n';
@@ -127,7 +72,8 @@ void Time(const Options& options, const std::string& folder) {
   text.close();
   const double base = MedianSeconds(2 * options.runs + 1, [&] { SumCells(data); });
   std::printf("%lld cases of %d variables, median of %d runs\n",
-              static_cast<long long>(options.cases), options.variables + kMade, options.runs);
+              static_cast<long long>(options.cases), options.variables + bench::kMadeVariables,
+              options.runs);
   std::printf("%-32s %7s %9s %9s %12s\n", "", "threads", "seconds", "ratio", "memory, MiB");
   std::printf("%-32s %7d %9.4f\n", "sum of every cell in the file", 1, base);
   std::string first;

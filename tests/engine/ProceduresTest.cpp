@@ -67,7 +67,7 @@ class ProceduresTest : public EngineTest {
 const char* const kAll =
     "SE 1-4 6 7\nFA NF=1\nPC KM\nRG y ON x1 x2 x3\nTS y ON x1 x2 WITH x2 x3 x4\n"
     "PR o1 two ON x1 x2\nLO o1 two ON x1 x2 AP\nCR floor ON x1 x2\nHT o1 o2\nET o1 o2\n"
-    "NS x1 o1\nMT o2\nOU IX=3";
+    "MT o1 two\nPR o1 two ON x1 x2\nNS x1 o1\nMT o2\nOU IX=3";
 
 TEST_F(ProceduresTest, AllRunTogetherWithinThePageForAnyNumberOfThreads) {
   ASSERT_EQ(Run(kAll), ERUNRESULT::Done) << Output();
@@ -161,7 +161,7 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
   } const cases[] = {
       {"RG ON x1\nOU", "expected y variables before ON"},
       {"RG y ON\nOU", "expected x variables"},
-      {"RG y ON y x1\nOU", "stands on both sides of ON"},
+      {"RG y ON y x1\nOU", "variable y stands on both sides of ON"},
       {"RG y ON same\nOU", "the x variable same has one value only"},
       {"RG same ON x1\nOU", "the y variable same has one value only"},
       {"RG y ON x1 x2 sum\nOU", "the x variable sum is collinear"},
@@ -173,15 +173,15 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
       {"LO two ON x1 x2 sum\nOU", "is collinear"},
       {"CR y ON x1\nOU", "is continuous, not censored"},
       {"CR floor ON same\nOU", "has one value only"},
-      {"TS y ON x1 x2 WITH x3\nOU", "is not identified: it has 2 x variables and only 1"},
+      {"TS y ON x1 x2 WITH x3\nOU", "is not identified: it has 2 x variables and only 1 instrument"},
       {"TS y ON x1 x2 WITH x3 same\nOU", "is not identified"},
       {"TS y ON x1 WITH y\nOU", "stands among the x variables or instruments"},
       {"HT o1 two\nOU", "the variables have different categories: o1 has 1 2 3 4, and two has 0 1"},
       {"ET o1 two\nOU", "the variables have different categories"},
       {"ET y x1\nOU", "more than 15 different values"},
-      {"SE 1-4\nFA NF=2\nOU", "2 factors of 4 variables have fewer than 0 degrees of freedom"},
-      {"SE 1-4\nFA NF=9\nOU", "9 factors of 4 variables"},
-      {"SE 1 2\nFA NF=1\nOU", "1 factor of 2 variables has fewer than 0 degrees of freedom"},
+      {"SE 1-4\nFA NF=2\nOU", "2 factors cannot be estimated from 4 variables"},
+      {"SE 1-4\nFA NF=9\nOU", "9 factors cannot be estimated from 4 variables"},
+      {"SE 1 2\nFA NF=1\nOU", "1 factor cannot be estimated from 2 variables"},
       {"SE 1-3 11\nFA NF=1\nOU", "is not positive definite"},
       {"SE 1 2 10\nFA NF=1\nOU", "variable has one value only"},
       {"SE 1 2\nPC NC=3\nOU", "3 components are asked for, and there are 2 variables"},
@@ -305,7 +305,10 @@ TEST_F(ProceduresTest, ThresholdsAreSavedAndReadBack) {
     EXPECT_THAT(UnwrappedOutput(), HasSubstr(b.cause));
   }
   WriteBytes(th, "-1 0 1\n");
-  EXPECT_EQ(Run("FT o1\nOU TH=" + th), ERUNRESULT::Done) << Output();
+  // Probit regression behind it keeps to them, whatever cases it has.
+  EXPECT_EQ(Run("FT o1\nPR o1 ON x1\nLO o1 ON x1\nOU TH=" + th), ERUNRESULT::Done) << Output();
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("Threshold 1 | 2 -1.000 (fixed)"));
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("logistic regression estimates its own"));
 }
 
 // Missing values become expected ones; TC decides about cases without any.
@@ -355,8 +358,8 @@ TEST_F(ProceduresTest, TellsWhichCasesAreLeftOut) {
       {"ET o1 o2", "Variable o1 has 2 cells with values that are none of its categories."},
       {"MT o2 o1", "Variable o1 has 2 cells with values that are none of its categories."},
       {"LO o1 ON x2", "Variable o1 has 2 cells with values that are none of its categories."},
-      {"NS o1 y x2", "1 cells are infinite."},
-      {"RG y ON x2", "1 cells are infinite."},
+      {"NS o1 y x2", "1 cell is infinite."},
+      {"RG y ON x2", "1 cell is infinite."},
   };
   for (const auto& c : cases) {
     ASSERT_EQ(Run(CString("SC CASE > 1\n") + c.line + "\nOU"), ERUNRESULT::Done) << Output();

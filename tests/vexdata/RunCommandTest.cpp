@@ -195,12 +195,22 @@ TEST_F(RunCommand, TheEngineNamesCauseAndRemedyOfBadRequests) {
       {{"--line", "NE s = A1+A2", "--line", "LO gender ON A1 A2 s"}, "s is collinear"},
       {{"--line", "NE z = gender", "--line", "LO gender ON z"}, "z separates the categories"},
       {{"--line", "NE z = gender", "--line", "PR gender ON z"}, "z separates the categories"},
+      {{"--line", "NE z = A1", "--line", "PR A1 ON z"}, "z separates the categories"},
+      {{"--line", "NE z = A1", "--line", "MT A1", "--line", "PR A1 ON z"},
+       "z separates the categories"},
+      {{"--line", "MT A1", "--line", "NS A1", "--line", "PR A1 ON age"},
+       "the thresholds of A1 are fixed for other categories"},
+      {{"--line", "RG age ON A1 A1"}, "named twice (x variables): \"A1\""},
       {{"ts", "--y", "age", "--x", "A1,A2", "--instruments", "A3"}, "age is not identified"},
+      {{"ts", "--y", "age", "--x", "A1", "--instruments", "age"},
+       "instruments of its own equation"},
+      {{"--line", "NE s = A3", "--line", "TS age ON A1 A2 WITH A3 s"}, "age is not identified"},
       {{"ft", "--variables", "O1", "--thresholds", thresholds}, "no thresholds of variable O1"},
       {{"ft", "--variables", "N1", "--thresholds", thresholds}, "the file holds 2 thresholds"},
       {{"ht", "--variables", "A1,gender"}, "the variables have different categories"},
       {{"et", "--variables", "A1,gender"}, "the variables have different categories"},
-      {{"fa", "--variables", "A1-A5", "--factors", "3"}, "3 factors of 5 variables"},
+      {{"fa", "--variables", "A1-A5", "--factors", "3"},
+       "3 factors cannot be estimated from 5 variables"},
   };
   for (const auto& c : cases) {
     std::vector<std::string> arguments = {"run", survey};

@@ -11,24 +11,7 @@ namespace {
 
 using stats::EStatus;
 
-bool FindLimits(CRegressionData& data, std::int32_t type, stats::CensoringLimits& limits,
-                FAULT& fault) {
-  double low = HUGE_VAL, high = -HUGE_VAL;
-  const bool done = data.Pass(
-      [&](const stats::RegressionBlock& cases) {
-        for (std::int64_t k = 0; k < cases.x.cases; ++k) {
-          low = std::min(low, cases.y[k * cases.yStride]);
-          high = std::max(high, cases.y[k * cases.yStride]);
-        }
-      },
-      fault);
-  if (type != kCensoredAbove) limits.lower = low;
-  if (type != kCensoredBelow) limits.upper = high;
-  return done;
-}
-
-void WriteFit(ENGINERUN& run, const stats::CensoringLimits& limits,
-              const stats::CensoredRegressionResult& result) {
+void WriteFit(ENGINERUN& run, const stats::CensoredRegressionResult& result) {
   CReport& report = run.report;
   const auto side = [&](const char* name, double limit, double cases) {
     return CString(name) + (std::isfinite(limit) ? " (at " + report.Number(limit) + ")" : "") +
@@ -36,8 +19,10 @@ void WriteFit(ENGINERUN& run, const stats::CensoringLimits& limits,
   };
   CFactTable facts;
   facts.Add("n", CReport::Count(result.n));
-  facts.Add(side("Censored below", limits.lower, result.below), CReport::Count(result.below));
-  facts.Add(side("Censored above", limits.upper, result.above), CReport::Count(result.above));
+  facts.Add(side("Censored below", result.limits.lower, result.below),
+            CReport::Count(result.below));
+  facts.Add(side("Censored above", result.limits.upper, result.above),
+            CReport::Count(result.above));
   facts.Add("Log-likelihood", report.Number(result.logLikelihood));
   facts.Add("Log-likelihood without x", report.Number(result.logLikelihoodNull));
   facts.Add("Likelihood ratio chi-square", report.Number(result.ratio));
@@ -106,11 +91,11 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
                              "before this one, or use RG, PR or LO.");
       return false;
     }
-    stats::CensoringLimits limits;
-    if (!data.Prepare(y, false, fault) || !FindLimits(data, type, limits, fault)) return false;
+    data.Choose(y);
+    if (!data.Survey(false, fault)) return false;
     const auto result = stats::EstimateCensoredRegression(
-        [&](const auto& work) { return data.Pass(work, fault); },
-        static_cast<int>(regression.x.size()), limits, run.threads);
+        [&](const auto& work) { return data.Pass(work, fault); }, data.Survey(),
+        type != kCensoredAbove, type != kCensoredBelow);
     if (result.stopped) return false;
     const CString title =
         "Censored regression of " + data.YName() + " on " + NameList(run.job.data, regression.x);
@@ -123,7 +108,7 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "Maximum likelihood under normal residuals; the limits are the smallest and the largest "
         "value of y. Standard errors from the observed information.");
     run.report.Gap();
-    WriteFit(run, limits, result);
+    WriteFit(run, result);
     auto parameters = ParametersOf(data, result);
     WriteEstimates(run.report, parameters);
     if (run.estimates != nullptr) {

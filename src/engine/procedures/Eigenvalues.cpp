@@ -39,6 +39,13 @@ void WriteScree(CReport& report, const Eigen::VectorXd& eigenvalues,
 
 }  // namespace
 
+CString ParallelAnalysisText(const ENGINERUN& run, bool ofCorrelations) {
+  return "Parallel analysis: " + std::to_string(kChanceSamples) +
+         " samples of independent normal variables" +
+         (ofCorrelations ? "" : " with the variances of these") + ", seed " +
+         std::to_string(run.seed) + ".";
+}
+
 void WriteEigenvalues(ENGINERUN& run, const Eigen::VectorXd& eigenvalues,
                       const std::optional<stats::ParallelAnalysisResult>& chance) {
   constexpr double kPercent = 100;

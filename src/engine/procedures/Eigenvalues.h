@@ -6,6 +6,11 @@
 #include "engine/procedures/ProcedureReport.h"
 #include "engine/stats/Components.h"
 
+inline constexpr int kChanceSamples = 100;
+
+// What the samples of a parallel analysis were.
+CString ParallelAnalysisText(const ENGINERUN& run, bool ofCorrelations);
+
 // A table with shares and sums, beside those that chance gives where they are wanted, and a scree
 // listing: a bar for each eigenvalue.
 void WriteEigenvalues(ENGINERUN& run, const Eigen::VectorXd& eigenvalues,

@@ -1,9 +1,9 @@
 #include "engine/procedures/FactorAnalysis.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "engine/procedures/Eigenvalues.h"
+#include "engine/procedures/FactorSections.h"
 #include "engine/procedures/LoadingTables.h"
 #include "engine/run/Estimates.h"
 #include "engine/screen/AnalysisMoments.h"
@@ -11,14 +11,11 @@
 #include "engine/stats/FactorAnalysis.h"
 #include "engine/stats/Moments.h"
 #include "engine/stats/Rotation.h"
-#include "host/Numbers.h"
 
 namespace {
 
 using Eigen::Index;
 using Eigen::MatrixXd;
-
-constexpr int kChanceSamples = 100;
 
 class CFactorAnalysis {
  public:
@@ -29,6 +26,22 @@ class CFactorAnalysis {
         fa_(std::get<FACTORANALYSIS>(procedure.what)) {}
 
   bool Run(FAULT& fault) {
+    if (!Read(fault) || !ChooseFactors(fault)) return false;
+    WriteHeading();
+    WriteEigenvalues(run_, components_.eigenvalues, chance_);
+    if (!Extract(fault)) return false;
+    WriteFactorFit(report_, result_.fit, !variables_.ordinal.empty());
+    WriteFactorWarnings(report_, names_, result_, SmallestEigenvalue());
+    varimax_ = stats::RotateVarimax(result_.loadings);
+    WriteFactorSolutions(report_, names_, result_, varimax_);
+    WriteResidualCorrelations(report_, names_, moments_.matrix, result_.residual);
+    if (run_.sampling != nullptr) NoteEstimates();
+    if (fa_.scores) SaveScores();
+    return true;
+  }
+
+ private:
+  bool Read(FAULT& fault) {
     std::vector<CString> warnings;
     if (!FindScreenVariables(run_, variables_, warnings, fault) ||
         !EstimateAnalysisMoments(run_, variables_, MOMENTS::Correlations, moments_, fault)) {
@@ -37,26 +50,23 @@ class CFactorAnalysis {
     WriteDataSection(run_, variables_);
     for (const CString& warning : warnings) report_.Warning(warning);
     report_.Section("Exploratory factor analysis");
-    components_ = stats::EstimateComponents(moments_.matrix);
-    if (run_.sampling == nullptr || !run_.sampling->isSample) {
-      chance_ = stats::AnalyseParallel(static_cast<int>(moments_.matrix.rows()), moments_.smallestN,
-                                       kChanceSamples, run_.seed, run_.threads);
-    }
     for (const SCREENVARIABLE& variable : variables_.all) names_.push_back(variable.name);
-    if (!ChooseFactors(fault)) return false;
-    WriteHeading();
-    WriteEigenvalues(run_, components_.eigenvalues, chance_);
-    if (!Extract(fault)) return false;
-    WriteFit();
-    WriteWarnings();
-    WriteSolutions();
-    WriteResiduals();
-    if (run_.sampling != nullptr) NoteEstimates();
-    if (fa_.scores) SaveScores();
+    components_ = stats::EstimateComponents(moments_.matrix);
+    if (run_.sampling != nullptr && run_.sampling->isSample) return true;
+    chance_ = stats::AnalyseParallel(static_cast<int>(moments_.matrix.rows()), moments_.smallestN,
+                                     kChanceSamples, run_.seed, run_.threads);
     return true;
   }
 
- private:
+  double SmallestEigenvalue() const {
+    return components_.eigenvalues(components_.eigenvalues.size() - 1);
+  }
+
+  static bool HasFreedom(Index variables, int factors) {
+    return factors < variables &&
+           stats::FactorDegreesOfFreedom(static_cast<int>(variables), factors) >= 0;
+  }
+
   bool ChooseFactors(FAULT& fault) {
     const Index p = moments_.matrix.rows();
     factors_ = static_cast<int>(fa_.factors);
@@ -67,22 +77,16 @@ class CFactorAnalysis {
       factors_ = static_cast<int>((components_.eigenvalues.array() > 1).count());
       factors_ = std::max(factors_, 1);
     }
-    if (factors_ < p && stats::FactorDegreesOfFreedom(static_cast<int>(p), factors_) >= 0) {
-      return true;
-    }
+    if (HasFreedom(p, factors_)) return true;
     int most = 0;
-    while (most + 1 < p && stats::FactorDegreesOfFreedom(static_cast<int>(p), most + 1) >= 0) {
-      ++most;
-    }
-    fault =
-        ProcedureFault(procedure_,
-                       CountText(factors_, "factor") + " of " + CountText(p, "variable") +
-                           (factors_ == 1 ? " has" : " have") + " fewer than 0 degrees of freedom" +
-                           (chosen ? CString() : " (as many eigenvalues are above 1)"),
-                       most > 0 ? "Ask for at most " + std::to_string(most) +
-                                      " factors (NF), or use more "
-                                      "variables."
-                                : CString("Use at least three variables."));
+    while (HasFreedom(p, most + 1)) ++most;
+    fault = ProcedureFault(
+        procedure_,
+        CountText(factors_, "factor") + " cannot be estimated from " + CountText(p, "variable") +
+            (chosen ? CString() : " (as many eigenvalues are above 1)") +
+            ": the degrees of freedom would be negative",
+        most > 0 ? "Ask for at most " + CountText(most, "factor") + " (NF), or use more variables."
+                 : CString("Use at least three variables."));
     return false;
   }
 
@@ -110,19 +114,15 @@ class CFactorAnalysis {
     facts.Add("n", CReport::Count(moments_.smallestN));
     facts.Add("Factors",
               std::to_string(factors_) + (fa_.factors > 0 ? "" : " (eigenvalues above 1)"));
-    if (chance_.mean.size() > 0) {
-      Index above = 0;
-      while (above < chance_.mean.size() &&
-             components_.eigenvalues(above) > chance_.percentile95(above)) {
-        ++above;
-      }
-      facts.Add("Factors by parallel analysis", std::to_string(above));
+    const bool known = chance_.mean.size() > 0;
+    if (known) {
+      facts.Add("Factors by parallel analysis",
+                std::to_string(stats::CountAboveChance(components_.eigenvalues, chance_)));
     }
     facts.Write(report_);
+    if (!known) return;
     report_.Gap();
-    report_.Paragraph("Parallel analysis: " + std::to_string(kChanceSamples) +
-                      " samples of independent normal variables, seed " +
-                      std::to_string(run_.seed) + ".");
+    report_.Paragraph(ParallelAnalysisText(run_, true));
   }
 
   bool Extract(FAULT& fault) {
@@ -130,12 +130,11 @@ class CFactorAnalysis {
         moments_.matrix, moments_.smallestN, factors_,
         fa_.minres ? stats::EFactorMethod::Minres : stats::EFactorMethod::MaximumLikelihood);
     if (result_.status == stats::EStatus::Ok) return true;
-    const double smallest = components_.eigenvalues(components_.eigenvalues.size() - 1);
     if (result_.status == stats::EStatus::NotPositiveDefinite) {
       fault = ProcedureFault(
           procedure_,
           "the correlation matrix is not positive definite (smallest eigenvalue " +
-              CReport::Digits(smallest) + "), so that there is no likelihood",
+              CReport::Digits(SmallestEigenvalue()) + "), so that there is no likelihood",
           "Use MINRES (MR), leave out variables that are sums of others, or use listwise "
           "deletion.");
     } else {
@@ -145,96 +144,6 @@ class CFactorAnalysis {
           "Ask for fewer factors (NF), or use MINRES (MR).");
     }
     return false;
-  }
-
-  void WriteFit() {
-    const stats::FactorFit& fit = result_.fit;
-    TABLE table;
-    table.columns = {{"Fit", true}, {"Value", false}, {"df", false}, {"p", false}};
-    const auto add = [&](const CString& what, double value) {
-      table.rows.push_back({what, report_.Number(value)});
-    };
-    const auto addTest = [&](const CString& what, double value, double df, double p) {
-      table.rows.push_back({what, report_.Number(value), CReport::Count(df),
-                            df > 0 ? CReport::Probability(p) : "."});
-    };
-    if (fit.likelihood) {
-      addTest("Chi-square, (n - 1) F", fit.chiSquare, fit.df, fit.p);
-      addTest("Chi-square, Bartlett's factor", fit.bartlett, fit.df, fit.pBartlett);
-    }
-    if (fit.likelihood && fit.df > 0) {
-      add("RMSEA", fit.rmsea);
-      add("Tucker-Lewis index", fit.tuckerLewis);
-    }
-    add("Root mean square residual", fit.rootMeanSquareResidual);
-    report_.Subsection("Fit");
-    report_.Table(table);
-    if (!fit.likelihood) {
-      report_.Gap();
-      report_.Paragraph(
-          "The correlation matrix is not positive definite: there is no likelihood, and so no test "
-          "of fit.");
-    } else if (!variables_.ordinal.empty()) {
-      report_.Gap();
-      report_.Paragraph(
-          "The tests suppose a sample covariance matrix of normal variables; for polychoric and "
-          "polyserial correlations they are descriptive.");
-    }
-  }
-
-  void WriteWarnings() {
-    for (Index i = 0; i < result_.heywood.size(); ++i) {
-      if (result_.heywood(i) == 0) continue;
-      report_.Warning("Heywood case: the uniqueness of " + names_[static_cast<std::size_t>(i)] +
-                      " is at its lower bound, " + FormatShortest(stats::kSmallestUniqueness) +
-                      ". Fewer factors, or more variables for each, may help.");
-    }
-    constexpr double kNearlySingular = 1e-6;
-    const double smallest = components_.eigenvalues(components_.eigenvalues.size() - 1);
-    if (smallest < kNearlySingular) {
-      report_.Warning(CString("The correlation matrix is ") +
-                      (smallest < 0 ? "not positive definite" : "nearly singular") +
-                      ": its smallest eigenvalue is " + CReport::Digits(smallest) + ".");
-    }
-  }
-
-  void WriteSolutions() {
-    WriteLoadings(report_, "Unrotated loadings", names_, result_.loadings, result_.uniqueness);
-    varimax_ = stats::RotateVarimax(result_.loadings);
-    if (factors_ < 2) return;
-    WriteLoadings(report_, "VARIMAX-rotated loadings (rows normalised)", names_, varimax_.loadings,
-                  result_.uniqueness);
-    const auto promax = stats::RotatePromax(varimax_.loadings);
-    WriteLoadings(report_, "PROMAX-rotated loadings (power 4)", names_, promax.loadings,
-                  result_.uniqueness);
-    report_.Subsection("Correlations of the PROMAX factors");
-    report_.Table(TriangleTable(report_, FactorNames(factors_), promax.correlation));
-  }
-
-  void WriteResiduals() {
-    constexpr std::size_t kShown = 10;
-    struct Residual {
-      Index i, j;
-      double value;
-    };
-    std::vector<Residual> all;
-    for (Index i = 0; i < result_.residual.rows(); ++i) {
-      for (Index j = 0; j < i; ++j) all.push_back({j, i, result_.residual(i, j)});
-    }
-    std::stable_sort(all.begin(), all.end(), [](const Residual& a, const Residual& b) {
-      return std::fabs(a.value) > std::fabs(b.value);
-    });
-    all.resize(std::min(all.size(), kShown));
-    TABLE table;
-    table.columns = {
-        {"Variable", true}, {"Variable", true}, {"Correlation", false}, {"Residual", false}};
-    for (const Residual& one : all) {
-      table.rows.push_back(
-          {names_[static_cast<std::size_t>(one.i)], names_[static_cast<std::size_t>(one.j)],
-           report_.Number(moments_.matrix(one.i, one.j)), report_.Number(one.value)});
-    }
-    report_.Subsection("Largest residual correlations");
-    report_.Table(table);
   }
 
   void SaveScores() {

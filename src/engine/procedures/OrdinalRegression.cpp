@@ -1,10 +1,12 @@
 #include "engine/procedures/OrdinalRegression.h"
 
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "engine/procedures/RegressionData.h"
-#include "engine/procedures/RunProcedures.h"
 #include "engine/stats/Distributions.h"
+#include "engine/stats/IntervalRegression.h"
 #include "engine/stats/OrdinalRegression.h"
 
 namespace {
@@ -23,17 +25,21 @@ void AddRow(const CReport& report, TABLE& table, const CString& name, double est
 }
 
 void WriteCategories(ENGINERUN& run, const CRegressionData& data,
-                     const stats::OrdinalRegressionResult& result) {
+                     const std::vector<double>& frequency) {
+  const double n = std::accumulate(frequency.begin(), frequency.end(), 0.0);
   TABLE table;
   table.columns = {{"Category", true}, {"Frequency", false}, {"Percent", false}};
-  for (std::size_t j = 0; j < result.frequency.size(); ++j) {
+  for (std::size_t j = 0; j < frequency.size(); ++j) {
     constexpr double kPercent = 100;
-    table.rows.push_back({CategoryText(data.Categories().values[j]),
-                          CReport::Count(result.frequency[j]),
-                          CReport::Number(kPercent * result.frequency[j] / result.n, 1)});
+    table.rows.push_back({CategoryText(data.Categories().values[j]), CReport::Count(frequency[j]),
+                          CReport::Number(kPercent * frequency[j] / n, 1)});
   }
   run.report.Subsection("Categories of " + data.YName());
   run.report.Table(table);
+}
+
+CString ThresholdName(const std::vector<double>& values, std::size_t j) {
+  return "Threshold " + CategoryText(values[j]) + " | " + CategoryText(values[j + 1]);
 }
 
 std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
@@ -44,9 +50,7 @@ std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
   const auto& threshold = alternative ? other.threshold : result.threshold;
   const auto& error = alternative ? other.thresholdError : result.thresholdError;
   for (std::size_t j = 0; j < threshold.size(); ++j) {
-    const CString name = "Threshold " + CategoryText(data.Categories().values[j]) + " | " +
-                         CategoryText(data.Categories().values[j + 1]);
-    parameters.push_back({name, threshold[j], error[j]});
+    parameters.push_back({ThresholdName(data.Categories().values, j), threshold[j], error[j]});
   }
   if (alternative) parameters.push_back({"(Intercept)", other.intercept, other.interceptError});
   for (std::size_t j = 0; j < result.slope.size(); ++j)
@@ -97,6 +101,150 @@ void WriteFit(ENGINERUN& run, const stats::OrdinalRegressionResult& result) {
   facts.Write(report);
 }
 
+// One equation with thresholds of its own.
+class CFreeEquation {
+ public:
+  CFreeEquation(ENGINERUN& run, const REGRESSION& regression, CRegressionData& data)
+      : run_(run),
+        regression_(regression),
+        data_(data),
+        probit_(regression.method == REGRESSION::Method::Probit) {}
+
+  bool Run(const CString& title, FAULT& fault) {
+    const auto result = stats::EstimateOrdinalRegression(
+        [&](const auto& work) { return data_.Pass(work, fault); }, data_.Survey(),
+        data_.Categories().counts, probit_ ? stats::ELink::Probit : stats::ELink::Logistic);
+    if (result.stopped) return false;
+    data_.WriteHeading(title);
+    if (result.status != EStatus::Ok) {
+      fault = data_.FaultOf(result.status, result.variable);
+      return false;
+    }
+    WriteModel();
+    WriteFit(run_, result);
+    WriteCategories(run_, data_, result.frequency);
+    auto parameters = ParametersOf(data_, result, regression_.alternativeParameters);
+    WriteEstimates(run_, parameters);
+    if (!probit_) WriteOddsRatios(run_, data_, result);
+    if (run_.estimates != nullptr) {
+      run_.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
+    }
+    data_.WarnOfCollinearity(result.smallestPivot);
+    return true;
+  }
+
+ private:
+  void WriteModel() {
+    run_.report.Paragraph(
+        CString("P(y <= category) = F(threshold - x'b), F being the ") +
+        (probit_ ? "standard normal" : "logistic") +
+        " distribution function: a positive coefficient goes with higher categories. Maximum "
+        "likelihood; standard errors from the observed information." +
+        (regression_.alternativeParameters
+             ? " Alternative parameterization: F(threshold - intercept - x'b) with the first "
+               "threshold 0."
+             : ""));
+    run_.report.Gap();
+  }
+
+  ENGINERUN& run_;
+  const REGRESSION& regression_;
+  CRegressionData& data_;
+  bool probit_;
+};
+
+std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
+                                               const stats::IntervalRegressionResult& result,
+                                               const GIVENTHRESHOLDS& given) {
+  std::vector<ESTIMATES::PARAMETER> parameters;
+  for (std::size_t j = 0; j < given.thresholds.size(); ++j)
+    parameters.push_back({ThresholdName(given.values, j), given.thresholds[j], 0});
+  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
+    parameters.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1), result.coefficient[i],
+                          result.standardError[i]});
+  }
+  return parameters;
+}
+
+void WriteFit(ENGINERUN& run, const stats::IntervalRegressionResult& result) {
+  CReport& report = run.report;
+  CFactTable facts;
+  facts.Add("n", CReport::Count(result.n));
+  facts.Add("Log-likelihood", report.Number(result.logLikelihood));
+  facts.Add("Log-likelihood without x", report.Number(result.logLikelihoodNull));
+  facts.Add("Likelihood ratio chi-square", report.Number(result.ratio));
+  facts.Add("df", CReport::Count(result.df));
+  facts.Add("p", CReport::Probability(result.p));
+  facts.Add("R-square (McKelvey and Zavoina)", report.Number(result.rSquare));
+  if (result.sdKnown) {
+    facts.Add("Residual standard deviation", "1 (fixed)");
+  } else {
+    facts.Add("Residual standard deviation", report.Estimate(result.sd, result.sdError));
+    facts.Add("its standard error", report.Estimate(result.sdError, result.sdError));
+  }
+  facts.Write(report);
+}
+
+FAULT FaultOf(const PROCEDURE& procedure, const CRegressionData& data,
+              const stats::IntervalRegressionResult& result) {
+  if (result.status != EStatus::Boundary || result.variable >= 0) {
+    return data.FaultOf(result.status, result.variable);
+  }
+  return ProcedureFault(procedure,
+                        "all cases of " + data.YName() +
+                            " lie in two neighbouring categories, so that the residual standard "
+                            "deviation has no estimate under fixed thresholds",
+                        "Leave out the FT or MT line, so that the regression estimates its own "
+                        "thresholds.");
+}
+
+// One equation under thresholds that FT or MT gave.
+bool RunUnderThresholds(ENGINERUN& run, const PROCEDURE& procedure, CRegressionData& data,
+                        const GIVENTHRESHOLDS& given, const CString& title, FAULT& fault) {
+  if (!data.GiveCategories(given.values, fault)) return false;
+  const auto result =
+      stats::EstimateIntervalRegression([&](const auto& work) { return data.Pass(work, fault); },
+                                        data.Survey(), data.Categories().counts, given.thresholds);
+  if (result.stopped) return false;
+  data.WriteHeading(title);
+  if (result.status != EStatus::Ok) {
+    fault = FaultOf(procedure, data, result);
+    return false;
+  }
+  run.report.Paragraph(
+      "P(y <= category) = F((threshold - intercept - x'b) / s), F being the standard normal "
+      "distribution function: a positive coefficient goes with higher categories. " +
+      CString(given.marginal ? "The thresholds are the marginal ones (MT)"
+                             : "The thresholds are those of the file (FT)") +
+      " and count as known; the residual standard deviation s is " +
+      (result.sdKnown ? "1, as one threshold cannot tell it." : "estimated.") +
+      " Maximum likelihood; standard errors from the observed information.");
+  run.report.Gap();
+  WriteFit(run, result);
+  WriteCategories(run, data, result.frequency);
+  auto parameters = ParametersOf(data, result, given);
+  WriteEstimates(run, parameters);
+  if (std::get<REGRESSION>(procedure.what).alternativeParameters) {
+    run.report.Warning("AP has no effect on " + data.YName() +
+                       ": with fixed thresholds the intercept is estimated anyhow.");
+  }
+  if (!result.sdKnown) {
+    parameters.push_back({"Residual standard deviation", result.sd, result.sdError});
+  }
+  if (run.estimates != nullptr) {
+    run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
+  }
+  data.WarnOfCollinearity(result.smallestPivot);
+  return true;
+}
+
+// The thresholds that hold for y: the last ones that a line before gave; null for none.
+const GIVENTHRESHOLDS* GivenFor(const JOB& job, std::int32_t y) {
+  const auto last = std::find_if(job.givenThresholds.rbegin(), job.givenThresholds.rend(),
+                                 [y](const GIVENTHRESHOLDS& one) { return one.variable == y; });
+  return last == job.givenThresholds.rend() ? nullptr : &*last;
+}
+
 }  // namespace
 
 bool RunOrdinalRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
@@ -104,41 +252,18 @@ bool RunOrdinalRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fau
   const bool probit = regression.method == REGRESSION::Method::Probit;
   for (const std::int32_t y : regression.y) {
     CRegressionData data(run, procedure, regression.x);
-    if (!data.Prepare(y, true, fault)) return false;
-    const auto result = stats::EstimateOrdinalRegression(
-        [&](const auto& work) { return data.Pass(work, fault); },
-        static_cast<int>(regression.x.size()), static_cast<int>(data.Categories().values.size()),
-        probit ? stats::ELink::Probit : stats::ELink::Logistic, run.threads);
-    if (result.stopped) return false;
+    data.Choose(y);
+    if (!data.Survey(true, fault)) return false;
     const CString title = CString(probit ? "Probit" : "Logistic") + " regression of " +
                           data.YName() + " on " + NameList(run.job.data, regression.x);
-    data.WriteHeading(title);
-    if (result.status != EStatus::Ok) {
-      fault = data.FaultOf(result.status, result.variable);
-      return false;
-    }
-    run.report.Paragraph(
-        CString("P(y <= category) = F(threshold - x'b), F being the ") +
-        (probit ? "standard normal" : "logistic") +
-        " distribution function: a positive coefficient goes with higher categories. Maximum "
-        "likelihood; standard errors from the observed information." +
-        (regression.alternativeParameters
-             ? " Alternative parameterization: F(threshold - intercept - x'b) with the first "
-               "threshold 0."
-             : ""));
-    run.report.Gap();
-    WriteFit(run, result);
-    WriteCategories(run, data, result);
-    auto parameters = ParametersOf(data, result, regression.alternativeParameters);
-    WriteEstimates(run, parameters);
-    if (!probit) WriteOddsRatios(run, data, result);
-    if (run.estimates != nullptr) {
-      run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
-    }
-    data.WarnOfCollinearity(result.smallestPivot);
-    if (ReadsThresholds(run.job)) {
-      run.report.Warning("The thresholds that FT fixes are not used in the regression of " +
-                         data.YName() + ", which estimates its own.");
+    const GIVENTHRESHOLDS* const given = GivenFor(run.job, y);
+    const bool done = probit && given != nullptr
+                          ? RunUnderThresholds(run, procedure, data, *given, title, fault)
+                          : CFreeEquation(run, regression, data).Run(title, fault);
+    if (!done) return false;
+    if (!probit && given != nullptr) {
+      run.report.Warning("The thresholds that FT or MT gives " + data.YName() +
+                         " are those of a normal variable: logistic regression estimates its own.");
     }
   }
   return true;

@@ -11,16 +11,6 @@ namespace {
 
 using stats::EStatus;
 
-bool Accumulate(CRegressionData& data, stats::CCrossProducts& sums, FAULT& fault) {
-  return data.Pass(
-      [&sums](const stats::RegressionBlock& cases) {
-        stats::CaseBlock block = cases.x;  // y stands behind the columns
-        ++block.variables;
-        sums.Add(block);
-      },
-      fault);
-}
-
 void WriteCoefficients(ENGINERUN& run, const CRegressionData& data,
                        const stats::LeastSquaresResult& result, bool oneStage) {
   CReport& report = run.report;
@@ -165,8 +155,8 @@ bool CheckInstruments(const PROCEDURE& procedure, const REGRESSION& regression,
   } else if (z.size() < regression.x.size()) {
     fault = ProcedureFault(procedure,
                            "the equation of " + data.YName() + " is not identified: it has " +
-                               std::to_string(regression.x.size()) + " x variables and only " +
-                               std::to_string(z.size()) + " instruments",
+                               CountText(regression.x.size(), "x variable") + " and only " +
+                               CountText(z.size(), "instrument"),
                            "Name at least as many instruments behind WITH as x variables; an x "
                            "that is exogenous is named there too.");
   }
@@ -180,8 +170,9 @@ bool RunRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
   for (const std::int32_t y : regression.y) {
     CRegressionData data(run, procedure, regression.x);
     const auto k = static_cast<int>(regression.x.size());
-    stats::CCrossProducts sums(k + 1, run.threads);
-    if (!data.Prepare(y, false, fault) || !Accumulate(data, sums, fault)) return false;
+    stats::CCrossProducts sums(k + 1);
+    data.Choose(y);
+    if (!data.SumProducts(sums, fault)) return false;
     const CString title =
         "Regression of " + data.YName() + " on " + NameList(run.job.data, regression.x);
     data.WriteHeading(title);
@@ -207,9 +198,9 @@ bool RunTwoStageRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
   for (const std::int32_t y : regression.y) {
     CRegressionData data(run, procedure, columns);
     const auto k = static_cast<int>(columns.size());
-    stats::CCrossProducts sums(k + 1, run.threads);
-    if (!data.Prepare(y, false, fault) || !CheckInstruments(procedure, regression, data, fault) ||
-        !Accumulate(data, sums, fault)) {
+    stats::CCrossProducts sums(k + 1);
+    data.Choose(y);
+    if (!CheckInstruments(procedure, regression, data, fault) || !data.SumProducts(sums, fault)) {
       return false;
     }
     const CString title =

@@ -1,6 +1,7 @@
 #include "engine/procedures/RegressionData.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "engine/screen/CasesSections.h"
 #include "host/Numbers.h"
@@ -11,48 +12,109 @@ bool IsListwise(const ENGINERUN& run) {
   return run.job.data.deletion != kPairwise;
 }
 
+// Of how many cases one is taken to a sample; 0 for too few to need one. An odd number, so that
+// the cases of a selection by even or odd numbers have their share.
+std::int64_t SampleStep(std::int64_t cases) {
+  constexpr std::int64_t kSampleCases = 16'384;
+  constexpr std::int64_t kWorthwhile = 5;
+  const std::int64_t step = cases / kSampleCases;
+  return step < kWorthwhile ? 0 : step | 1;
+}
+
 }  // namespace
 
 CRegressionData::CRegressionData(ENGINERUN& run, const PROCEDURE& procedure, VARIABLELIST columns)
-    : run_(run), procedure_(procedure), columns_(std::move(columns)) {}
+    : run_(run),
+      procedure_(procedure),
+      columns_(std::move(columns)),
+      survey_(static_cast<int>(columns_.size())) {}
 
-bool CRegressionData::Prepare(std::int32_t y, bool categories, FAULT& fault) {
+void CRegressionData::Choose(std::int32_t y) {
   y_ = y;
-  coded_ = categories;
+  coded_ = false;
   categories_ = VALUECOUNTS();
   otherValues_ = 0;
-  std::vector<CASECOLUMN> columns;
-  for (const std::int32_t column : columns_) columns.push_back({column, {}});
-  columns.push_back({y, {}});
+  source_.clear();
+  for (const std::int32_t column : columns_) source_.push_back({column, {}});
+  source_.push_back({y, {}});
   if (IsListwise(run_)) {
     for (const std::int32_t other : std::get<REGRESSION>(procedure_.what).y) {
-      if (other != y) columns.push_back({other, {}});
+      if (other != y) source_.push_back({other, {}});
     }
   }
-  if (categories) columns[columns_.size()].values = DefinedCategories(run_.job.data, y);
-  run_.source.SetColumns(columns);
+  run_.source.SetColumns(source_);
   run_.source.SetListwise(true);
-  if (!categories) return true;
-  if (!FindCategories(fault)) return false;
-  columns[columns_.size()].values = categories_.values;
-  run_.source.SetColumns(std::move(columns));
+}
+
+stats::CaseBlock CRegressionData::WithY(const CASEBLOCK& block) const {
+  stats::CaseBlock cells = block.cells;
+  cells.variables = static_cast<int>(columns_.size()) + 1;
+  return cells;
+}
+
+bool CRegressionData::SumProducts(stats::CCrossProducts& sums, FAULT& fault) {
+  return run_.PassInPieces(
+      run_.source,
+      [&](const CASEBLOCK& block) {
+        auto part = std::make_shared<stats::CCrossProducts>(sums.Variables());
+        part->Add(WithY(block));
+        return [&sums, part] { sums.Merge(*part); };
+      },
+      fault);
+}
+
+bool CRegressionData::Survey(bool categories, FAULT& fault) {
+  const std::size_t at = columns_.size();
+  const std::int64_t step = SampleStep(run_.file.Records());
+  survey_ = stats::CRegressionSurvey(static_cast<int>(at), step);
+  if (categories) {
+    source_[at].values = DefinedCategories(run_.job.data, y_);
+    run_.source.SetColumns(source_);
+  }
+  const bool done = run_.PassInPieces(
+      run_.source,
+      [&](const CASEBLOCK& block) {
+        auto part = std::make_shared<stats::CRegressionSurvey>(survey_.WithoutCases());
+        part->Add(WithY(block), block.numbers);
+        auto values = std::make_shared<VALUECOUNTS>();
+        for (std::int64_t k = 0; categories && k < block.cells.cases; ++k) {
+          values->Add(block.cells.cells[k * block.cells.stride + static_cast<std::int64_t>(at)],
+                      block.cells.weights != nullptr ? block.cells.weights[k] : 1);
+        }
+        return [this, part, values] {
+          survey_.Merge(*part);
+          categories_.Merge(*values);
+        };
+      },
+      fault);
+  if (!done || !categories) return done;
+  otherValues_ = run_.source.Counts().otherValues[at];
+  if (!CheckCategories(fault)) return false;
+  coded_ = true;
+  survey_.Sample().Code(categories_.values);
+  source_[at].values = categories_.values;
+  run_.source.SetColumns(source_);
   return true;
 }
 
-bool CRegressionData::FindCategories(FAULT& fault) {
-  const std::size_t at = columns_.size();
-  const bool done = run_.Pass(
-      run_.source,
-      [&](const CASEBLOCK& block) {
-        const stats::CaseBlock& cells = block.cells;
-        for (std::int64_t k = 0; k < cells.cases; ++k) {
-          categories_.Add(cells.cells[k * cells.stride + static_cast<std::int64_t>(at)],
-                          cells.weights != nullptr ? cells.weights[k] : 1);
-        }
-      },
-      fault);
-  if (!done) return false;
-  otherValues_ = run_.source.Counts().otherValues[at];
+bool CRegressionData::GiveCategories(const std::vector<double>& values, FAULT& fault) {
+  for (const double value : categories_.values) {
+    if (std::binary_search(values.begin(), values.end(), value)) continue;
+    fault = ProcedureFault(procedure_,
+                           "the thresholds of " + YName() + " are fixed for other categories: " +
+                               FormatShortest(value) + " is none of them",
+                           "Put this line above the one that gives the variable new values, or "
+                           "leave out the FT or MT line.");
+    return false;
+  }
+  for (const double value : values) categories_.Add(value, 0);
+  survey_.Sample().Code(values);
+  source_[columns_.size()].values = values;
+  run_.source.SetColumns(source_);
+  return true;
+}
+
+bool CRegressionData::CheckCategories(FAULT& fault) {
   if (categories_.tooMany) {
     fault = ProcedureFault(procedure_,
                            "variable " + YName() + " has more than " +
@@ -70,16 +132,15 @@ bool CRegressionData::FindCategories(FAULT& fault) {
   return !fault;
 }
 
-bool CRegressionData::Pass(const std::function<void(const stats::RegressionBlock&)>& work,
-                           FAULT& fault) {
+bool CRegressionData::Pass(const stats::RegressionWork& work, FAULT& fault) {
   const auto count = static_cast<int>(columns_.size());
-  return run_.Pass(
+  return run_.PassInPieces(
       run_.source,
-      [&](const CASEBLOCK& block) {
+      [&, count](const CASEBLOCK& block) {
         stats::RegressionBlock cases{block.cells, block.cells.cells + count, block.cells.stride,
                                      coded_ ? block.codes.codes : nullptr};
         cases.x.variables = count;
-        work(cases);
+        return work(cases);
       },
       fault);
 }
@@ -92,6 +153,8 @@ void CRegressionData::WriteHeading(const CString& title) const {
 }
 
 FAULT CRegressionData::FaultOf(stats::EStatus status, int variable) const {
+  // The only x is the one that it is about.
+  if (status == stats::EStatus::Boundary && columns_.size() == 1) variable = 0;
   const bool isX = variable >= 0 && static_cast<std::size_t>(variable) < columns_.size();
   const CString x = isX ? Name(static_cast<std::size_t>(variable)) : CString();
   const auto fault = [this](CString cause, CString remedy) {
@@ -123,7 +186,9 @@ FAULT CRegressionData::FaultOf(stats::EStatus status, int variable) const {
           (isX ? "the x variable " + x + " separates" : CString("the x variables separate")) +
               " the categories of " + YName() +
               " perfectly (or nearly so), so that the likelihood has no maximum",
-          "Leave the variable out, or join categories of it or of " + YName() + " with RC.");
+          CString(isX ? "Leave the variable out, or join categories of it"
+                      : "Leave out the x variable that does, or join categories of it") +
+              " or of " + YName() + " with RC.");
     default:
       return fault(
           "the equation of " + YName() + " cannot be estimated: " + stats::StatusText(status),

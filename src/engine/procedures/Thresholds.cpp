@@ -6,7 +6,9 @@
 #include "engine/run/Estimates.h"
 #include "engine/screen/CasesSections.h"
 #include "engine/screen/ThresholdFile.h"
+#include "engine/stats/CommonThresholds.h"
 #include "engine/stats/EqualThresholds.h"
+#include "engine/stats/FixedThresholds.h"
 #include "engine/stats/Thresholds.h"
 
 namespace {
@@ -199,6 +201,7 @@ bool RunMarginalThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
     const auto result = stats::EstimateThresholds(counts.counts);
     TABLE table = ThresholdTable(report);
     AddThresholds(report, counts.values, result.threshold, result.standardError, table);
+    run.job.givenThresholds.push_back({mt.variables[j], counts.values, result.threshold, true});
     const CString name = ShownName(run.job.data, mt.variables[j]);
     report.Subsection(name + "   (n = " + CReport::Count(result.n) + ")");
     report.Table(table);
@@ -248,6 +251,7 @@ bool RunFixedThresholds(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault
         "Use another file of thresholds, or join categories with RC.");
     return false;
   }
+  run.job.givenThresholds.push_back({variable, counts.values, thresholds, false});
   margins.WriteData(1);
   report.Section("Fixed thresholds of " + name);
   TABLE table = ThresholdTable(report);

@@ -90,8 +90,8 @@ void CReport::Table(const TABLE& table) {
   AppendTable(table, columns_, text_);
   if (!Overflows(table)) return;
   Warning(
-      "\"overflow\" stands for figures beyond the range of numbers, about 1.8e308. Divide "
-      "variables with such large values by a power of ten with NE first.");
+      "\"overflow\" stands for figures beyond the range of numbers, about 1.8e308. Bring the "
+      "variables to units with neither very large nor very small values with NE first.");
 }
 
 void CReport::Warning(std::string_view text) {

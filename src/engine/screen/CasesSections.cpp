@@ -87,7 +87,7 @@ void WritePatterns(const ENGINERUN& run, const SCREENVARIABLES& variables) {
     for (std::size_t i = kShownPatterns; i < patterns.size(); ++i) others += patterns[i].first;
     run.report.Gap();
     run.report.Paragraph(
-        std::to_string(others) + " further cases have " +
+        std::to_string(others) + (others == 1 ? " further case has " : " further cases have ") +
         (census.otherPatterns > 0 ? "many" : std::to_string(patterns.size() - kShownPatterns)) +
         " other patterns.");
   }
@@ -134,8 +134,9 @@ void WriteDataWarnings(const ENGINERUN& run, const CASECOUNTS& counts) {
                        " cases, and not everything is there. What is there was used.");
   }
   if (counts.infinite > 0) {
-    run.report.Warning(std::to_string(counts.infinite) +
-                       " cells are infinite. They count as missing.");
+    run.report.Warning(counts.infinite == 1 ? CString("1 cell is infinite. It counts as missing.")
+                                            : std::to_string(counts.infinite) +
+                                                  " cells are infinite. They count as missing.");
   }
   for (std::size_t t = 0; t < counts.undefined.size(); ++t) {
     const std::int64_t count = counts.undefined[t];

@@ -18,7 +18,7 @@ bool ChooseVariables(const ENGINERUN& run, std::vector<std::int32_t>& chosen, FA
   for (const std::int32_t variable : job.selected) {
     if (!job.selection.Drops(variable)) continue;
     fault = LineFault(job.selectedLine,
-                      "variable " + std::to_string(variable + 1) +
+                      "variable " + ShownName(job.data, variable) +
                           " is selected by SE, and dropped by an SD line",
                       "Take it out of one of the two lines.");
     return false;
@@ -69,7 +69,9 @@ FAULT UnusableCasesFault(const JOB& job, const CASECOUNTS& counts) {
 
 CString OtherValuesText(const CString& name, std::int64_t cells) {
   return "Variable " + name + " has " + std::to_string(cells) +
-         " cells with values that are none of its categories. They count as missing.";
+         (cells == 1
+              ? " cell with a value that is none of its categories. It counts as missing."
+              : " cells with values that are none of its categories. They count as missing.");
 }
 
 CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable) {

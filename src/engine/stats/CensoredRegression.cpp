@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <numbers>
 
-#include <Eigen/Cholesky>
-
 #include "engine/stats/Distributions.h"
 
 namespace stats {
@@ -15,96 +13,94 @@ using Eigen::Index;
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-// Sums of y over the uncensored cases, about the first of them.
-struct Uncensored {
-  double n = 0, origin = 0, sum = 0, squares = 0;
-  bool known = false;
-
-  void Add(double y, double weight) {
-    if (!known) origin = y;
-    known = true;
-    n += weight;
-    sum += weight * (y - origin);
-    squares += weight * (y - origin) * (y - origin);
+// The cases at the limits, and the moments of y over the others. Sums of twice the digits lose
+// nothing when the former are taken from those of all cases.
+CensoredSums CountCensored(const CRegressionSurvey& survey, bool below, bool above) {
+  const CCrossProducts& all = survey.Products();
+  const ValueRange& range = survey.Range();
+  const int y = survey.X();
+  CensoredSums sums;
+  if (below) {
+    sums.below = range.atLow;
+    sums.lower = range.low;
   }
-  double Mean() const { return origin + sum / n; }
-  double Variance() const {
-    const double variance = squares / n - (sum / n) * (sum / n);
-    return variance < 0 ? 0 : variance;
-  }
-};
+  if (above && !(below && range.low == range.high)) sums.above = range.atHigh;
+  if (above) sums.upper = range.high;
+  const Quad n = all.N() - Quad(sums.below) - Quad(sums.above);
+  const Quad lower = sums.lower, upper = sums.upper;
+  sums.n = static_cast<double>(n);
+  if (!(sums.n > 0)) return sums;
+  const Quad mean = (all.Sum(y, y + 1) - Quad(sums.below) * lower - Quad(sums.above) * upper) / n;
+  const Quad square =
+      (all.Sum(y, y) - Quad(sums.below) * lower * lower - Quad(sums.above) * upper * upper) / n;
+  constexpr double kNothing = 1e-26;
+  const Quad variance = square - mean * mean;
+  sums.mean = static_cast<double>(mean);
+  sums.m2 = variance > square * Quad(kNothing) ? static_cast<double>(variance) : 0;
+  if (!std::isfinite(static_cast<double>(square))) sums.m2 = HUGE_VAL;
+  return sums;
+}
 
-// In the standardised y: the predictor is that of y / sd, `precision` is 1 / sd.
-CaseLikelihood CaseAt(double y, const CensoringLimits& limits, double precision, double predictor) {
-  CaseLikelihood one;
-  one.other[0] = 0;
-  const bool below = y <= limits.lower;
-  if (!below && y < limits.upper) {
-    const double z = precision * y - predictor;
-    one.value = std::log(precision) - 0.5 * std::log(2 * std::numbers::pi) - 0.5 * z * z;
+// What a case adds, in the standardised y: the predictor is that of y / sd, `precision` is 1 / sd.
+class CCaseModel {
+ public:
+  CCaseModel(const CensoringLimits& limits, double center, double spread)
+      : limits_(limits), center_(center), spread_(spread) {}
+
+  CCaseModel At(double precision) const {
+    CCaseModel model = *this;
+    model.precision_ = precision;
+    model.constant_ = std::log(precision) - 0.5 * std::log(2 * std::numbers::pi);
+    return model;
+  }
+
+  CaseLikelihood operator()(const RegressionBlock& block, std::int64_t k, double predictor) const {
+    const double value = block.y[k * block.yStride];
+    const bool below = value <= limits_.lower;
+    const double y = (value - center_) / spread_;
+    return below || value >= limits_.upper ? Censored(y, below, predictor) : Inside(y, predictor);
+  }
+
+ private:
+  CaseLikelihood Inside(double y, double predictor) const {
+    CaseLikelihood one;
+    const double z = precision_ * y - predictor;
+    one.value = constant_ - 0.5 * z * z;
     one.slope = z;
     one.curve = -1;
-    one.otherSlope[0] = 1 / precision - z * y;
-    one.otherCurve[0] = -1 / (precision * precision) - y * y;
+    one.other[0] = 0;
+    one.otherSlope[0] = 1 / precision_ - z * y;
+    one.otherCurve[0] = -1 / (precision_ * precision_) - y * y;
     one.mixed[0] = y;
     return one;
   }
-  const double limit = below ? limits.lower : limits.upper;
-  const double sign = below ? 1 : -1;
-  const double z = sign * (precision * limit - predictor);
-  one.value = LogNormalCdf(z);
-  const double slope = InverseMills(z);
-  const double curve = -slope * (slope + z);
-  one.slope = -sign * slope;
-  one.curve = curve;
-  one.otherSlope[0] = sign * limit * slope;
-  one.otherCurve[0] = limit * limit * curve;
-  one.mixed[0] = -limit * curve;
-  return one;
-}
 
-// Derivatives of coefficients and log sd by the parameters of the concave form.
-void TakeBack(const NewtonResult& newton, const RegressorScale& scale, double center, double spread,
-              CensoredRegressionResult& result) {
-  const Index x = scale.mean.size();
-  const double precision = newton.parameters(x + 1);
-  // Parameters: slopes of standardised x, constant, precision. Results: intercept, slopes, log sd.
-  MatrixXd back = MatrixXd::Zero(x + 2, x + 2);
-  VectorXd values = VectorXd::Zero(x + 2);
-  const double unit = spread / precision;
-  values(0) = center + unit * newton.parameters(x);
-  back(0, x) = unit;
-  back(0, x + 1) = -unit * newton.parameters(x) / precision;
-  for (Index j = 0; j < x; ++j) {
-    const double scaled = unit / scale.sd(j);
-    values(j + 1) = scaled * newton.parameters(j);
-    back(j + 1, j) = scaled;
-    back(j + 1, x + 1) = -values(j + 1) / precision;
-    values(0) -= scale.mean(j) * values(j + 1);
-    back.row(0) -= scale.mean(j) * back.row(j + 1);
+  CaseLikelihood Censored(double limit, bool below, double predictor) const {
+    CaseLikelihood one;
+    const double sign = below ? 1 : -1;
+    const double z = sign * (precision_ * limit - predictor);
+    const LogCdfAndMills at = NormalLogCdfAndMills(z);
+    const double slope = at.mills;
+    one.value = at.logCdf;
+    const double curve = -slope * (slope + z);
+    one.slope = -sign * slope;
+    one.curve = curve;
+    one.other[0] = 0;
+    one.otherSlope[0] = sign * limit * slope;
+    one.otherCurve[0] = limit * limit * curve;
+    one.mixed[0] = -limit * curve;
+    return one;
   }
-  back(x + 1, x + 1) = -1 / precision;
-  const MatrixXd inverse = (-newton.sums.hessian).ldlt().solve(MatrixXd::Identity(x + 2, x + 2));
-  result.covariance = back * inverse * back.transpose();
-  for (Index j = 0; j <= x; ++j) {
-    result.coefficient.push_back(values(j));
-    result.standardError.push_back(std::sqrt(result.covariance(j, j)));
-  }
-  result.sd = unit;
-  result.logSdError = std::sqrt(result.covariance(x + 1, x + 1));
-  result.sdError = result.sd * result.logSdError;
-}
+
+  CensoringLimits limits_;
+  double center_, spread_, precision_ = 1, constant_ = 0;
+};
 
 // `slopes`: of the standardised x, in units of the residual standard deviation.
-void ComputeFit(const CensoringLimits& limits, const Uncensored& inside,
-                const RegressorScale& scale, const VectorXd& slopes,
+void ComputeFit(const CensoredSums& sums, const RegressorScale& scale, const VectorXd& slopes,
                 CensoredRegressionResult& result) {
-  const auto known = [](double limit) { return std::isfinite(limit) ? limit : 0.0; };
-  const CensoredResult none =
-      EstimateCensored({result.below, known(limits.lower), result.above, known(limits.upper),
-                        inside.n, inside.Mean(), inside.Variance()});
-  result.logLikelihoodNull = none.logLikelihood;
-  result.ratio = std::max(0.0, 2 * (result.logLikelihood - none.logLikelihood));
+  result.logLikelihoodNull = EstimateCensored(sums).logLikelihood;
+  result.ratio = std::max(0.0, 2 * (result.logLikelihood - result.logLikelihoodNull));
   result.df = static_cast<double>(slopes.size());
   result.p = ChiSquareUpper(result.ratio, result.df);
   // The standardised x have the divisor n - 1, the residuals n.
@@ -112,60 +108,46 @@ void ComputeFit(const CensoringLimits& limits, const Uncensored& inside,
   result.rSquare = explained / (explained + 1);
 }
 
+EStatus Check(const CensoredSums& sums, int x) {
+  if (!(sums.n > x + 1)) return EStatus::TooFewCases;
+  if (!std::isfinite(sums.m2)) return EStatus::NotFinite;
+  return sums.m2 > 0 ? EStatus::Ok : EStatus::Constant;
+}
+
 }  // namespace
 
-CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass, int x,
-                                                    const CensoringLimits& limits, int threads) {
+CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass,
+                                                    const CRegressionSurvey& survey, bool below,
+                                                    bool above) {
   CensoredRegressionResult result;
   result.status = EStatus::BadArgument;
+  const int x = survey.X();
   if (x < 1) return result;
-  const RegressorScale scale = ScaleRegressors(pass, x, threads);
+  const RegressorScale scale = ScaleRegressors(survey);
   result.status = scale.status;
   result.variable = scale.variable;
-  result.stopped = scale.stopped;
   result.n = scale.n;
   result.smallestPivot = scale.smallestPivot;
-  if (result.stopped || result.status != EStatus::Ok) return result;
-  Uncensored inside;
-  result.stopped = !pass([&](const RegressionBlock& block) {
-    for (std::int64_t k = 0; k < block.x.cases; ++k) {
-      const double y = block.y[k * block.yStride];
-      const double weight = block.x.weights != nullptr ? block.x.weights[k] : 1;
-      if (y <= limits.lower) {
-        result.below += weight;
-      } else if (y >= limits.upper) {
-        result.above += weight;
-      } else {
-        inside.Add(y, weight);
-      }
-    }
-  });
-  if (result.stopped) return result;
-  if (!(inside.n > x + 1)) result.status = EStatus::TooFewCases;
-  if (result.status == EStatus::Ok && !std::isfinite(inside.Variance()))
-    result.status = EStatus::NotFinite;
-  if (result.status == EStatus::Ok && !(inside.Variance() > 0)) result.status = EStatus::Constant;
+  if (result.status != EStatus::Ok) return result;
+  const CensoredSums inside = CountCensored(survey, below, above);
+  result.below = inside.below;
+  result.above = inside.above;
+  if (below) result.limits.lower = inside.lower;
+  if (above) result.limits.upper = inside.upper;
+  result.status = Check(inside, x);
   if (result.status != EStatus::Ok) return result;
 
-  const double center = inside.Mean();
-  const double spread = std::sqrt(inside.Variance());
-  const CensoringLimits standard{(limits.lower - center) / spread,
-                                 (limits.upper - center) / spread};
-  const CLikelihoodPass likelihood(scale, true, 1, threads);
+  const double spread = std::sqrt(inside.m2);
+  const CCaseModel model(result.limits, inside.mean, spread);
+  const CLikelihoodPass likelihood(scale, true, 1);
   VectorXd start = VectorXd::Zero(x + 2);
   start(x + 1) = 1;
-  const NewtonResult newton = MaximiseLikelihood(
-      std::move(start), result.n, [&](const VectorXd& parameters, LikelihoodSums& sums) {
-        const double precision = parameters(x + 1);
+  const NewtonResult newton = MaximiseFromSample(
+      std::move(start), result.n, pass, survey.Sample(),
+      [&](const RegressionPass& over, const VectorXd& parameters, LikelihoodSums& sums) {
         sums.value = -HUGE_VAL;
-        if (!(precision > 0)) return true;
-        return likelihood.Sum(
-            pass, parameters.head(x + 1),
-            [&](const RegressionBlock& block, std::int64_t k, double predictor) {
-              return CaseAt((block.y[k * block.yStride] - center) / spread, standard, precision,
-                            predictor);
-            },
-            sums);
+        if (!(parameters(x + 1) > 0)) return true;
+        return likelihood.Sum(over, parameters.head(x + 1), model.At(parameters(x + 1)), sums);
       });
   result.stopped = newton.stopped;
   result.status = newton.status;
@@ -174,8 +156,8 @@ CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass, 
   if (newton.stopped || newton.status != EStatus::Ok) return result;
   result.gradient = newton.sums.gradient.cwiseAbs().maxCoeff() / result.n;
   result.logLikelihood = newton.sums.value - inside.n * std::log(spread);
-  TakeBack(newton, scale, center, spread, result);
-  ComputeFit(limits, inside, scale, newton.parameters.head(x), result);
+  static_cast<LocationScale&>(result) = LocationScaleOf(newton, scale, inside.mean, spread);
+  ComputeFit(inside, scale, newton.parameters.head(x), result);
   return result;
 }
 

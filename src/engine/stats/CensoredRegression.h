@@ -2,16 +2,13 @@
 #pragma once
 
 #include <cmath>
-#include <vector>
-
-#include <Eigen/Core>
 
 #include "engine/stats/Censored.h"
-#include "engine/stats/RegressionCases.h"
+#include "engine/stats/LocationScale.h"
 
 namespace stats {
 
-// A case at or beyond a limit counts as censored there. Limits that do not hold are infinite.
+// A case at a limit counts as censored there. Limits that do not hold are infinite.
 struct CensoringLimits {
   double lower = -HUGE_VAL, upper = HUGE_VAL;
 };
@@ -23,14 +20,12 @@ struct CensoringLimits {
 // uncensored cases than coefficients), Constant with `variable` -1 (the uncensored y are all
 // equal), NotFinite with -1 (their squares are no doubles), Boundary (an x tells the censored cases
 // from the others: `variable`), NotConverged.
-struct CensoredRegressionResult {
+struct CensoredRegressionResult : LocationScale {
   EStatus status = EStatus::NoCases;
   int variable = -1;
   bool stopped = false;
+  CensoringLimits limits;
   double n = 0, below = 0, above = 0;
-  std::vector<double> coefficient, standardError;  // the intercept first
-  Eigen::MatrixXd covariance;                      // of the coefficients, then log sd
-  double sd = 0, sdError = 0, logSdError = 0;
   double logLikelihood = 0, logLikelihoodNull = 0;  // null: no x
   double ratio = 0, df = 0, p = 1;                  // likelihood ratio of the slopes
   // Of the variable behind y: the share of x'b in its variance (R. D. McKelvey and W. Zavoina,
@@ -41,7 +36,9 @@ struct CensoredRegressionResult {
   int iterations = 0;
 };
 
-CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass, int x,
-                                                    const CensoringLimits& limits, int threads = 1);
+// `below`, `above`: where y is censored; the limits are its smallest and its largest value.
+CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass,
+                                                    const CRegressionSurvey& survey, bool below,
+                                                    bool above);
 
 }  // namespace stats

@@ -7,7 +7,7 @@ namespace stats {
 
 // Adds the sum of x[k] y[k] to high + low, as if it were computed with 106 bits (T. Ogita, S. M.
 // Rump and S. Oishi, SIAM Journal on Scientific Computing 26, 2005, 1955-1988). `count` is a
-// multiple of 8.
+// multiple of 16.
 using CompensatedDot = void (*)(const double* x, const double* y, std::int64_t count, double& high,
                                 double& low);
 
@@ -19,6 +19,9 @@ void Dot(const double* x, const double* y, std::int64_t count, double& high, dou
 }
 #ifdef VEX_KERNELS_AVX2
 namespace avx2 {
+void Dot(const double* x, const double* y, std::int64_t count, double& high, double& low);
+}
+namespace avx512 {
 void Dot(const double* x, const double* y, std::int64_t count, double& high, double& low);
 }
 #endif

@@ -23,7 +23,7 @@ inline void AddExactly(double x, double& sum, double& error) {
 }  // namespace
 
 void Dot(const double* x, const double* y, std::int64_t count, double& high, double& low) {
-  constexpr int kChains = 8;
+  constexpr int kChains = 16;
   double sum[kChains] = {};
   double error[kChains] = {};
   for (std::int64_t k = 0; k < count; k += kChains) {

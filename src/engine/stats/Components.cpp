@@ -17,16 +17,19 @@ using Eigen::Index;
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-// The eigenvalues of one random correlation matrix.
-VectorXd DrawEigenvalues(Index p, double n, std::mt19937_64& random) {
+// The eigenvalues of one random correlation matrix or, with standard deviations, covariance matrix.
+VectorXd DrawEigenvalues(Index p, const VectorXd* deviations, double n, std::mt19937_64& random) {
   std::normal_distribution<double> normal;
   MatrixXd factor = MatrixXd::Zero(p, p);
   for (Index i = 0; i < p; ++i) {
     std::gamma_distribution<double> gamma((n - 1 - static_cast<double>(i)) / 2, 2);
     factor(i, i) = std::sqrt(gamma(random));
     for (Index j = 0; j < i; ++j) factor(i, j) = normal(random);
-    // A row of unit length makes the product a correlation matrix.
-    factor.row(i).normalize();
+    if (deviations != nullptr) {
+      factor.row(i) *= (*deviations)(i) / std::sqrt(n - 1);
+    } else {  // a row of unit length makes the product a correlation matrix
+      factor.row(i).normalize();
+    }
   }
   const Eigen::SelfAdjointEigenSolver<MatrixXd> solver(factor * factor.transpose(),
                                                        Eigen::EigenvaluesOnly);
@@ -53,8 +56,10 @@ ComponentsResult EstimateComponents(const MatrixXd& matrix) {
   return result;
 }
 
-ParallelAnalysisResult AnalyseParallel(int variables, double n, int samples, std::uint64_t seed,
-                                       int threads) {
+namespace {
+
+ParallelAnalysisResult DrawSamples(int variables, const VectorXd* deviations, double n, int samples,
+                                   std::uint64_t seed, int threads) {
   ParallelAnalysisResult result;
   if (variables < 1 || !(n > variables) || samples < 1) return result;
   std::vector<VectorXd> drawn(static_cast<std::size_t>(samples));
@@ -62,7 +67,7 @@ ParallelAnalysisResult AnalyseParallel(int variables, double n, int samples, std
     std::seed_seq sequence{static_cast<std::uint32_t>(seed), static_cast<std::uint32_t>(seed >> 32),
                            static_cast<std::uint32_t>(sample)};
     std::mt19937_64 random(sequence);
-    drawn[static_cast<std::size_t>(sample)] = DrawEigenvalues(variables, n, random);
+    drawn[static_cast<std::size_t>(sample)] = DrawEigenvalues(variables, deviations, n, random);
   });
   result.mean.setZero(variables);
   result.percentile95.setZero(variables);
@@ -77,6 +82,26 @@ ParallelAnalysisResult AnalyseParallel(int variables, double n, int samples, std
     result.percentile95(j) = values[static_cast<std::size_t>(at)];
   }
   return result;
+}
+
+}  // namespace
+
+ParallelAnalysisResult AnalyseParallel(int variables, double n, int samples, std::uint64_t seed,
+                                       int threads) {
+  return DrawSamples(variables, nullptr, n, samples, seed, threads);
+}
+
+ParallelAnalysisResult AnalyseParallel(const VectorXd& deviations, double n, int samples,
+                                       std::uint64_t seed, int threads) {
+  return DrawSamples(static_cast<int>(deviations.size()), &deviations, n, samples, seed, threads);
+}
+
+int CountAboveChance(const VectorXd& eigenvalues, const ParallelAnalysisResult& chance) {
+  Index above = 0;
+  while (above < chance.percentile95.size() && eigenvalues(above) > chance.percentile95(above)) {
+    ++above;
+  }
+  return static_cast<int>(above);
 }
 
 }  // namespace stats

@@ -29,5 +29,11 @@ struct ParallelAnalysisResult {
 };
 ParallelAnalysisResult AnalyseParallel(int variables, double n, int samples, std::uint64_t seed,
                                        int threads = 1);
+// The same of covariance matrices of variables with these standard deviations.
+ParallelAnalysisResult AnalyseParallel(const Eigen::VectorXd& deviations, double n, int samples,
+                                       std::uint64_t seed, int threads = 1);
+
+// How many eigenvalues, from the first one on, are above what chance exceeds in 5% of samples.
+int CountAboveChance(const Eigen::VectorXd& eigenvalues, const ParallelAnalysisResult& chance);
 
 }  // namespace stats

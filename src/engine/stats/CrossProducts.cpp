@@ -1,6 +1,7 @@
 #include "engine/stats/CrossProducts.h"
 
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 #include "engine/stats/CompensatedDot.h"
@@ -31,7 +32,8 @@ class CGroup {
     cases_ += segment.Cases();
     finite_ = finite_ && segment.Finite();
     // Beyond the cases stand zeros.
-    const std::int64_t count = (segment.Cases() + kLanes - 1) / kLanes * kLanes;
+    constexpr std::int64_t kMultiple = 16;
+    const std::int64_t count = (segment.Cases() + kMultiple - 1) / kMultiple * kMultiple;
     const CompensatedDot dot = ActiveCompensatedDot();
     for (int i = 0; i <= variables_; ++i) {
       const double* left = Column(i);
@@ -90,15 +92,24 @@ class CGroup {
 
 }  // namespace
 
-CCrossProducts::CCrossProducts(int variables, int threads)
-    : variables_(variables), threads_(threads), sums_(TriangleIndex(variables + 1, 0), Quad(0)) {}
+CCrossProducts::CCrossProducts(int variables)
+    : variables_(variables), sums_(TriangleIndex(variables + 1, 0), Quad(0)) {}
 
 void CCrossProducts::Add(const CaseBlock& block) {
   CheckShape(block, variables_);
   SumInGroups<CGroup>(
-      block, EDeletion::Listwise, threads_, [this] { return CGroup(variables_); },
+      block, EDeletion::Listwise, 1, [this] { return CGroup(variables_); },
       [](CGroup& group, CSegment& segment) { group.Add(segment); },
       [this](const CGroup& group) { group.AddTo(sums_, cases_, finite_); });
+}
+
+void CCrossProducts::Merge(const CCrossProducts& other) {
+  if (other.variables_ != variables_) {
+    throw std::invalid_argument("the sums are those of another number of variables");
+  }
+  for (std::size_t at = 0; at < sums_.size(); ++at) sums_[at] += other.sums_[at];
+  cases_ += other.cases_;
+  finite_ = finite_ && other.finite_;
 }
 
 EStatus CCrossProducts::CheckSpread(int i) const {

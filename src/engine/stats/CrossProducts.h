@@ -12,13 +12,14 @@ namespace stats {
 
 // Products and sums carry 106 bits, so that neither a large common offset nor nearly collinear
 // variables cost digits of the result. A case with a missing value, or with a weight that is not
-// above zero, is left out. Results do not depend on the number of threads. Memory: a few matrices.
+// above zero, is left out. Memory: a few matrices.
 class CCrossProducts {
  public:
-  explicit CCrossProducts(int variables, int threads = 1);
+  explicit CCrossProducts(int variables);
 
-  // Throws std::invalid_argument for another number of variables.
+  // Both throw std::invalid_argument for another number of variables.
   void Add(const CaseBlock& block);
+  void Merge(const CCrossProducts& other);
 
   int Variables() const { return variables_; }
   std::int64_t Cases() const { return cases_; }
@@ -35,7 +36,7 @@ class CCrossProducts {
   Quad Centred(int i, int j) const;
 
  private:
-  int variables_, threads_;
+  int variables_;
   std::int64_t cases_ = 0;
   bool finite_ = true;
   std::vector<Quad> sums_;  // lower triangle by rows

@@ -105,4 +105,10 @@ double InverseMills(double x) {
   return -x / TailFactor(x);
 }
 
+LogCdfAndMills NormalLogCdfAndMills(double x) {
+  if (!(x >= kFarTail)) return {LogNormalCdf(x), InverseMills(x)};
+  const double below = NormalCdf(x);
+  return {std::log(below), NormalDensity(x) / below};
+}
+
 }  // namespace stats

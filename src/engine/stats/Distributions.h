@@ -30,4 +30,10 @@ double StudentQuantile(double p, double df);
 double LogNormalCdf(double x);
 double InverseMills(double x);
 
+// The two together.
+struct LogCdfAndMills {
+  double logCdf, mills;
+};
+LogCdfAndMills NormalLogCdfAndMills(double x);
+
 }  // namespace stats

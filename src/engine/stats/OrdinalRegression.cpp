@@ -7,6 +7,7 @@
 
 #include "engine/stats/Distributions.h"
 #include "engine/stats/Kernels.h"
+#include "engine/stats/LinkInterval.h"
 
 namespace stats {
 
@@ -15,69 +16,6 @@ namespace {
 using Eigen::Index;
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
-
-// log F of an interval of the link's distribution, with derivatives by its ends.
-struct Interval {
-  double value = 0;
-  double upper = 0, lower = 0;
-  double upperCurve = 0, lowerCurve = 0, mixed = 0;
-};
-
-struct ProbitLink {
-  static double Density(double z) { return NormalDensity(z); }
-  static double DensitySlope(double z, double density) { return -z * density; }
-  static double Probability(double lower, double upper) { return NormalInterval(lower, upper); }
-  // log F, with two derivatives.
-  static void Below(double z, double& value, double& slope, double& curve) {
-    value = LogNormalCdf(z);
-    slope = InverseMills(z);
-    curve = -slope * (slope + z);
-  }
-  static double Quantile(double p) { return NormalQuantile(p); }
-};
-
-struct LogisticLink {
-  static double Cdf(double z) {
-    return z >= 0 ? 1 / (1 + std::exp(-z)) : std::exp(z) / (1 + std::exp(z));
-  }
-  static double Density(double z) { return Cdf(z) * Cdf(-z); }
-  static double DensitySlope(double z, double density) { return density * (Cdf(-z) - Cdf(z)); }
-  static double Probability(double lower, double upper) {
-    return lower > 0 ? Cdf(-lower) - Cdf(-upper) : Cdf(upper) - Cdf(lower);
-  }
-  static void Below(double z, double& value, double& slope, double& curve) {
-    const double small = std::exp(-std::fabs(z));
-    const double sum = 1 + small;
-    value = (z < 0 ? z : 0) - std::log1p(small);
-    slope = (z < 0 ? 1 : small) / sum;
-    curve = -small / (sum * sum);
-  }
-  static double Quantile(double p) { return std::log(p / (1 - p)); }
-};
-
-template <typename Link>
-Interval IntervalAt(const double* lower, const double* upper) {
-  Interval interval;
-  if (lower == nullptr) {
-    Link::Below(*upper, interval.value, interval.upper, interval.upperCurve);
-    return interval;
-  }
-  if (upper == nullptr) {  // F is symmetric
-    Link::Below(-*lower, interval.value, interval.lower, interval.lowerCurve);
-    interval.lower = -interval.lower;
-    return interval;
-  }
-  const double p = Link::Probability(*lower, *upper);
-  interval.value = std::log(p);
-  const double atUpper = Link::Density(*upper);
-  const double atLower = Link::Density(*lower);
-  interval.upper = atUpper / p;
-  interval.lower = -atLower / p;
-  interval.upperCurve = Link::DensitySlope(*upper, atUpper) / p - interval.upper * interval.upper;
-  interval.lowerCurve = -Link::DensitySlope(*lower, atLower) / p - interval.lower * interval.lower;
-  interval.mixed = -interval.upper * interval.lower;
-  return interval;
-}
 
 template <typename Link>
 CaseLikelihood CaseAt(int category, const VectorXd& thresholds, double predictor) {
@@ -123,12 +61,12 @@ struct TwoCategories {
   void AddCases(const RegressionBlock& block, std::int64_t first, std::int64_t cases,
                 CLikelihoodPass::Chunk& chunk, int columns, LikelihoodSums& sums) const {
     double z[CLikelihoodPass::kChunkCases], value[CLikelihoodPass::kChunkCases];
-    double* const slope = chunk.slope.data();
-    double* const curve = chunk.curve.data();
-    double* const mixed = chunk.mixed.data();
+    double* const slope = chunk.Slope();
+    double* const curve = chunk.Curve();
+    double* const mixed = chunk.Mixed(0);
     const std::uint8_t* const codes = block.codes + first;
     for (std::int64_t k = 0; k < cases; ++k) {
-      const double distance = threshold - chunk.predictor(k);
+      const double distance = threshold - chunk.Predictor()[k];
       z[k] = codes[k] == 0 ? distance : -distance;
     }
     ActiveKernels().logistic(z, cases, value, slope, curve);
@@ -149,14 +87,6 @@ struct TwoCategories {
   }
 };
 
-bool CountCategories(const RegressionPass& pass, OrdinalRegressionResult& result) {
-  return pass([&result](const RegressionBlock& block) {
-    for (std::int64_t k = 0; k < block.x.cases; ++k) {
-      result.frequency[block.codes[k]] += block.x.weights != nullptr ? block.x.weights[k] : 1;
-    }
-  });
-}
-
 template <typename Link>
 VectorXd MarginalThresholds(const std::vector<double>& frequency, double n) {
   VectorXd thresholds(static_cast<Index>(frequency.size()) - 1);
@@ -169,15 +99,16 @@ VectorXd MarginalThresholds(const std::vector<double>& frequency, double n) {
 }
 
 template <typename Link>
-NewtonResult Maximise(const RegressionPass& pass, const RegressorScale& scale,
-                      const OrdinalRegressionResult& result, int threads) {
+NewtonResult Maximise(const RegressionPass& pass, const CRegressionSample& sample,
+                      const RegressorScale& scale, const OrdinalRegressionResult& result) {
   const auto cuts = static_cast<int>(result.frequency.size()) - 1;
-  const CLikelihoodPass likelihood(scale, false, cuts, threads);
+  const CLikelihoodPass likelihood(scale, false, cuts);
   const int x = likelihood.Columns();
   VectorXd start = VectorXd::Zero(x + cuts);
   start.tail(cuts) = MarginalThresholds<Link>(result.frequency, result.n);
-  return MaximiseLikelihood(
-      std::move(start), result.n, [&](const VectorXd& parameters, LikelihoodSums& sums) {
+  return MaximiseFromSample(
+      std::move(start), result.n, pass, sample,
+      [&](const RegressionPass& over, const VectorXd& parameters, LikelihoodSums& sums) {
         const VectorXd thresholds = parameters.tail(cuts);
         for (Index j = 1; j < cuts; ++j) {
           if (thresholds(j) > thresholds(j - 1)) continue;
@@ -186,10 +117,10 @@ NewtonResult Maximise(const RegressionPass& pass, const RegressorScale& scale,
         }
         if constexpr (std::is_same_v<Link, LogisticLink>) {
           if (cuts == 1) {
-            return likelihood.Sum(pass, parameters.head(x), TwoCategories{thresholds(0)}, sums);
+            return likelihood.Sum(over, parameters.head(x), TwoCategories{thresholds(0)}, sums);
           }
         }
-        return likelihood.Sum(pass, parameters.head(x), AnyCategories<Link>{thresholds}, sums);
+        return likelihood.Sum(over, parameters.head(x), AnyCategories<Link>{thresholds}, sums);
       });
 }
 
@@ -228,29 +159,29 @@ void ComputeFit(double logLikelihood, OrdinalRegressionResult& result) {
 
 }  // namespace
 
-OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass, int x, int categories,
-                                                  ELink link, int threads) {
+OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass,
+                                                  const CRegressionSurvey& survey,
+                                                  const std::vector<double>& frequency,
+                                                  ELink link) {
   OrdinalRegressionResult result;
   result.status = EStatus::BadArgument;
-  if (categories < 2 || x < 1) return result;
-  const RegressorScale scale = ScaleRegressors(pass, x, threads);
+  const int x = survey.X();
+  if (frequency.size() < 2 || x < 1) return result;
+  const RegressorScale scale = ScaleRegressors(survey);
   result.status = scale.status;
   result.variable = scale.variable;
-  result.stopped = scale.stopped;
   result.n = scale.n;
   result.smallestPivot = scale.smallestPivot;
-  if (result.stopped || result.status != EStatus::Ok) return result;
-  result.frequency.assign(static_cast<std::size_t>(categories), 0);
-  result.stopped = !CountCategories(pass, result);
-  if (result.stopped) return result;
+  if (result.status != EStatus::Ok) return result;
+  result.frequency = frequency;
   for (const double f : result.frequency) {
     if (f == result.n) result.status = EStatus::OneCategory;
     if (f == 0 && result.status == EStatus::Ok) result.status = EStatus::BadArgument;
   }
   if (result.status != EStatus::Ok) return result;
   const NewtonResult newton = link == ELink::Probit
-                                  ? Maximise<ProbitLink>(pass, scale, result, threads)
-                                  : Maximise<LogisticLink>(pass, scale, result, threads);
+                                  ? Maximise<ProbitLink>(pass, survey.Sample(), scale, result)
+                                  : Maximise<LogisticLink>(pass, survey.Sample(), scale, result);
   result.stopped = newton.stopped;
   result.status = newton.status;
   result.iterations = newton.iterations;

@@ -5,7 +5,7 @@
 
 #include <Eigen/Core>
 
-#include "engine/stats/RegressionCases.h"
+#include "engine/stats/RegressionSurvey.h"
 
 namespace stats {
 
@@ -16,6 +16,8 @@ enum class ELink { Probit, Logistic };
 // 103-120; P. McCullagh, Journal of the Royal Statistical Society B 42, 1980, 109-142). With two
 // categories minus the threshold is the intercept of the binary model. Newton's method with the
 // observed information; the likelihood is concave.
+// `frequency`: sums of weights by category. A survey with a sample of the cases saves passes: the
+// search starts where the sample's ends.
 // Status: OneCategory; BadArgument (fewer than 2 categories, no x, a category without cases); those
 // of RegressorScale with `variable`; Boundary: the x separate the categories, so that there is no
 // maximum (`variable` is the x that runs away, -1 when it is a threshold); NotConverged.
@@ -36,8 +38,9 @@ struct OrdinalRegressionResult {
   int iterations = 0;
 };
 
-OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass, int x, int categories,
-                                                  ELink link, int threads = 1);
+OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass,
+                                                  const CRegressionSurvey& survey,
+                                                  const std::vector<double>& frequency, ELink link);
 
 // The alternative parameterization: an intercept, and thresholds of which the first is 0.
 struct AlternativeParameters {

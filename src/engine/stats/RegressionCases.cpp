@@ -4,8 +4,7 @@
 
 #include <Eigen/Cholesky>
 
-#include "engine/stats/CrossProducts.h"
-#include "engine/stats/Parallel.h"
+#include "engine/stats/RegressionSurvey.h"
 
 namespace stats {
 
@@ -13,118 +12,64 @@ using Eigen::Index;
 using Eigen::MatrixXd;
 using Eigen::VectorXd;
 
-namespace {
-
-MatrixXd Correlations(const CQuadMatrix& centred) {
-  MatrixXd correlation(centred.Size(), centred.Size());
-  for (int i = 0; i < centred.Size(); ++i) {
-    for (int j = 0; j < centred.Size(); ++j) {
-      const Quad squares = SquareRoot(centred(i, i)) * SquareRoot(centred(j, j));
-      correlation(i, j) = static_cast<double>(centred(i, j) / squares);
-    }
-  }
-  return correlation;
-}
-
-}  // namespace
-
-RegressorScale ScaleRegressors(const RegressionPass& pass, int x, int threads) {
-  RegressorScale scale;
-  CCrossProducts sums(x, threads);
-  scale.stopped = !pass([&sums](const RegressionBlock& block) { sums.Add(block.x); });
-  scale.n = static_cast<double>(sums.N());
-  if (scale.stopped || sums.Cases() == 0) return scale;
-  scale.status = !sums.Finite()       ? EStatus::NotFinite
-                 : !(scale.n > 0)     ? EStatus::ZeroWeights
-                 : !(scale.n > x + 1) ? EStatus::TooFewCases
-                                      : EStatus::Ok;
-  if (scale.status != EStatus::Ok) return scale;
-  scale.mean.resize(x);
-  scale.sd.resize(x);
-  CQuadMatrix centred(x);
-  for (int i = 0; i < x; ++i) {
-    for (int j = 0; j < x; ++j) centred(i, j) = sums.Centred(i, j);
-    scale.mean(i) = static_cast<double>(sums.Mean(i));
-    scale.sd(i) = std::sqrt(static_cast<double>(centred(i, i) / (sums.N() - 1)));
-    scale.status = sums.CheckSpread(i);
-    if (scale.status == EStatus::Ok) continue;
-    scale.variable = i;
-    return scale;
-  }
-  // Newton's method works with 16 digits.
-  constexpr double kCollinear = 1e-13;
-  const CQuadCholesky factor(centred, kCollinear);
-  scale.smallestPivot = factor.SmallestPivot();
-  scale.correlation = Correlations(centred);
-  if (factor.Failed() < 0) return scale;
-  scale.status = EStatus::NotPositiveDefinite;
-  scale.variable = factor.Failed();
-  return scale;
-}
-
-CLikelihoodPass::CLikelihoodPass(const RegressorScale& scale, bool constant, int others,
-                                 int threads)
+CLikelihoodPass::CLikelihoodPass(const RegressorScale& scale, bool constant, int others)
     : mean_(scale.mean),
       inverseSd_(scale.sd.cwiseInverse()),
       constant_(constant),
       columns_(static_cast<int>(scale.mean.size()) + (constant ? 1 : 0)),
-      others_(others),
-      threads_(threads) {}
+      others_(others) {}
 
 LikelihoodSums CLikelihoodPass::Empty() const {
   const Index all = columns_ + others_;
   return {0, VectorXd::Zero(all), MatrixXd::Zero(all, all)};
 }
 
-void CLikelihoodPass::ForPieces(std::int64_t pieces,
-                                const std::function<void(std::int64_t)>& work) const {
-  ParallelFor(threads_, pieces, work);
+namespace {
+
+std::int64_t WholeTiles(std::int64_t rows) {
+  return (rows + kRowsAtOnce - 1) / kRowsAtOnce * kRowsAtOnce;
 }
+
+}  // namespace
+
+CLikelihoodPass::Chunk::Chunk(int columns, int others)
+    : cases_(kChunkCases * PaddedLanes(columns)),
+      predictor_(kChunkCases),
+      curve_(kChunkCases),
+      direct_(kChunkCases * WholeTiles(1 + others)),
+      scaled_(kChunkCases * WholeTiles(columns)),
+      products_((WholeTiles(1 + others) + WholeTiles(columns)) * PaddedLanes(columns)) {}
 
 void CLikelihoodPass::Standardise(const CaseBlock& block, std::int64_t first, std::int64_t cases,
                                   const VectorXd& slopes, Chunk& chunk) const {
   const std::int64_t stride = PaddedLanes(columns_);
-  if (chunk.x.rows() == 0) {
-    chunk.x.setZero(kChunkCases, columns_);
-    chunk.mixed.setZero(kChunkCases, others_);
-    chunk.slope.setZero(kChunkCases);
-    chunk.curve.setZero(kChunkCases);
-    chunk.cases = CAlignedBuffer(kChunkCases * stride);
-    chunk.scaled = CAlignedBuffer(kChunkCases * stride);
-    chunk.products = CAlignedBuffer(stride * stride);
-    if (constant_) {
-      chunk.x.col(columns_ - 1).setOnes();
-      for (std::int64_t k = 0; k < kChunkCases; ++k) {
-        chunk.cases.Data()[k * stride + columns_ - 1] = 1;
-      }
-    }
-  }
   const auto count = static_cast<std::int64_t>(mean_.size());
+  const double* const mean = mean_.data();
+  const double* const inverse = inverseSd_.data();
+  const double* const slope = slopes.data();
   for (std::int64_t k = 0; k < cases; ++k) {
     const double* const from = block.cells + (first + k) * block.stride;
-    double* const row = chunk.cases.Data() + k * stride;
-    for (std::int64_t j = 0; j < count; ++j) row[j] = (from[j] - mean_(j)) * inverseSd_(j);
+    double* const row = chunk.cases_.Data() + k * stride;
+    for (std::int64_t j = 0; j < count; ++j) row[j] = (from[j] - mean[j]) * inverse[j];
+    if (constant_) row[count] = 1;
+    double sum = 0;
+    for (std::int64_t j = 0; j < columns_; ++j) sum += row[j] * slope[j];
+    chunk.predictor_.Data()[k] = sum;
   }
-  for (std::int64_t j = 0; j < count; ++j) {
-    double* const to = chunk.x.col(j).data();
-    const double* const from = chunk.cases.Data() + j;
-    for (std::int64_t k = 0; k < cases; ++k) to[k] = from[k * stride];
-  }
-  chunk.mixed.setZero();
-  chunk.predictor.noalias() = chunk.x * slopes;
+  if (others_ > 0) std::fill_n(chunk.Mixed(0), others_ * kChunkCases, 0.0);
 }
 
 void CLikelihoodPass::AddCase(const CaseLikelihood& one, double weight, std::int64_t k,
                               Chunk& chunk, LikelihoodSums& sums) const {
   sums.value += weight * one.value;
-  chunk.slope(k) = weight * one.slope;
-  chunk.curve(k) = weight * one.curve;
+  chunk.Slope()[k] = weight * one.slope;
+  chunk.Curve()[k] = weight * one.curve;
   for (int o = 0; o < 2; ++o) {
     if (one.other[o] < 0) continue;
     const Index at = columns_ + one.other[o];
     sums.gradient(at) += weight * one.otherSlope[o];
     sums.hessian(at, at) += weight * one.otherCurve[o == 0 ? 0 : 2];
-    chunk.mixed(k, one.other[o]) = weight * one.mixed[o];
+    chunk.Mixed(one.other[o])[k] = weight * one.mixed[o];
   }
   if (one.other[0] < 0 || one.other[1] < 0) return;
   const Index a = columns_ + one.other[0];
@@ -133,33 +78,43 @@ void CLikelihoodPass::AddCase(const CaseLikelihood& one, double weight, std::int
   sums.hessian(b, a) += weight * one.otherCurve[1];
 }
 
-void CLikelihoodPass::AddChunk(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
-  const auto x = chunk.x.topRows(cases);
-  sums.gradient.head(columns_).noalias() += x.transpose() * chunk.slope.head(cases);
-  AddProducts(chunk, cases, sums);
-  if (others_ == 0) return;
-  const MatrixXd mixed = x.transpose() * chunk.mixed.topRows(cases);
-  sums.hessian.topRightCorner(columns_, others_) += mixed;
-  sums.hessian.bottomLeftCorner(others_, columns_) += mixed.transpose();
-}
-
-// The lower triangle of x' curve x, in tiles of rows.
-void CLikelihoodPass::AddProducts(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
-  const Kernels& kernels = ActiveKernels();
+void CLikelihoodPass::Scale(Chunk& chunk, std::int64_t cases) const {
   const std::int64_t stride = PaddedLanes(columns_);
   for (std::int64_t j = 0; j < columns_; ++j) {
-    kernels.product(chunk.curve.data(), chunk.x.col(j).data(), cases,
-                    chunk.scaled.Data() + j * kChunkCases);
+    double* const to = chunk.scaled_.Data() + j * kChunkCases;
+    const double* const from = chunk.cases_.Data() + j;
+    for (std::int64_t k = 0; k < cases; ++k) to[k] = chunk.curve_.Data()[k] * from[k * stride];
   }
-  chunk.products.Clear();
+}
+
+// The gradient x' slope, x' mixed, and the lower triangle of x' curve x, in tiles of rows.
+void CLikelihoodPass::AddChunk(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const {
+  const Kernels& kernels = ActiveKernels();
+  const std::int64_t stride = PaddedLanes(columns_);
+  const std::int64_t direct = WholeTiles(1 + others_);
+  Scale(chunk, cases);
+  chunk.products_.Clear();
+  double* const products = chunk.products_.Data();
+  const auto multiply = [&](const double* rows, std::int64_t columns, double* result) {
+    kernels.multiplyRows(rows, kChunkCases, kRowsAtOnce, chunk.cases_.Data(), columns, cases,
+                         result, stride);
+  };
+  for (std::int64_t row = 0; row < direct; row += kRowsAtOnce) {
+    multiply(chunk.direct_.Data() + row * kChunkCases, stride, products + row * stride);
+  }
+  double* const triangle = products + direct * stride;
   for (std::int64_t row = 0; row < columns_; row += kRowsAtOnce) {
-    kernels.multiplyRows(chunk.scaled.Data() + row * kChunkCases, kChunkCases, kRowsAtOnce,
-                         chunk.cases.Data(), row + kRowsAtOnce, cases,
-                         chunk.products.Data() + row * stride, stride);
+    multiply(chunk.scaled_.Data() + row * kChunkCases, row + kRowsAtOnce, triangle + row * stride);
   }
   for (std::int64_t i = 0; i < columns_; ++i) {
+    sums.gradient(i) += products[i];
+    for (std::int64_t o = 0; o < others_; ++o) {
+      const double mixed = products[(1 + o) * stride + i];
+      sums.hessian(i, columns_ + o) += mixed;
+      sums.hessian(columns_ + o, i) += mixed;
+    }
     for (std::int64_t j = 0; j <= i; ++j) {
-      const double product = chunk.products.Data()[i * stride + j];
+      const double product = triangle[i * stride + j];
       sums.hessian(i, j) += product;
       if (i != j) sums.hessian(j, i) += product;
     }
@@ -199,6 +154,15 @@ NewtonResult MaximiseLikelihood(
       result.status = EStatus::Boundary;
       result.runaway = static_cast<int>(runaway);
       return result;
+    }
+    // So short a step changes the second derivatives by no more than its length, and what it leaves
+    // of the gradient is its square: no pass has to confirm it.
+    constexpr double kShort = 3e-9;
+    if (length <= kShort) {
+      result.parameters += step;
+      result.sums.value += rise / 2;
+      result.sums.gradient += result.sums.hessian * step;
+      break;
     }
     bool better = false;
     for (int halvings = 0; halvings < kMostHalvings && !better; ++halvings, step /= 2) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include <Eigen/Core>
@@ -23,22 +24,12 @@ struct RegressionBlock {
   const std::uint8_t* codes = nullptr;
 };
 
-// Gives all cases to `work`, block after block, each time in the same order. Returns false when it
-// was stopped.
-using RegressionPass = std::function<bool(const std::function<void(const RegressionBlock&)>& work)>;
-
-// Means and standard deviations (divisor n - 1) of x; status Constant, NotPositiveDefinite
-// (collinear) with `variable`, TooFewCases, NoCases, ZeroWeights, NotFinite.
-struct RegressorScale {
-  EStatus status = EStatus::NoCases;
-  int variable = -1;
-  double n = 0;
-  Eigen::VectorXd mean, sd;
-  Eigen::MatrixXd correlation;
-  double smallestPivot = 1;  // the smallest share of an x's variance that those before it leave
-  bool stopped = false;
-};
-RegressorScale ScaleRegressors(const RegressionPass& pass, int x, int threads);
+// What is left to do with a piece of the cases in its turn: one after the other, in their order.
+using RegressionTurn = std::function<void()>;
+// Called for several pieces at the same time, on any thread.
+using RegressionWork = std::function<RegressionTurn(const RegressionBlock&)>;
+// Gives all cases to the work, each time in the same pieces. Returns false when it was stopped.
+using RegressionPass = std::function<bool(const RegressionWork& work)>;
 
 // Log-likelihood with its derivatives by the parameters: first those of the columns (the
 // standardised x and, where asked for, a constant behind them), then the others.
@@ -58,23 +49,35 @@ struct CaseLikelihood {
   double mixed[2] = {0, 0};          // predictor and other
 };
 
-// Sums over all cases in pieces whose order does not depend on the threads.
+// What standardises x, and how many other parameters there are.
+struct RegressorScale;
+
+// Sums over all cases, piece by piece.
 class CLikelihoodPass {
  public:
   static constexpr std::int64_t kChunkCases = 256;
 
-  struct Chunk {
-    Eigen::MatrixXd x;  // standardised, a row a case
-    Eigen::VectorXd predictor;
-    Eigen::VectorXd slope, curve;  // by the predictor, times the weight
-    Eigen::MatrixXd mixed;         // by predictor and others, a column each
-    CAlignedBuffer cases;          // x case after case, padded to whole panels
-    CAlignedBuffer scaled;         // x times curve, column after column
-    CAlignedBuffer products;
+  // Cases on their way through the sums: kChunkCases numbers for each column.
+  class Chunk {
+   public:
+    Chunk(int columns, int others);
+    double* Predictor() { return predictor_.Data(); }
+    // Derivatives, times the weight.
+    double* Slope() { return direct_.Data(); }  // by the predictor, twice: Curve
+    double* Curve() { return curve_.Data(); }
+    double* Mixed(int other) { return direct_.Data() + (1 + other) * kChunkCases; }
+
+   private:
+    friend class CLikelihoodPass;
+    CAlignedBuffer cases_;  // standardised x, case after case, padded to whole panels
+    CAlignedBuffer predictor_, curve_;
+    CAlignedBuffer direct_;    // the slope, then what is mixed with the other parameters
+    CAlignedBuffer scaled_;    // x times curve, column after column
+    CAlignedBuffer products_;  // of x with the former, of x with the latter
   };
 
   // columns: x, and one more for a constant.
-  CLikelihoodPass(const RegressorScale& scale, bool constant, int others, int threads);
+  CLikelihoodPass(const RegressorScale& scale, bool constant, int others);
 
   // One pass; `evaluate(block, case, predictor)` gives the case's part. An `evaluate` with a
   // function AddCases does a chunk of cases itself. False when stopped.
@@ -83,52 +86,43 @@ class CLikelihoodPass {
            LikelihoodSums& sums) const {
     sums = Empty();
     return pass([&](const RegressionBlock& block) {
-      const std::int64_t pieces = (block.x.cases + kPieceCases - 1) / kPieceCases;
-      std::vector<LikelihoodSums> parts(static_cast<std::size_t>(pieces));
-      ForPieces(pieces, [&](std::int64_t piece) {
-        LikelihoodSums& part = parts[static_cast<std::size_t>(piece)];
-        part = Empty();
-        const std::int64_t end = std::min((piece + 1) * kPieceCases, block.x.cases);
-        Chunk chunk;
-        for (std::int64_t at = piece * kPieceCases; at < end; at += kChunkCases) {
-          const std::int64_t cases = std::min(kChunkCases, end - at);
-          Standardise(block.x, at, cases, slopes, chunk);
-          if constexpr (requires { evaluate.AddCases(block, at, cases, chunk, columns_, part); }) {
-            evaluate.AddCases(block, at, cases, chunk, columns_, part);
-          } else {
-            for (std::int64_t k = 0; k < cases; ++k) {
-              const double weight = block.x.weights != nullptr ? block.x.weights[at + k] : 1.0;
-              AddCase(evaluate(block, at + k, chunk.predictor(k)), weight, k, chunk, part);
-            }
+      auto part = std::make_shared<LikelihoodSums>(Empty());
+      Chunk chunk(columns_, others_);
+      for (std::int64_t at = 0; at < block.x.cases; at += kChunkCases) {
+        const std::int64_t cases = std::min(kChunkCases, block.x.cases - at);
+        Standardise(block.x, at, cases, slopes, chunk);
+        if constexpr (requires { evaluate.AddCases(block, at, cases, chunk, columns_, *part); }) {
+          evaluate.AddCases(block, at, cases, chunk, columns_, *part);
+        } else {
+          for (std::int64_t k = 0; k < cases; ++k) {
+            const double weight = block.x.weights != nullptr ? block.x.weights[at + k] : 1.0;
+            AddCase(evaluate(block, at + k, chunk.Predictor()[k]), weight, k, chunk, *part);
           }
-          AddChunk(chunk, cases, part);
         }
-      });
-      for (const LikelihoodSums& part : parts) {
-        sums.value += part.value;
-        sums.gradient += part.gradient;
-        sums.hessian += part.hessian;
+        AddChunk(chunk, cases, *part);
       }
+      return [&sums, part] {
+        sums.value += part->value;
+        sums.gradient += part->gradient;
+        sums.hessian += part->hessian;
+      };
     });
   }
 
   int Columns() const { return columns_; }
 
  private:
-  static constexpr std::int64_t kPieceCases = 4096;
-
   LikelihoodSums Empty() const;
-  void ForPieces(std::int64_t pieces, const std::function<void(std::int64_t)>& work) const;
   void Standardise(const CaseBlock& block, std::int64_t first, std::int64_t cases,
                    const Eigen::VectorXd& slopes, Chunk& chunk) const;
   void AddCase(const CaseLikelihood& one, double weight, std::int64_t k, Chunk& chunk,
                LikelihoodSums& sums) const;
   void AddChunk(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const;
-  void AddProducts(Chunk& chunk, std::int64_t cases, LikelihoodSums& sums) const;
+  void Scale(Chunk& chunk, std::int64_t cases) const;
 
   Eigen::VectorXd mean_, inverseSd_;
   bool constant_;
-  int columns_, others_, threads_;
+  int columns_, others_;
 };
 
 // Newton's method on a concave log-likelihood, with halved steps.

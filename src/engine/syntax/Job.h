@@ -42,6 +42,14 @@ struct CASEFUNCTION {
   std::function<void(std::int64_t number, const double* inputs, double* outputs)> computeOfCase;
 };
 
+// Thresholds that a procedure fixed for those behind it.
+struct GIVENTHRESHOLDS {
+  std::int32_t variable = 0;
+  std::vector<double> values;      // the categories, one more than thresholds
+  std::vector<double> thresholds;  // of the normal variable behind
+  bool marginal = false;           // estimated from the variable alone, not read from a file
+};
+
 using TRANSFORMATION = std::variant<COMPUTE, RECODE, CASEFUNCTION>;
 
 struct JOB {
@@ -60,6 +68,7 @@ struct JOB {
   std::vector<PROCEDURE> procedures;  // none: screening
   VARIABLELIST emptyIn;  // cases where all of these are missing are left out; empty: none
   VARIABLELIST added;    // variables that procedures made; RA saves them as well
+  std::vector<GIVENTHRESHOLDS> givenThresholds;  // the last one of a variable counts
   OUTPUTLINE output;
   // Several completed data sets that a procedure made: each fills in the missing values in its own
   // way. What follows is done on all of them.

@@ -139,10 +139,13 @@ void ReadMC(COMMANDCONTEXT& context) {
   ReadMultipleImputation(context, true);
 }
 
-void RefuseSharedVariables(CWords& words, const VARIABLELIST& y, const VARIABLELIST& x) {
-  for (const std::int32_t variable : y) {
+void RefuseSharedVariables(COMMANDCONTEXT& context, const REGRESSION& regression) {
+  const VARIABLELIST& x = regression.x;
+  for (const std::int32_t variable : regression.y) {
     if (std::find(x.begin(), x.end(), variable) == x.end()) continue;
-    words.Fail("variable " + std::to_string(variable + 1) + " stands on both sides of ON");
+    const CString& name = context.job.data.variable[static_cast<std::size_t>(variable)].name;
+    context.words.Fail("variable " + (name.empty() ? std::to_string(variable + 1) : name) +
+                       " stands on both sides of ON");
   }
 }
 
@@ -160,7 +163,7 @@ void ReadRegression(COMMANDCONTEXT& context, REGRESSION::Method method, bool may
     if (!words.TakeKeyword("WITH")) words.Expected("WITH behind the x variables");
     regression.instruments = words.TakeVariables("instrumental variables");
   } else {
-    RefuseSharedVariables(words, regression.y, regression.x);
+    RefuseSharedVariables(context, regression);
   }
   if (mayBeAlternative) words.TakeFlag("AP", regression.alternativeParameters);
   words.TakeEnd("the end of the line");

@@ -127,8 +127,10 @@ std::vector<std::int32_t> CWords::TakeVariables(std::string_view what,
     }
     for (std::int32_t i = range->first; i <= range->last; ++i) {
       if (named[static_cast<std::size_t>(i)]) {
-        Fail("variable " + std::to_string(i + 1) + " is named twice (" + CString(what) + ", " +
-             Shown(Peek()) + ")");
+        const bool single = range->first == range->last;
+        Fail("a variable is named twice (" + CString(what) + "): " + Shown(Peek()) +
+                 (single ? CString() : " has variable number " + std::to_string(i + 1) + " again"),
+             "Name each variable once.");
         return {};
       }
       named[static_cast<std::size_t>(i)] = true;

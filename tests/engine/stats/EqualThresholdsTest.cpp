@@ -2,8 +2,10 @@
 #include <random>
 
 #include "Oracle.h"
+#include "engine/stats/CommonThresholds.h"
 #include "engine/stats/Distributions.h"
 #include "engine/stats/EqualThresholds.h"
+#include "engine/stats/FixedThresholds.h"
 #include "engine/stats/Homogeneity.h"
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include "Oracle.h"
 #include "engine/stats/CensoredRegression.h"
+#include "engine/stats/IntervalRegression.h"
 #include "engine/stats/LeastSquares.h"
 #include "engine/stats/OrdinalRegression.h"
 
@@ -16,12 +17,26 @@ const Json& Reference(const char* key) {
   return oracle::Load("procedures.json").at(key);
 }
 
-stats::CCrossProducts Products(const oracle::Data& data, int threads = 1,
-                               const double* weights = nullptr) {
-  stats::CCrossProducts sums(data.Variables(), threads);
+stats::CCrossProducts Products(const oracle::Data& data, const double* weights = nullptr) {
+  stats::CCrossProducts sums(data.Variables());
   stats::CaseBlock block = data.Block();
   block.weights = weights;
   sums.Add(block);
+  return sums;
+}
+
+// The same, of pieces of so many cases.
+stats::CCrossProducts Pieces(const oracle::Data& data, const double* weights, std::int64_t cases) {
+  stats::CCrossProducts sums(data.Variables());
+  for (std::int64_t at = 0; at < data.Cases(); at += cases) {
+    stats::CCrossProducts part(data.Variables());
+    stats::CaseBlock block = data.Block();
+    block.cells += at * block.stride;
+    block.cases = std::min(cases, data.Cases() - at);
+    block.weights = weights + at;
+    part.Add(block);
+    sums.Merge(part);
+  }
   return sums;
 }
 
@@ -95,7 +110,7 @@ TEST(LeastSquares, AgreesWithTheReference) {
   EXPECT_NEAR(simple.pF, simple.p[1], 1e-12 * simple.pF);
 }
 
-TEST(LeastSquares, WeightsCountCasesAndThreadsDoNotMatter) {
+TEST(LeastSquares, WeightsCountCasesAndPiecesAddUp) {
   std::mt19937 random(4);
   std::normal_distribution<double> normal;
   oracle::Data data{{"y", "a", "b"}, {}}, repeated{data.names, {}};
@@ -107,11 +122,13 @@ TEST(LeastSquares, WeightsCountCasesAndThreadsDoNotMatter) {
     data.cells.insert(data.cells.end(), row, row + 3);
     for (int w = 0; w < k % 4; ++w) repeated.cells.insert(repeated.cells.end(), row, row + 3);
   }
-  const auto one = stats::EstimateLeastSquares(Products(data, 1, weights.data()), 0, {1, 2});
-  const auto two = stats::EstimateLeastSquares(Products(data, 2, weights.data()), 0, {1, 2});
+  const auto one = stats::EstimateLeastSquares(Products(data, weights.data()), 0, {1, 2});
+  const auto two = stats::EstimateLeastSquares(Pieces(data, weights.data(), 7), 0, {1, 2});
   const auto plain = stats::EstimateLeastSquares(Products(repeated), 0, {1, 2});
-  EXPECT_EQ(one.coefficient, two.coefficient);
-  EXPECT_EQ(one.standardError, two.standardError);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(one.coefficient[i], two.coefficient[i], 1e-14 * std::fabs(one.coefficient[i]));
+    EXPECT_NEAR(one.standardError[i], two.standardError[i], 1e-14 * one.standardError[i]);
+  }
   EXPECT_NEAR(2 * one.n, plain.n, 1e-9);
   for (std::size_t i = 0; i < 3; ++i)
     EXPECT_NEAR(one.coefficient[i], plain.coefficient[i], 1e-13 * std::fabs(plain.coefficient[i]));
@@ -192,34 +209,78 @@ TEST(TwoStage, WithTheRegressorsAsInstrumentsIsOneStage) {
   EXPECT_TRUE(two.firstStages.empty());
 }
 
-// Cases of a file: y is its first variable, or for categories one counted from `lowest`.
+// Cases of a file, in pieces: y is its first variable, or for categories one counted from `lowest`.
 class Cases {
  public:
-  Cases(const oracle::Data& data, int lowest) : x_{{}, {}} {
-    x_.names.assign(data.names.begin() + 1, data.names.end());
+  Cases(const oracle::Data& data, int lowest) : lowest_(lowest) {
+    data_.names.assign(data.names.begin() + 1, data.names.end());
+    data_.names.push_back(data.names.front());
     for (std::int64_t k = 0; k < data.Cases(); ++k) {
       const double* row = data.cells.data() + k * data.Variables();
       if (std::any_of(row, row + data.Variables(), [](double v) { return std::isnan(v); }))
         continue;
-      y_.push_back(row[0]);
-      codes_.push_back(static_cast<std::uint8_t>(row[0] - lowest));
-      x_.cells.insert(x_.cells.end(), row + 1, row + data.Variables());
+      data_.cells.insert(data_.cells.end(), row + 1, row + data.Variables());
+      data_.cells.push_back(row[0]);
     }
   }
-  int X() const { return x_.Variables(); }
-  std::vector<double>& Y() { return y_; }
+  int X() const { return data_.Variables() - 1; }
+  double& Y(std::int64_t k) {
+    return data_.cells[static_cast<std::size_t>((k + 1) * data_.Variables() - 1)];
+  }
+  std::int64_t Count() const { return data_.Cases(); }
+
+  // With every third case as the sample.
+  stats::CRegressionSurvey Survey(bool coded = false) const {
+    stats::CRegressionSurvey survey(X(), 3);
+    std::vector<std::int64_t> numbers;
+    for (std::int64_t k = 1; k <= Count(); ++k) numbers.push_back(k);
+    survey.Add(data_.Block(), numbers.data());
+    std::vector<double> values;
+    for (int j = 0; j < 10; ++j) values.push_back(j + lowest_);
+    if (coded) survey.Sample().Code(values);
+    return survey;
+  }
+
+  std::vector<double> Frequency(std::size_t categories) const {
+    std::vector<double> frequency(categories, 0);
+    for (const std::uint8_t code : Codes()) ++frequency[code];
+    return frequency;
+  }
+
   stats::RegressionPass Pass() const {
-    return [this](const std::function<void(const stats::RegressionBlock&)>& work) {
-      work({x_.Block(), y_.data(), 1, codes_.data()});
+    return [this](const stats::RegressionWork& work) {
+      constexpr std::int64_t kPiece = 300;
+      const std::vector<std::uint8_t> codes = Codes();
+      for (std::int64_t at = 0; at < Count(); at += kPiece) {
+        stats::CaseBlock x = data_.Block();
+        x.variables = X();
+        x.cells += at * x.stride;
+        x.cases = std::min(kPiece, Count() - at);
+        work({x, x.cells + X(), x.stride, codes.data() + at})();
+      }
       return true;
     };
   }
 
  private:
-  oracle::Data x_;
-  std::vector<double> y_;
-  std::vector<std::uint8_t> codes_;
+  std::vector<std::uint8_t> Codes() const {
+    std::vector<std::uint8_t> codes;
+    for (std::int64_t k = 1; k <= Count(); ++k) {
+      const double y = data_.cells[static_cast<std::size_t>(k * data_.Variables() - 1)];
+      codes.push_back(static_cast<std::uint8_t>(y - lowest_));
+    }
+    return codes;
+  }
+
+  oracle::Data data_{{}, {}};
+  int lowest_;
 };
+
+stats::OrdinalRegressionResult Estimate(const Cases& cases, std::size_t categories, bool probit) {
+  return stats::EstimateOrdinalRegression(cases.Pass(), cases.Survey(true),
+                                          cases.Frequency(categories),
+                                          probit ? stats::ELink::Probit : stats::ELink::Logistic);
+}
 
 const std::vector<std::string> kAffairs = {"age", "yearsmarried", "religiousness", "occupation",
                                            "rating"};
@@ -233,8 +294,7 @@ Cases Affairs(const char* y) {
 TEST(OrdinalRegression, OfTwoCategoriesAgreesWithTheReferences) {
   const Cases cases = Affairs("any");
   for (const bool probit : {true, false}) {
-    const auto result = stats::EstimateOrdinalRegression(
-        cases.Pass(), cases.X(), 2, probit ? stats::ELink::Probit : stats::ELink::Logistic);
+    const auto result = Estimate(cases, 2, probit);
     ASSERT_EQ(result.status, EStatus::Ok);
     EXPECT_LT(result.gradient, 1e-12);
     const Json& want = Reference(probit ? "probit_affairs" : "logit_affairs");
@@ -255,8 +315,7 @@ TEST(OrdinalRegression, OfTwoCategoriesAgreesWithTheReferences) {
 TEST(OrdinalRegression, OfSixCategoriesAgreesWithTheReferences) {
   const Cases cases(oracle::ReadCsv("survey.csv").Select({"A2", "age", "gender", "education"}), 1);
   for (const bool probit : {true, false}) {
-    const auto link = probit ? stats::ELink::Probit : stats::ELink::Logistic;
-    const auto result = stats::EstimateOrdinalRegression(cases.Pass(), 3, 6, link, 2);
+    const auto result = Estimate(cases, 6, probit);
     ASSERT_EQ(result.status, EStatus::Ok);
     const Json& want = Reference(probit ? "ordered_probit_A2" : "ordered_logit_A2");
     ExpectClose(result.n, want.at("n"), 0, "n");
@@ -271,8 +330,6 @@ TEST(OrdinalRegression, OfSixCategoriesAgreesWithTheReferences) {
       ExpectClose(result.slopeError[j], want.at("se").at(names[j]), 1e-7, names[j]);
     }
     ExpectClose(result.logLikelihood, want.at("loglik"), 1e-10, "log-likelihood");
-    const auto again = stats::EstimateOrdinalRegression(cases.Pass(), 3, 6, link, 1);
-    EXPECT_EQ(again.slope, result.slope);
   }
 }
 
@@ -290,8 +347,8 @@ TEST(OrdinalRegression, ReportsSeparationByTheVariable) {
       data.cells.insert(data.cells.end(), row, row + 3);
     }
     const Cases cases(data, 0);
-    for (const auto link : {stats::ELink::Probit, stats::ELink::Logistic}) {
-      const auto result = stats::EstimateOrdinalRegression(cases.Pass(), 2, 2, link);
+    for (const bool probit : {true, false}) {
+      const auto result = Estimate(cases, 2, probit);
       EXPECT_EQ(result.status, EStatus::Boundary);
       EXPECT_EQ(result.variable, 1);
     }
@@ -302,13 +359,10 @@ TEST(CensoredRegression, AgreesWithTheReferences) {
   for (const bool above : {false, true}) {
     Cases cases = Affairs("affairs");
     const Json& want = Reference(above ? "censored_affairs_0_4" : "censored_affairs_left0");
-    stats::CensoringLimits limits;
-    limits.lower = 0;
-    if (above) {
-      limits.upper = 4;
-      for (double& y : cases.Y()) y = std::min(y, 4.0);
-    }
-    const auto result = stats::EstimateCensoredRegression(cases.Pass(), cases.X(), limits);
+    for (std::int64_t k = 0; above && k < cases.Count(); ++k)
+      cases.Y(k) = std::min(cases.Y(k), 4.0);
+    const auto result =
+        stats::EstimateCensoredRegression(cases.Pass(), cases.Survey(), true, above);
     ASSERT_EQ(result.status, EStatus::Ok);
     ExpectClose(result.below, want.at("n_left"), 0, "below");
     EXPECT_EQ(result.above, want.at("n_right").get<double>());
@@ -333,7 +387,8 @@ TEST(CensoredRegression, AgreesWithTheReferences) {
 TEST(CensoredRegression, WithoutCensoringIsLeastSquares) {
   const oracle::Data data = oracle::ReadCsv("mtcars.csv").Select({"mpg", "wt", "hp"});
   const Cases cases(data, 0);
-  const auto censored = stats::EstimateCensoredRegression(cases.Pass(), 2, {});
+  const auto censored =
+      stats::EstimateCensoredRegression(cases.Pass(), cases.Survey(), false, false);
   const auto plain = stats::EstimateLeastSquares(Products(data), 0, {1, 2});
   ASSERT_EQ(censored.status, EStatus::Ok);
   for (std::size_t i = 0; i < 3; ++i)
@@ -343,6 +398,58 @@ TEST(CensoredRegression, WithoutCensoringIsLeastSquares) {
   EXPECT_NEAR(censored.logLikelihood, plain.logLikelihood, 1e-10);
   EXPECT_NEAR(censored.rSquare, plain.rSquare, 1e-10);
   EXPECT_NEAR(censored.ratio, -32 * std::log(1 - plain.rSquare), 1e-8);
+}
+
+// R 4.2.2, survreg of survival 3.5-3 on intervals (type "interval2", gaussian, rel.tolerance
+// 1e-14), whose errors are those of log sd.
+TEST(IntervalRegression, AgreesWithRegressionOnIntervals) {
+  const Cases cases(oracle::ReadCsv("survey.csv").Select({"A2", "age", "gender", "education"}), 1);
+  const std::vector<double> thresholds = {-1.8, -1.1, -0.9, -0.1, 1.0};
+  const auto result = stats::EstimateIntervalRegression(cases.Pass(), cases.Survey(true),
+                                                        cases.Frequency(6), thresholds);
+  ASSERT_EQ(result.status, EStatus::Ok);
+  EXPECT_LT(result.gradient, 1e-12);
+  const double coefficient[] = {-0.50189290113359508, 0.00919807250717472, 0.47349091236292085,
+                                -0.02449826133783247};
+  const double error[] = {0.11255344745137988, 0.00215974547405005, 0.04755174923875008,
+                          0.02084609456756832};
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_NEAR(result.coefficient[i], coefficient[i], 1e-7 * std::fabs(coefficient[i]));
+    EXPECT_NEAR(result.standardError[i], error[i], 1e-7 * error[i]);
+  }
+  EXPECT_NEAR(result.sd, 1.05340876954418, 1e-8);
+  EXPECT_NEAR(result.logSdError, 0.01904264567540986, 1e-8);
+  EXPECT_NEAR(result.logLikelihood, -3530.20767523272, 1e-6);
+  EXPECT_NEAR(result.logLikelihoodNull, -3590.18328048919, 1e-6);
+}
+
+// With two categories the standard deviation is 1, and fixing the threshold at 0 leaves the probit
+// model with an intercept. With more, all thresholds moved and stretched move and stretch the rest.
+TEST(IntervalRegression, FollowsTheThresholds) {
+  const Cases binary = Affairs("any");
+  const auto known = stats::EstimateIntervalRegression(binary.Pass(), binary.Survey(true),
+                                                       binary.Frequency(2), {0});
+  const auto free = Estimate(binary, 2, true);
+  ASSERT_EQ(known.status, EStatus::Ok);
+  EXPECT_TRUE(known.sdKnown);
+  const auto alternative = stats::Alternative(free);
+  EXPECT_NEAR(known.coefficient[0], alternative.intercept, 1e-9);
+  EXPECT_NEAR(known.standardError[0], alternative.interceptError, 1e-8);
+  for (std::size_t j = 0; j < free.slope.size(); ++j) {
+    EXPECT_NEAR(known.coefficient[j + 1], free.slope[j], 1e-10);
+    EXPECT_NEAR(known.standardError[j + 1], free.slopeError[j], 1e-9);
+  }
+  const Cases cases(oracle::ReadCsv("survey.csv").Select({"A2", "age", "gender"}), 1);
+  const auto at = [&cases](const std::vector<double>& thresholds) {
+    return stats::EstimateIntervalRegression(cases.Pass(), cases.Survey(true), cases.Frequency(6),
+                                             thresholds);
+  };
+  const auto one = at({-2, -1, 0, 1, 2}), two = at({-1, 2, 5, 8, 11});
+  EXPECT_NEAR(two.coefficient[0], 5 + 3 * one.coefficient[0], 1e-9);
+  EXPECT_NEAR(two.coefficient[1], 3 * one.coefficient[1], 1e-9);
+  EXPECT_NEAR(two.sd, 3 * one.sd, 1e-9);
+  EXPECT_NEAR(two.logLikelihood, one.logLikelihood, 1e-8);
+  EXPECT_EQ(at({-2, -1, -1, 1, 2}).status, EStatus::BadArgument);
 }
 
 }  // namespace

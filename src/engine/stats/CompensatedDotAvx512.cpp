@@ -1,0 +1,3 @@
+// Compiled for AVX-512.
+#define VEX_KERNEL_NAMESPACE avx512
+#include "engine/stats/CompensatedDotCode.h"
