@@ -24,7 +24,8 @@ run() {
   awk '/^---/ { sections++ } { line[NR] = $0; at[NR] = sections }
     END { for (i = 1; i <= NR; ++i)
             if ((at[i] >= 2 || at[i + 1] >= 2) && line[i] != "  End of the run.") print line[i] }' \
-    "$name.out" | sed -e :a -e '/^\n*$/{$d;N;ba' -e '}' >"$name.text"
+    "$name.out" | sed -e :a -e '/^\n*$/{$d;N;ba' -e '}' |
+    sed "s|$folder/||" >"$name.text"
 }
 
 for page in docs/engine.md docs/examples.md; do
