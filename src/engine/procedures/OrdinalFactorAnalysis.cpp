@@ -138,7 +138,7 @@ class COrdinalFactorAnalysis {
     if (solution_.result.stopped) return false;
     if (solution_.result.parameters.Variables() == 0) return true;
     stats::COrdinalFactorPass pass(*data_.Patterns(), solution_.link, solution_.factors,
-                                   stats::DefaultNodes(solution_.factors), run_.threads);
+                                   solution_.result.nodes, run_.threads);
     solution_.residualVariance = pass.Response().ResidualVariance();
     const auto& parameters = solution_.result.parameters;
     solution_.loadings = stats::StandardisedLoadings(parameters.slopes, solution_.residualVariance);
@@ -166,8 +166,8 @@ class COrdinalFactorAnalysis {
     if (result.status == EStatus::Boundary) {
       fault = ProcedureFault(procedure_,
                              "Heywood case: the factors explain variable " +
-                                 data_.Names()[static_cast<std::size_t>(result.variable)] +
-                                 " to more than " + FormatShortest(stats::kLargestCommunality) +
+                                 data_.Names()[static_cast<std::size_t>(result.variable)] + " to " +
+                                 report_.Number(Communality(result.variable)) +
                                  ", and the likelihood has no maximum (last log-likelihood " +
                                  report_.Number(result.logLikelihood) + ")",
                              fewer);
@@ -185,6 +185,10 @@ class COrdinalFactorAnalysis {
           "Ask for fewer factors (NF), or use more cases or fewer categories (RC).");
     }
     return false;
+  }
+
+  double Communality(Index variable) const {
+    return solution_.loadings.row(variable).squaredNorm();
   }
 
   // What an estimation that does not converge probably suffers from.

@@ -106,6 +106,18 @@ void WritePairs(CReport& report, const COrdinalFactorData& data,
   report.Table(table);
 }
 
+const char* StepText(stats::EFactorStep step) {
+  switch (step) {
+    case stats::EFactorStep::Em:
+      return "EM";
+    case stats::EFactorStep::Newton:
+      return "Newton";
+    case stats::EFactorStep::FinerQuadrature:
+      return "finer quadrature";
+  }
+  return "";
+}
+
 }  // namespace
 
 void WriteOrdinalFactorHistory(CReport& report, const stats::OrdinalFactorResult& result) {
@@ -115,17 +127,22 @@ void WriteOrdinalFactorHistory(CReport& report, const stats::OrdinalFactorResult
   const auto& history = result.history;
   for (std::size_t k = 0; k < history.size(); ++k) {
     if (k >= kShown && k + kShown < history.size()) continue;
-    const bool last = k + 1 == history.size();
+    const CString next = k + 1 == history.size() ? "" : StepText(history[k].next);
     table.rows.push_back({std::to_string(k), report.Number(history[k].logLikelihood),
-                          CReport::Number(history[k].largestGradient, kGradientDecimals),
-                          last                ? ""
-                          : history[k].newton ? "Newton"
-                                              : "EM"});
+                          CReport::Number(history[k].largestGradient, kGradientDecimals), next});
   }
   report.Subsection("Convergence");
   report.Table(table);
   report.Gap();
   report.Paragraph("The gradient is the largest one of the mean log-likelihood of a case.");
+  const bool refined = std::any_of(history.begin(), history.end(), [](const auto& step) {
+    return step.next == stats::EFactorStep::FinerQuadrature;
+  });
+  if (!refined) return;
+  report.Gap();
+  report.Paragraph(
+      "The quadrature could not follow the likelihood and was refined, in the end to " +
+      std::to_string(result.nodes) + " points in each dimension.");
 }
 
 void WriteOrdinalFactorFit(ENGINERUN& run, const COrdinalFactorData& data,

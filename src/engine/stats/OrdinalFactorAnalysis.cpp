@@ -17,26 +17,25 @@ using Eigen::VectorXd;
 
 namespace {
 
-constexpr int kFirstSteps = 4;            // of EM
+constexpr int kFirstSteps = 2;            // of EM
 constexpr int kEmBetween = 5;             // after a Newton step that failed
-constexpr double kNewtonGradient = 1e-3;  // of a case, from which on Newton's method may work
+constexpr double kNewtonGradient = 1e-2;  // of a case, from which on Newton's method may work
 constexpr double kSmallFall = 1e-10;      // relative: rounding
-constexpr int kMostHalvings = 20;
+constexpr int kMostHalvings = 10;
 constexpr int kNewtonHalvings = 3;
-constexpr int kEmHalvings = 5;     // more than that: the step fails, though it is taken
-constexpr int kMostFailures = 5;   // of steps: quadrature then cannot tell more
+constexpr int kEmHalvings = 5;         // more than that: the step fails, though it is taken
+constexpr int kMostFailures = 3;       // of steps: the quadrature is too coarse
+constexpr int kMostPoints = 4096;      // of a refined quadrature
+constexpr double kNearHeywood = 0.95;  // communality where even the finest one fails
 constexpr double kSlowFall = 0.1;  // of the gradient in a step, above which information is renewed
 
 class CEstimation {
  public:
   CEstimation(const COrdinalPatterns& patterns, ELink link, const OrdinalFactorParameters& start,
               const OrdinalFactorOptions& options)
-      : patterns_(patterns),
-        options_(options),
-        factors_(start.Factors()),
-        pass_(patterns, link, factors_, options.nodes > 0 ? options.nodes : DefaultNodes(factors_),
-              options.threads) {
+      : patterns_(patterns), options_(options), link_(link), factors_(start.Factors()) {
     result_.parameters = start;
+    SetNodes(options.nodes > 0 ? options.nodes : DefaultNodes(factors_));
   }
 
   OrdinalFactorResult Run() {
@@ -48,9 +47,14 @@ class CEstimation {
  private:
   const OrdinalFactorParameters& At() const { return result_.parameters; }
 
+  void SetNodes(int nodes) {
+    result_.nodes = nodes;
+    pass_.emplace(patterns_, link_, factors_, nodes, options_.threads);
+  }
+
   // False: stopped, or no likelihood.
   bool Evaluate(const OrdinalFactorParameters& at, bool information, OrdinalFactorSums& sums) {
-    if (!pass_.Collect(at, information, options_.goOn, sums)) {
+    if (!pass_->Collect(at, information, options_.goOn, sums)) {
       result_.stopped = true;
       return false;
     }
@@ -58,57 +62,75 @@ class CEstimation {
   }
 
   // Without what quadrature leaves in the directions that only rotate the factors.
-  double LargestGradient(const OrdinalFactorSums& sums) const {
+  VectorXd Gradient(const OrdinalFactorSums& sums) const {
     const MatrixXd directions = RotationDirections(At());
-    const VectorXd rest = sums.gradient - directions * (directions.transpose() * sums.gradient);
-    return rest.cwiseAbs().maxCoeff() / patterns_.N();
+    return sums.gradient - directions * (directions.transpose() * sums.gradient);
   }
 
-  void Note(bool newton) {
+  double LargestGradient(const OrdinalFactorSums& sums) const {
+    return Gradient(sums).cwiseAbs().maxCoeff() / patterns_.N();
+  }
+
+  void Note(EFactorStep next) {
     result_.logLikelihood = sums_.logLikelihood;
     result_.largestGradient = LargestGradient(sums_);
-    result_.history.push_back({newton, sums_.logLikelihood, result_.largestGradient});
+    result_.history.push_back({next, sums_.logLikelihood, result_.largestGradient});
     if (options_.told) options_.told(result_.history.back());
   }
 
-  bool Climb() {
+  bool Begin() {
     if (!Evaluate(At(), false, sums_)) return false;
-    if (!sums_.valid) {
-      result_.status = EStatus::NotFinite;
-      return false;
-    }
+    if (!sums_.valid) result_.status = EStatus::NotFinite;
+    return sums_.valid;
+  }
+
+  bool Climb() {
+    if (!Begin()) return false;
     int untilNewton = kFirstSteps, failures = 0;
     result_.status = EStatus::NotConverged;
     for (int k = 0; k < options_.mostSteps; ++k) {
-      const bool newton = untilNewton <= 0 && LargestGradient(sums_) < kNewtonGradient;
-      Note(newton);
+      const bool newton = untilNewton-- <= 0 && LargestGradient(sums_) < kNewtonGradient;
+      Note(newton ? EFactorStep::Newton : EFactorStep::Em);
       if (result_.largestGradient < options_.gradient) {
         result_.status = EStatus::Ok;
         return true;
       }
-      --untilNewton;
-      if (newton) {
-        const bool risen = StepNewton();
-        if (result_.stopped) return false;
-        if (risen) continue;
-        if (++failures == kMostFailures) return true;
-        untilNewton = kEmBetween;
-      }
-      if (!StepEm()) return !result_.stopped;
-      if (IsHeywood()) return true;
-      if (halvings_ > kEmHalvings && ++failures == kMostFailures) return true;
+      const bool moved = newton ? StepNewton() : StepEm();
+      if (result_.stopped) return false;
+      if (IsHeywood(kLargestCommunality)) return true;
+      if (moved && (newton || halvings_ <= kEmHalvings)) continue;
+      untilNewton = kEmBetween;
+      if (++failures < kMostFailures && (moved || newton)) continue;
+      if (!Refine()) return !result_.stopped;
+      failures = 0;
     }
     return true;
   }
 
-  bool IsHeywood() {
+  // Where no step raises the likelihood although the gradient says so, the quadrature is to blame:
+  // more points follow the likelihood closer to a Heywood case, or to its maximum. False when
+  // there are no more.
+  bool Refine() {
+    const int nodes = result_.nodes * 3 / 2;
+    if (std::pow(nodes, factors_) > kMostPoints) {
+      IsHeywood(kNearHeywood);
+      return false;
+    }
+    Note(EFactorStep::FinerQuadrature);
+    SetNodes(nodes);
+    factor_.reset();
+    lastGradient_ = 0;
+    return Begin();
+  }
+
+  bool IsHeywood(double communality) {
     const MatrixXd loadings =
-        StandardisedLoadings(At().slopes, pass_.Response().ResidualVariance());
+        StandardisedLoadings(At().slopes, pass_->Response().ResidualVariance());
     Index variable = 0;
-    if (loadings.rowwise().squaredNorm().maxCoeff(&variable) < kLargestCommunality) return false;
+    if (loadings.rowwise().squaredNorm().maxCoeff(&variable) < communality) return false;
     result_.status = EStatus::Boundary;
     result_.variable = static_cast<int>(variable);
-    Note(false);
+    Note(EFactorStep::Em);
     return true;
   }
 
@@ -172,7 +194,7 @@ class CEstimation {
       Factorise(sums);
       if (!factor_) return false;
     }
-    if (Take(factor_->solve(sums_.gradient), kNewtonHalvings)) return true;
+    if (Take(factor_->solve(Gradient(sums_)), kNewtonHalvings)) return true;
     factor_.reset();
     return false;
   }
@@ -200,7 +222,7 @@ class CEstimation {
       if (slopes.col(k).sum() < 0) slopes.col(k) *= -1;
     }
     result_.parameters.slopes = slopes;
-    pass_.ForgetModes();
+    pass_->ForgetModes();
     OrdinalFactorSums sums;
     if (!Evaluate(At(), true, sums) || !sums.valid) return;
     result_.information = std::move(sums.information);
@@ -212,8 +234,9 @@ class CEstimation {
 
   const COrdinalPatterns& patterns_;
   const OrdinalFactorOptions& options_;
+  ELink link_;
   int factors_;
-  COrdinalFactorPass pass_;
+  std::optional<COrdinalFactorPass> pass_;
   OrdinalFactorResult result_;
   OrdinalFactorSums sums_;
   std::optional<Eigen::LLT<MatrixXd>> factor_;

@@ -13,8 +13,10 @@ namespace stats {
 // A variable whose answers the factors explain to this part or more counts as a Heywood case.
 inline constexpr double kLargestCommunality = 0.995;
 
+enum class EFactorStep { Em, Newton, FinerQuadrature };
+
 struct OrdinalFactorStep {
-  bool newton = false;         // or of EM
+  EFactorStep next = EFactorStep::Em;
   double logLikelihood = 0;    // where the step begins
   double largestGradient = 0;  // there, of the mean log-likelihood of a case
 };
@@ -25,13 +27,13 @@ struct OrdinalFactorStep {
 // is raised by a Newton step, halved until the likelihood of the answers does not fall. When the
 // gradient is small, Newton's method on the likelihood of the answers itself goes on (observed
 // information; the directions that only rotate the factors are held; steps halved likewise), and
-// falls back to EM when no part of a step raises the likelihood. After five such steps, or steps of
-// EM of which only a small part raises it, it gives up: near a Heywood case the quadrature cannot
-// follow the likelihood any more.
-// Status: BadArgument (no factor, more than kMostFactors, no variable), NotFinite (the likelihood
-// cannot be computed), Boundary (`variable` reaches kLargestCommunality: the likelihood has no
-// maximum), NotConverged; NotPositiveDefinite (the information: the answers do not determine the
-// parameters). With Boundary, NotConverged and NotPositiveDefinite the last parameters stand.
+// falls back to EM when no part of a step raises the likelihood. After three such steps, or steps
+// of EM of which only a small part raises it, half as many points again are taken, as long as they
+// can be gone through; the likelihood of the next step is that of the finer quadrature. Status:
+// BadArgument (no factor, more than kMostFactors, no variable), NotFinite (the likelihood cannot be
+// computed), Boundary (`variable` reaches kLargestCommunality: the likelihood has no maximum),
+// NotConverged; NotPositiveDefinite (the information: the answers do not determine the parameters).
+// With Boundary, NotConverged and NotPositiveDefinite the last parameters stand.
 struct OrdinalFactorResult {
   EStatus status = EStatus::BadArgument;
   bool stopped = false;
@@ -40,6 +42,7 @@ struct OrdinalFactorResult {
   Eigen::MatrixXd information;         // observed, of the parameters in their order
   double logLikelihood = 0;
   double largestGradient = 0;
+  int nodes = 0;  // of the quadrature at the end, in each dimension
   std::vector<OrdinalFactorStep> history;
 };
 
