@@ -1,10 +1,7 @@
 // Files that do not name their encoding: that is told, and what the user chooses holds.
-#include <filesystem>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "statrn32/ByteWriter.h"
 #include "statrn32/StFiles.h"
 
 using namespace sttest;  // NOLINT: a test's own names
@@ -30,14 +27,14 @@ void Replace(const std::string& name, const std::string& old, const std::string&
   MakeFile(name, bytes.replace(at, old.size(), other));
 }
 
-struct Text1 {
+struct Reading {
   std::string text;
   bool guessed = false;
 };
 
 // The first text of the file's first record.
-Text1 ReadText(const Case& c, const std::string& name, const char* encoding) {
-  Text1 out;
+Reading ReadText(const Case& c, const std::string& name, const char* encoding) {
+  Reading out;
   ST_ENV* const env = ST_OpenEnvironment();
   ST_SetInputEncoding(env, encoding);
   ST_FILE* const file = ST_OpenInputFile(env, c.type, name.c_str());
@@ -75,17 +72,17 @@ TEST_P(Encodings, AreAskedForWhereTheFileHasNone) {
   table.columns = {{"TOWN", "", ST_TYPE_STRING, 8, 0, {}}};
   table.records = {{Text("KXln")}};
   ASSERT_EQ(WriteFile(table, c.type, name).error, "");
-  const Text1 ascii = ReadText(c, name, "");
+  const Reading ascii = ReadText(c, name, "");
   EXPECT_EQ(ascii.text, "KXln");
   EXPECT_FALSE(ascii.guessed);
   Replace(folder.Name(*c.holds == '\0' ? c.file : c.holds), "KXln", "K\x94ln");
   if (c.names != nullptr) Replace(name, c.names, "");
-  const Text1 asked = ReadText(c, name, "");
+  const Reading asked = ReadText(c, name, "");
   EXPECT_EQ(asked.text, c.guessed);
   EXPECT_TRUE(asked.guessed);
   for (const auto& [encoding, text] :
        {std::pair("CP850", "Köln"), std::pair("CP1251", "K”ln"), std::pair("CP866", "KФln")}) {
-    const Text1 chosen = ReadText(c, name, encoding);
+    const Reading chosen = ReadText(c, name, encoding);
     EXPECT_EQ(chosen.text, text) << encoding;
     EXPECT_FALSE(chosen.guessed) << encoding;
   }
@@ -111,7 +108,7 @@ TEST(Encodings, OfAPageAreThoseThatItNamesUnlessItIsWrong) {
   for (const auto& c : cases) {
     MakeFile(name, std::string("<html>") + c.head + "<table><tr><th>TOWN<tr><td>" + c.text +
                        "<tr><td>Ulm</table>");
-    const Text1 read = ReadText({31, "", ""}, name, "");
+    const Reading read = ReadText({31, "", ""}, name, "");
     EXPECT_EQ(read.text, c.shown) << c.head;
     EXPECT_EQ(read.guessed, c.guessed) << c.head;
     EXPECT_EQ(ReadFile(31, name).records.size(), 2U);
