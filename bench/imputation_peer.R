@@ -3,12 +3,12 @@
 # of five iterations each by normal regressions (mice). Reading is not timed; a package that is not
 # installed is left out.
 a <- commandArgs(TRUE)
-report <- function(name, job) cat(sprintf("%s %.4f\n", name, median(replicate(3, system.time(job())[["elapsed"]]))))
+report <- function(name, times, job) cat(sprintf("%s %.4f\n", name, median(replicate(times, system.time(job())[["elapsed"]]))))
 if (requireNamespace("lavaan", quietly = TRUE)) {
   x <- as.matrix(read.csv(a[1]))
-  report("lavaan", function() lavaan::lavCor(as.data.frame(x), missing = "fiml", output = "fit"))
+  report("lavaan", 3, function() lavaan::lavCor(as.data.frame(x), missing = "fiml", output = "fit"))
 }
 if (requireNamespace("mice", quietly = TRUE)) {
   d <- read.csv(a[2])
-  report("mice", function() mice::mice(d, method = "norm", m = 5, maxit = 5, printFlag = FALSE))
+  report("mice", 1, function() mice::mice(d, method = "norm", m = 5, maxit = 5, printFlag = FALSE))
 }

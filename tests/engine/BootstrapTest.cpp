@@ -180,6 +180,7 @@ TEST_F(BootstrapTest, SamplesEveryProcedureWithEstimates) {
       {"PR o1 ON x1 x2", "Probit regression (PR)", "Threshold 1 | 2"},
       {"LO two ON x1 AP", "Logistic regression (LO)", "(Intercept)"},
       {"CR floor ON x1 x2", "Censored regression (CR)", "(Intercept)"},
+      {"EM x1 x2 x3", "Multiple imputation by EM (EM)", "x2,x1"},
       {"MT o1", "Marginal thresholds (MT)", "2 | 3"},
       {"ET o1 o2", "Equal thresholds test (ET)", "2 | 3"},
   };

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "engine/procedures/IncompleteSample.h"
+#include "engine/run/Estimates.h"
 
 namespace {
 
@@ -50,6 +52,27 @@ void Complete(ENGINERUN& run, const MULTIPLEIMPUTATION& em, const CIncompleteSam
                                            : "left as they are."));
 }
 
+// What bootstrapping samples: means, standard deviations, correlations.
+void NoteEstimates(ENGINERUN& run, const CIncompleteSample& sample) {
+  const auto& variables = sample.Variables();
+  const stats::IncompleteNormalResult& result = sample.Result();
+  const Eigen::VectorXd deviations = result.covariance.diagonal().cwiseSqrt();
+  ESTIMATES means = MakeEstimates("Means"), spread = MakeEstimates("Standard deviations");
+  ESTIMATES correlations = MakeEstimates("Correlations");
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    const auto row = static_cast<Eigen::Index>(i);
+    AddEstimate(means, variables[i].name, result.mean(row));
+    AddEstimate(spread, variables[i].name, deviations(row));
+    for (std::size_t j = 0; j < i; ++j) {
+      const auto column = static_cast<Eigen::Index>(j);
+      AddEstimate(correlations, variables[i].name + "," + variables[j].name,
+                  result.covariance(row, column) / (deviations(row) * deviations(column)));
+    }
+  }
+  run.estimates->insert(run.estimates->end(),
+                        {std::move(means), std::move(spread), std::move(correlations)});
+}
+
 }  // namespace
 
 bool RunExpectationMaximisation(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
@@ -60,6 +83,10 @@ bool RunExpectationMaximisation(ENGINERUN& run, const PROCEDURE& procedure, FAUL
   run.report.Section("EM: an incomplete multivariate normal sample");
   WarnOfOrdinal(run, em);
   if (!sample.Estimate(fault)) return false;
+  if (run.sampling != nullptr) {
+    NoteEstimates(run, sample);
+    if (run.sampling->isSample) return true;
+  }
   sample.WriteHistory();
   sample.WriteEstimates();
   Complete(run, em, sample);

@@ -113,7 +113,8 @@ bool CIncompleteSample::CheckNumberOfCases(FAULT& fault) const {
   if (cases > static_cast<std::int64_t>(variables_.size())) return true;
   fault = ProcedureFault(procedure_,
                          "there are no more cases than variables: " + std::to_string(cases) +
-                             " cases for " + std::to_string(variables_.size()) + " variables",
+                             (cases == 1 ? " case for " : " cases for ") +
+                             std::to_string(variables_.size()) + " variables",
                          "Name fewer variables, or use more cases.");
   return false;
 }

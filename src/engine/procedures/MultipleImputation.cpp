@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "engine/procedures/IncompleteSample.h"
+#include "engine/procedures/SharedChains.h"
 #include "engine/run/Interrupt.h"
 #include "engine/screen/DataOutput.h"
 #include "engine/stats/Augmentation.h"
@@ -78,11 +79,14 @@ class CMultipleImputation {
 
   bool Run(FAULT& fault) {
     if (run_.job.output.samples > 0 && line_.dataSets > 1) {
-      fault = ProcedureFault(procedure_,
-                             "bootstrapping (BS) takes its samples from one data set, and RP asks "
-                             "for " +
-                                 std::to_string(line_.dataSets),
-                             "Leave out BS=, or RP= on this line.");
+      fault = ProcedureFault(
+          procedure_,
+          "bootstrapping (BS) takes its samples from one data set, and RP asks "
+          "for " +
+              std::to_string(line_.dataSets),
+          "Leave out BS=: what the procedures below estimate is pooled over the data "
+          "sets by Rubin's rules, with standard errors and intervals. Or bootstrap "
+          "EM in place of MC.");
       return false;
     }
     if (!sample_.Read(true, fault)) return false;
@@ -222,11 +226,12 @@ class CMultipleImputation {
       return !IsInterrupted();
     };
     const stats::AugmentationStart start = Start();
-    stats::AugmentationResult result = stats::Augment(*values_->sample, start, options);
+    const bool drawn =
+        DrawSharedChains(run_, *values_->sample, start, options, values_->chains, fault);
     run_.progress.NextStage();
-    if (result.stopped) return false;
-    for (std::size_t i = 0; i < result.chains.size(); ++i) {
-      const stats::AugmentationChain& chain = result.chains[i];
+    if (!drawn) return false;
+    for (std::size_t i = 0; i < values_->chains.size(); ++i) {
+      const stats::AugmentationChain& chain = values_->chains[i];
       if (chain.status == EStatus::Ok) continue;
       fault = ProcedureFault(
           procedure_,
@@ -237,7 +242,6 @@ class CMultipleImputation {
           "Leave out variables that nearly depend on each other or are rarely observed together.");
       return false;
     }
-    values_->chains = std::move(result.chains);
     return true;
   }
 

@@ -6,6 +6,7 @@
 
 #include "engine/screen/ColumnStore.h"
 #include "engine/screen/Faults.h"
+#include "engine/screen/SharedPairs.h"
 #include "engine/stats/Parallel.h"
 
 namespace {
@@ -156,6 +157,8 @@ bool ComputeNumeric(const ENGINERUN& run, const SCREENVARIABLES& variables,
 
 bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
                          POLYSERIALRESULTS& results, FAULT& fault) {
+  const auto part = static_cast<std::size_t>(run.Part());
+  const auto parts = static_cast<std::size_t>(run.Parts());
   const std::size_t numeric = variables.numeric.size();
   const std::size_t ordinal = variables.ordinal.size();
   COLUMNSTORE store;
@@ -171,6 +174,7 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
     const auto pair = static_cast<std::size_t>(k);
     const std::size_t i = pair / numeric;
     const std::size_t j = pair % numeric;
+    if (pair % parts != part) return;
     if (Numeric(variables, static_cast<int>(j)).IsCensored()) return;
     results[pair] = stats::EstimatePolyserial(
         store.cells[j].data(), store.codes[i].data(), store.Cases(),
@@ -179,6 +183,7 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
     run.progress.Tell(static_cast<double>(++estimated) / static_cast<double>(results.size()));
   });
   run.progress.NextStage();
+  if (!SharePolyserials(run, results, fault)) return false;
   run.report.Gap();
   run.report.Paragraph("For the polyserial correlations " + std::to_string(megabytes) +
                        " MB of cases were held in memory.");

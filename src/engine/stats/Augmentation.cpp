@@ -150,7 +150,8 @@ AugmentationResult Augment(const CAugmentationSample& sample, const Augmentation
                            const AugmentationOptions& options) {
   AugmentationResult result;
   result.chains.resize(static_cast<std::size_t>(options.chains));
-  const double all = static_cast<double>(options.chains) * options.iterations;
+  const std::int64_t own = (options.chains - options.part + options.parts - 1) / options.parts;
+  const double all = static_cast<double>(own) * options.iterations;
   std::atomic<std::int64_t> done{0};
   std::atomic<bool> stopped{false};
   const auto told = [&] {
@@ -158,8 +159,9 @@ AugmentationResult Augment(const CAugmentationSample& sample, const Augmentation
     if (options.goOn && !options.goOn(share)) stopped = true;
     return !stopped;
   };
-  const auto run = [&](std::int64_t chain, int threads) {
+  const auto run = [&](std::int64_t number, int threads) {
     if (stopped) return;
+    const std::int64_t chain = options.part + number * options.parts;
     CChain(sample, start, options, static_cast<std::uint64_t>(chain))
         .Run(threads, told, result.chains[static_cast<std::size_t>(chain)]);
   };
@@ -170,10 +172,9 @@ AugmentationResult Augment(const CAugmentationSample& sample, const Augmentation
   const std::size_t drawn = sample.HasOrdinal()
                                 ? sample.Held() * static_cast<std::size_t>(sample.Variables())
                                 : sample.MissingValues();
-  const std::int64_t alone =
-      drawn < kWorthSharing ? options.chains : options.chains / threads * threads;
-  ParallelFor(threads, alone, [&](std::int64_t chain) { run(chain, 1); });
-  for (std::int64_t chain = alone; chain < options.chains; ++chain) run(chain, threads);
+  const std::int64_t alone = drawn < kWorthSharing ? own : own / threads * threads;
+  ParallelFor(threads, alone, [&](std::int64_t number) { run(number, 1); });
+  for (std::int64_t number = alone; number < own; ++number) run(number, threads);
   result.stopped = stopped;
   return result;
 }

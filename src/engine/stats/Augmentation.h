@@ -20,7 +20,9 @@ struct AugmentationStart {
 };
 
 struct AugmentationOptions {
-  int chains = 1;      // each makes one completed data set
+  int chains = 1;  // each makes one completed data set
+  // Only every so many-th chain is drawn, from this one on; the others stay empty.
+  int part = 0, parts = 1;
   int iterations = 1;  // of each chain, at least 1
   std::uint64_t seed = 0;
   std::uint64_t repetition = 0;
