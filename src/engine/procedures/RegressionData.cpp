@@ -15,10 +15,10 @@ bool IsListwise(const ENGINERUN& run) {
 // Of how many cases one is taken to a sample; 0 for too few to need one. An odd number, so that
 // the cases of a selection by even or odd numbers have their share.
 std::int64_t SampleStep(std::int64_t cases) {
-  constexpr std::int64_t kSampleCases = 16'384;
-  constexpr std::int64_t kWorthwhile = 5;
-  const std::int64_t step = cases / kSampleCases;
-  return step < kWorthwhile ? 0 : step | 1;
+  constexpr std::int64_t kSampleCases = 32'768;
+  constexpr std::int64_t kSmallestStep = 8;
+  constexpr std::int64_t kWorthwhile = 80'000;
+  return cases < kWorthwhile ? 0 : std::max(cases / kSampleCases, kSmallestStep) | 1;
 }
 
 }  // namespace

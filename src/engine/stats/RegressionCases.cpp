@@ -157,7 +157,7 @@ NewtonResult MaximiseLikelihood(
     }
     // So short a step changes the second derivatives by no more than its length, and what it leaves
     // of the gradient is its square: no pass has to confirm it.
-    constexpr double kShort = 3e-9;
+    constexpr double kShort = 1e-8;
     if (length <= kShort) {
       result.parameters += step;
       result.sums.value += rise / 2;
