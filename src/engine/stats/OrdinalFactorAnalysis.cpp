@@ -25,7 +25,8 @@ constexpr int kMostHalvings = 10;
 constexpr int kNewtonHalvings = 3;
 constexpr int kEmHalvings = 5;         // more than that: the step fails, though it is taken
 constexpr int kMostFailures = 3;       // of steps: the quadrature is too coarse
-constexpr int kMostPoints = 4096;      // of a refined quadrature
+constexpr int kMostPoints = 1024;      // of a refined quadrature
+constexpr int kMostNodes = 50;         // and in each dimension
 constexpr double kNearHeywood = 0.95;  // communality where even the finest one fails
 constexpr double kSlowFall = 0.1;  // of the gradient in a step, above which information is renewed
 
@@ -112,7 +113,7 @@ class CEstimation {
   // there are no more.
   bool Refine() {
     const int nodes = result_.nodes * 3 / 2;
-    if (std::pow(nodes, factors_) > kMostPoints) {
+    if (nodes > kMostNodes || std::pow(nodes, factors_) > kMostPoints) {
       IsHeywood(kNearHeywood);
       return false;
     }
