@@ -2,7 +2,8 @@
 // R's functions on the same data in the same run; then the extraction of factors from a matrix, and
 // whole runs of the shipped example from the command to the output.
 //
-//   bench_procedures [--cases N] [--variables N] [--runs N] [--peer SCRIPT] [--only WORD]
+//   bench_procedures [--cases N] [--variables N] [--runs N] [--peer SCRIPT] [--programs FOLDER]
+//                    [--example FILE]
 //
 // R has the data in memory, and reading them is not timed; the engine reads its file. PR and LO of
 // five categories get a fifth of the cases. Elapsed and processor seconds; on a machine that has
