@@ -331,7 +331,7 @@ TEST_F(ProceduresTest, CompletesTheData) {
     EXPECT_EQ(cells[27] == -999999, treatment == 2);
   }
   ASSERT_EQ(Run("EM 1-3 IT=1 CC=0.0000001\nOU"), ERUNRESULT::Done);
-  EXPECT_THAT(UnwrappedOutput(), HasSubstr("EM has not converged in 1 iterations"));
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("EM has not converged in 1 iteration: "));
 }
 
 // What is left out is told, and why, by every procedure that reads its own cases.

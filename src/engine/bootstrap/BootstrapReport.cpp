@@ -59,7 +59,7 @@ void WriteBootstrapHeading(ENGINERUN& run, const CString& title, const BOOTSTRAP
   facts.Add("Bootstrap samples", std::to_string(samples.samples));
   facts.Add("Cases to draw from", CReport::Count(samples.n));
   facts.Add("Cases of a sample, drawn with replacement", std::to_string(samples.draws));
-  facts.Add("Seed", std::to_string(run.seed));
+  facts.Add("Seed", std::to_string(static_cast<std::int64_t>(run.seed)));
   if (samples.failures > 0) {
     facts.Add("Samples without estimates", std::to_string(samples.failures));
   }

@@ -17,6 +17,16 @@ using stats::EStatus;
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
+std::string Iterations(int count) {
+  return std::to_string(count) + (count == 1 ? " iteration" : " iterations");
+}
+
+// So many of a positive number are enough to judge it by.
+double ThreeDigits(double x) {
+  const double power = std::pow(10, 2 - std::floor(std::log10(x)));
+  return std::round(x * power) / power;
+}
+
 }  // namespace
 
 int INCOMPLETEVARIABLE::CategoryOf(double value) const {
@@ -179,9 +189,10 @@ bool CIncompleteSample::Estimate(FAULT& fault) {
     fault = FaultOfEstimation();
     return false;
   }
-  report_.Warning("EM has not converged in " + std::to_string(result_.iterations) +
-                  " iterations: the last one changed a mean or covariance by " +
-                  FormatShortest(result_.change) + " standard deviations. The last values are " +
+  report_.Warning("EM has not converged in " + Iterations(result_.iterations) +
+                  ": the last one changed a mean or covariance by " +
+                  FormatShortest(ThreeDigits(result_.change)) +
+                  " standard deviations. The last values are " +
                   (line_.mcmc ? "where the chains begin" : "given") +
                   "; ask for more iterations (IT) or a larger criterion (CC).");
   return true;
@@ -241,7 +252,7 @@ void CIncompleteSample::WriteHistory() const {
                 : CReport::Number(values[i] - values[i - 1], report_.Numbers().decimals + kMore)});
   }
   report_.Subsection(CString(line_.mcmc ? "Convergence of EM: " : "Convergence: ") +
-                     std::to_string(result_.iterations) + " iterations, -2 log likelihood " +
+                     Iterations(result_.iterations) + ", -2 log likelihood " +
                      report_.Number(-2 * values.back()));
   report_.Table(table);
 }
