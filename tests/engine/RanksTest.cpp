@@ -175,11 +175,14 @@ TEST_F(MpiTest, StoppingTheLauncherOrKillingARankLeavesNoHalfFiles) {
     const std::string untilAtWork =
         "second=$(cat " + (folder / "second") +
         "); while [ $(cut -d' ' -f14 /proc/$second/stat) -lt 100 ]; do sleep .1; done; ";
+    // On a busy machine the processes need more than the second that the launcher grants them
+    // between its SIGTERM and its SIGKILL.
     const std::string script =
         "sh -c 'echo $$ >" + (folder / "launcher") +
-        "; exec timeout 60 mpirun --oversubscribe --allow-run-as-root -n 1 " + Engine() +
-        " : -n 1 sh -c \"echo \\$\\$ >" + (folder / "second") + "; exec " + Engine() + "\"' 2>" +
-        (folder / "stderr") + " & own=$!; while [ ! -s " + (folder / "second") +
+        "; exec timeout 60 mpirun --mca odls_base_sigkill_timeout 30 --oversubscribe "
+        "--allow-run-as-root -n 1 " +
+        Engine() + " : -n 1 sh -c \"echo \\$\\$ >" + (folder / "second") + "; exec " + Engine() +
+        "\"' 2>" + (folder / "stderr") + " & own=$!; while [ ! -s " + (folder / "second") +
         " ]; do sleep .1; done; " + untilAtWork + Lines(kill) + "; wait $own; true";
     ASSERT_EQ(std::system(script.c_str()), 0);
     EXPECT_THAT(UnwrappedOutput(), HasSubstr("The run was interrupted")) << kill;
