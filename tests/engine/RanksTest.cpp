@@ -179,7 +179,7 @@ TEST_F(MpiTest, StoppingTheLauncherOrKillingARankLeavesNoHalfFiles) {
     // between its SIGTERM and its SIGKILL.
     const std::string script =
         "sh -c 'echo $$ >" + (folder / "launcher") +
-        "; exec timeout 60 mpirun --mca odls_base_sigkill_timeout 30 --oversubscribe "
+        "; exec timeout 60 mpirun --mca odls_base_sigkill_timeout 5 --oversubscribe "
         "--allow-run-as-root -n 1 " +
         Engine() + " : -n 1 sh -c \"echo \\$\\$ >" + (folder / "second") + "; exec " + Engine() +
         "\"' 2>" + (folder / "stderr") + " & own=$!; while [ ! -s " + (folder / "second") +
