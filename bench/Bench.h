@@ -161,4 +161,22 @@ int Main(Body body) {
   }
 }
 
+// Runs the body with the name of a new folder, which goes with what is in it, whatever happens.
+template <class Body>
+auto InNewFolder(const std::string& name, Body body) {
+  struct Folder {
+    explicit Folder(const std::string& stem)
+        : path(std::filesystem::temp_directory_path() / (stem + "." + std::to_string(getpid()))) {
+      std::filesystem::create_directory(path);
+    }
+    ~Folder() {
+      std::error_code ignored;
+      std::filesystem::remove_all(path, ignored);
+    }
+    std::filesystem::path path;
+  };
+  const Folder folder(name);
+  return body(folder.path.string());
+}
+
 }  // namespace bench

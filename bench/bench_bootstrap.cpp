@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <random>
@@ -151,16 +150,8 @@ int main(int argc, char** argv) {
   app.add_option("--peer", options.peer, "the R script that times the packages");
   CLI11_PARSE(app, argc, argv);
   return bench::Main([&] {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("bench_bootstrap." + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    try {
-      Time(options, folder.string());
-    } catch (...) {
-      std::filesystem::remove_all(folder);
-      throw;
-    }
-    std::filesystem::remove_all(folder);
+    bench::InNewFolder("bench_bootstrap",
+                       [&](const std::string& folder) { Time(options, folder); });
     return EXIT_SUCCESS;
   });
 }

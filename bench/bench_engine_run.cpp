@@ -6,7 +6,6 @@
 // Without --line it screens with all tests; each --line is a line of the syntax (the output line
 // included). ProcedureData.h says what variables there are.
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 
 #include <CLI/CLI.hpp>
@@ -104,16 +103,8 @@ int main(int argc, char** argv) {
   app.add_option("--line", options.lines, "a line of the syntax; the last one is the output line");
   CLI11_PARSE(app, argc, argv);
   return bench::Main([&] {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("bench_engine_run." + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    try {
-      Time(options, folder.string());
-    } catch (...) {
-      std::filesystem::remove_all(folder);
-      throw;
-    }
-    std::filesystem::remove_all(folder);
+    bench::InNewFolder("bench_engine_run",
+                       [&](const std::string& folder) { Time(options, folder); });
     return EXIT_SUCCESS;
   });
 }

@@ -8,7 +8,6 @@
 // with more iterations, as continuous variables (what the peer does) and as ordinal ones.
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <random>
@@ -148,16 +147,9 @@ int main(int argc, char** argv) {
   app.add_option("--runs", runs, "Runs of each; the median counts");
   app.add_option("--peer", peer, "the R script that times the packages");
   CLI11_PARSE(app, argc, argv);
-  const auto folder =
-      std::filesystem::temp_directory_path() / ("bench_imputation_" + std::to_string(getpid()));
-  std::filesystem::create_directory(folder);
-  int status = 0;
-  try {
-    Time(folder, threads, runs, peer);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "bench_imputation: %s\n", error.what());
-    status = 1;
-  }
-  std::filesystem::remove_all(folder);
-  return status;
+  return bench::Main([&] {
+    bench::InNewFolder("bench_imputation",
+                       [&](const std::string& folder) { Time(folder, threads, runs, peer); });
+    return EXIT_SUCCESS;
+  });
 }

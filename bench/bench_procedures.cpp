@@ -9,7 +9,6 @@
 // five categories get a fifth of the cases. Elapsed and processor seconds; on a machine that has
 // other work the latter tell more. Without R, or one of its packages, its columns stay empty.
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -234,16 +233,8 @@ int main(int argc, char** argv) {
   app.add_option("--example", options.example, "the shipped example");
   CLI11_PARSE(app, argc, argv);
   return bench::Main([&] {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("bench_procedures." + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    try {
-      Time(options, folder.string());
-    } catch (...) {
-      std::filesystem::remove_all(folder);
-      throw;
-    }
-    std::filesystem::remove_all(folder);
+    bench::InNewFolder("bench_procedures",
+                       [&](const std::string& folder) { Time(options, folder); });
     return EXIT_SUCCESS;
   });
 }

@@ -10,7 +10,6 @@
 // more than 5% away from the asymptotic one.
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <random>
 
@@ -170,17 +169,7 @@ int main(int argc, char** argv) {
   app.add_option("--threads", options.threads)->check(CLI::NonNegativeNumber);
   CLI11_PARSE(app, argc, argv);
   return bench::Main([&] {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("simulate_bootstrap." + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    int result = EXIT_FAILURE;
-    try {
-      result = Simulate(options, folder.string());
-    } catch (...) {
-      std::filesystem::remove_all(folder);
-      throw;
-    }
-    std::filesystem::remove_all(folder);
-    return result;
+    return bench::InNewFolder("simulate_bootstrap",
+                              [&](const std::string& folder) { return Simulate(options, folder); });
   });
 }
