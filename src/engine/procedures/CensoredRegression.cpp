@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/procedures/RegressionData.h"
+#include "engine/procedures/RegressionReport.h"
 #include "engine/stats/CensoredRegression.h"
-#include "engine/stats/Distributions.h"
 
 namespace {
 
@@ -23,40 +22,9 @@ void WriteFit(ENGINERUN& run, const stats::CensoredRegressionResult& result) {
             CReport::Count(result.below));
   facts.Add(side("Censored above", result.limits.upper, result.above),
             CReport::Count(result.above));
-  facts.Add("Log-likelihood", report.Number(result.logLikelihood));
-  facts.Add("Log-likelihood without x", report.Number(result.logLikelihoodNull));
-  facts.Add("Likelihood ratio chi-square", report.Number(result.ratio));
-  facts.Add("df", CReport::Count(result.df));
-  facts.Add("p", CReport::Probability(result.p));
-  facts.Add("R-square (McKelvey and Zavoina)", report.Number(result.rSquare));
-  facts.Add("Residual standard deviation", report.Estimate(result.sd, result.sdError));
-  facts.Add("its standard error", report.Estimate(result.sdError, result.sdError));
+  AddLikelihoods(facts, report, result);
+  AddResiduals(facts, report, result, false);
   facts.Write(report);
-}
-
-std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
-                                               const stats::CensoredRegressionResult& result) {
-  std::vector<ESTIMATES::PARAMETER> parameters;
-  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
-    parameters.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1), result.coefficient[i],
-                          result.standardError[i]});
-  }
-  return parameters;
-}
-
-void WriteEstimates(CReport& report, const std::vector<ESTIMATES::PARAMETER>& parameters) {
-  TABLE table;
-  table.narrowest = static_cast<std::size_t>(report.Numbers().width);
-  table.columns = {
-      {"Variable", true}, {"Estimate", false}, {"Std. error", false}, {"z", false}, {"p", false}};
-  for (const auto& one : parameters) {
-    const double z = one.value / one.error;
-    table.rows.push_back({one.name, report.Estimate(one.value, one.error),
-                          report.Estimate(one.error, one.error), report.Number(z),
-                          CReport::Probability(stats::NormalTwoSided(z))});
-  }
-  report.Subsection("Coefficients");
-  report.Table(table);
 }
 
 // What the cases between the limits lack.
@@ -109,8 +77,8 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "value of y. Standard errors from the observed information.");
     run.report.Gap();
     WriteFit(run, result);
-    auto parameters = ParametersOf(data, result);
-    WriteEstimates(run.report, parameters);
+    auto parameters = CoefficientsOf(data, result.coefficient, result.standardError);
+    WriteZTable(run.report, "Coefficients", "Variable", parameters);
     if (run.estimates != nullptr) {
       run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
     }

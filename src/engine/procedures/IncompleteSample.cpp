@@ -17,10 +17,6 @@ using stats::EStatus;
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
-std::string Iterations(int count) {
-  return std::to_string(count) + (count == 1 ? " iteration" : " iterations");
-}
-
 // So many of a positive number are enough to judge it by.
 double ThreeDigits(double x) {
   const double power = std::pow(10, 2 - std::floor(std::log10(x)));
@@ -189,7 +185,7 @@ bool CIncompleteSample::Estimate(FAULT& fault) {
     fault = FaultOfEstimation();
     return false;
   }
-  report_.Warning("EM has not converged in " + Iterations(result_.iterations) +
+  report_.Warning("EM has not converged in " + CountText(result_.iterations, "iteration") +
                   ": the last one changed a mean or covariance by " +
                   FormatShortest(ThreeDigits(result_.change)) +
                   " standard deviations. The last values are " +
@@ -252,7 +248,7 @@ void CIncompleteSample::WriteHistory() const {
                 : CReport::Number(values[i] - values[i - 1], report_.Numbers().decimals + kMore)});
   }
   report_.Subsection(CString(line_.mcmc ? "Convergence of EM: " : "Convergence: ") +
-                     Iterations(result_.iterations) + ", -2 log likelihood " +
+                     CountText(result_.iterations, "iteration") + ", -2 log likelihood " +
                      report_.Number(-2 * values.back()));
   report_.Table(table);
 }

@@ -4,25 +4,13 @@
 #include <cmath>
 #include <numeric>
 
-#include "engine/procedures/RegressionData.h"
-#include "engine/stats/Distributions.h"
+#include "engine/procedures/RegressionReport.h"
 #include "engine/stats/IntervalRegression.h"
 #include "engine/stats/OrdinalRegression.h"
 
 namespace {
 
 using stats::EStatus;
-
-void AddRow(const CReport& report, TABLE& table, const CString& name, double estimate,
-            double error) {
-  if (error == 0) {  // fixed
-    table.rows.push_back({name, report.Number(estimate), "(fixed)"});
-    return;
-  }
-  const double z = estimate / error;
-  table.rows.push_back({name, report.Estimate(estimate, error), report.Estimate(error, error),
-                        report.Number(z), CReport::Probability(stats::NormalTwoSided(z))});
-}
 
 void WriteCategories(ENGINERUN& run, const CRegressionData& data,
                      const std::vector<double>& frequency) {
@@ -58,17 +46,6 @@ std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
   return parameters;
 }
 
-void WriteEstimates(ENGINERUN& run, const std::vector<ESTIMATES::PARAMETER>& parameters) {
-  CReport& report = run.report;
-  TABLE table;
-  table.narrowest = static_cast<std::size_t>(report.Numbers().width);
-  table.columns = {
-      {"Parameter", true}, {"Estimate", false}, {"Std. error", false}, {"z", false}, {"p", false}};
-  for (const auto& one : parameters) AddRow(report, table, one.name, one.value, one.error);
-  report.Subsection("Estimates");
-  report.Table(table);
-}
-
 void WriteOddsRatios(ENGINERUN& run, const CRegressionData& data,
                      const stats::OrdinalRegressionResult& result) {
   constexpr double k95 = 1.959963984540054;
@@ -91,11 +68,7 @@ void WriteFit(ENGINERUN& run, const stats::OrdinalRegressionResult& result) {
   CReport& report = run.report;
   CFactTable facts;
   facts.Add("n", CReport::Count(result.n));
-  facts.Add("Log-likelihood", report.Number(result.logLikelihood));
-  facts.Add("Log-likelihood without x", report.Number(result.logLikelihoodNull));
-  facts.Add("Likelihood ratio chi-square", report.Number(result.ratio));
-  facts.Add("df", CReport::Count(result.df));
-  facts.Add("p", CReport::Probability(result.p));
+  AddLikelihoods(facts, report, result);
   facts.Add("R-square (McFadden)", report.Number(result.mcFadden));
   facts.Add("R-square (Nagelkerke)", report.Number(result.nagelkerke));
   facts.Write(report);
@@ -124,7 +97,7 @@ class CFreeEquation {
     WriteFit(run_, result);
     WriteCategories(run_, data_, result.frequency);
     auto parameters = ParametersOf(data_, result, regression_.alternativeParameters);
-    WriteEstimates(run_, parameters);
+    WriteZTable(run_.report, "Estimates", "Parameter", parameters);
     if (!probit_) WriteOddsRatios(run_, data_, result);
     if (run_.estimates != nullptr) {
       run_.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
@@ -159,10 +132,8 @@ std::vector<ESTIMATES::PARAMETER> ParametersOf(const CRegressionData& data,
   std::vector<ESTIMATES::PARAMETER> parameters;
   for (std::size_t j = 0; j < given.thresholds.size(); ++j)
     parameters.push_back({ThresholdName(given.values, j), given.thresholds[j], 0});
-  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
-    parameters.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1), result.coefficient[i],
-                          result.standardError[i]});
-  }
+  const auto coefficients = CoefficientsOf(data, result.coefficient, result.standardError);
+  parameters.insert(parameters.end(), coefficients.begin(), coefficients.end());
   return parameters;
 }
 
@@ -170,18 +141,8 @@ void WriteFit(ENGINERUN& run, const stats::IntervalRegressionResult& result) {
   CReport& report = run.report;
   CFactTable facts;
   facts.Add("n", CReport::Count(result.n));
-  facts.Add("Log-likelihood", report.Number(result.logLikelihood));
-  facts.Add("Log-likelihood without x", report.Number(result.logLikelihoodNull));
-  facts.Add("Likelihood ratio chi-square", report.Number(result.ratio));
-  facts.Add("df", CReport::Count(result.df));
-  facts.Add("p", CReport::Probability(result.p));
-  facts.Add("R-square (McKelvey and Zavoina)", report.Number(result.rSquare));
-  if (result.sdKnown) {
-    facts.Add("Residual standard deviation", "1 (fixed)");
-  } else {
-    facts.Add("Residual standard deviation", report.Estimate(result.sd, result.sdError));
-    facts.Add("its standard error", report.Estimate(result.sdError, result.sdError));
-  }
+  AddLikelihoods(facts, report, result);
+  AddResiduals(facts, report, result, result.sdKnown);
   facts.Write(report);
 }
 
@@ -223,7 +184,7 @@ bool RunUnderThresholds(ENGINERUN& run, const PROCEDURE& procedure, CRegressionD
   WriteFit(run, result);
   WriteCategories(run, data, result.frequency);
   auto parameters = ParametersOf(data, result, given);
-  WriteEstimates(run, parameters);
+  WriteZTable(run.report, "Estimates", "Parameter", parameters);
   if (std::get<REGRESSION>(procedure.what).alternativeParameters) {
     run.report.Warning("AP has no effect on " + data.YName() +
                        ": with fixed thresholds the intercept is estimated anyhow.");

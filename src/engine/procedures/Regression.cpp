@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "engine/procedures/RegressionData.h"
+#include "engine/procedures/RegressionReport.h"
 #include "engine/stats/LeastSquares.h"
 
 namespace {
@@ -41,14 +41,8 @@ void WriteCoefficients(ENGINERUN& run, const CRegressionData& data,
 void TellEstimates(ENGINERUN& run, const CRegressionData& data, const CString& title,
                    const stats::LeastSquaresResult& result) {
   if (run.estimates == nullptr) return;
-  ESTIMATES& estimates = run.estimates->emplace_back();
-  estimates.title = title;
-  estimates.n = result.n;
-  estimates.df = result.df2;
-  for (std::size_t i = 0; i < result.coefficient.size(); ++i) {
-    estimates.parameters.push_back({i == 0 ? "(Intercept)" : data.Name(i - 1),
-                                    result.coefficient[i], result.standardError[i]});
-  }
+  run.estimates->push_back({title, result.n, result.df2,
+                            CoefficientsOf(data, result.coefficient, result.standardError)});
 }
 
 void WriteFit(ENGINERUN& run, const stats::LeastSquaresResult& result) {

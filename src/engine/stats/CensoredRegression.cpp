@@ -96,18 +96,6 @@ class CCaseModel {
   double center_, spread_, precision_ = 1, constant_ = 0;
 };
 
-// `slopes`: of the standardised x, in units of the residual standard deviation.
-void ComputeFit(const CensoredSums& sums, const RegressorScale& scale, const VectorXd& slopes,
-                CensoredRegressionResult& result) {
-  result.logLikelihoodNull = EstimateCensored(sums).logLikelihood;
-  result.ratio = std::max(0.0, 2 * (result.logLikelihood - result.logLikelihoodNull));
-  result.df = static_cast<double>(slopes.size());
-  result.p = ChiSquareUpper(result.ratio, result.df);
-  // The standardised x have the divisor n - 1, the residuals n.
-  const double explained = slopes.dot(scale.correlation * slopes) * (result.n - 1) / result.n;
-  result.rSquare = explained / (explained + 1);
-}
-
 EStatus Check(const CensoredSums& sums, int x) {
   if (!(sums.n > x + 1)) return EStatus::TooFewCases;
   if (!std::isfinite(sums.m2)) return EStatus::NotFinite;
@@ -120,15 +108,10 @@ CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass,
                                                     const CRegressionSurvey& survey, bool below,
                                                     bool above) {
   CensoredRegressionResult result;
-  result.status = EStatus::BadArgument;
   const int x = survey.X();
   if (x < 1) return result;
   const RegressorScale scale = ScaleRegressors(survey);
-  result.status = scale.status;
-  result.variable = scale.variable;
-  result.n = scale.n;
-  result.smallestPivot = scale.smallestPivot;
-  if (result.status != EStatus::Ok) return result;
+  if (!result.Begin(scale)) return result;
   const CensoredSums inside = CountCensored(survey, below, above);
   result.below = inside.below;
   result.above = inside.above;
@@ -149,15 +132,10 @@ CensoredRegressionResult EstimateCensoredRegression(const RegressionPass& pass,
         if (!(parameters(x + 1) > 0)) return true;
         return likelihood.Sum(over, parameters.head(x + 1), model.At(parameters(x + 1)), sums);
       });
-  result.stopped = newton.stopped;
-  result.status = newton.status;
-  result.iterations = newton.iterations;
-  if (newton.status == EStatus::Boundary && newton.runaway < x) result.variable = newton.runaway;
-  if (newton.stopped || newton.status != EStatus::Ok) return result;
-  result.gradient = newton.sums.gradient.cwiseAbs().maxCoeff() / result.n;
-  result.logLikelihood = newton.sums.value - inside.n * std::log(spread);
+  if (!result.End(newton, x)) return result;
   static_cast<LocationScale&>(result) = LocationScaleOf(newton, scale, inside.mean, spread);
-  ComputeFit(inside, scale, newton.parameters.head(x), result);
+  result.Compare(newton.sums.value - inside.n * std::log(spread),
+                 EstimateCensored(inside).logLikelihood, x);
   return result;
 }
 

@@ -5,6 +5,7 @@
 
 #include "engine/stats/Censored.h"
 #include "engine/stats/LocationScale.h"
+#include "engine/stats/RegressionFit.h"
 
 namespace stats {
 
@@ -20,20 +21,9 @@ struct CensoringLimits {
 // uncensored cases than coefficients), Constant with `variable` -1 (the uncensored y are all
 // equal), NotFinite with -1 (their squares are no doubles), Boundary (an x tells the censored cases
 // from the others: `variable`), NotConverged.
-struct CensoredRegressionResult : LocationScale {
-  EStatus status = EStatus::NoCases;
-  int variable = -1;
-  bool stopped = false;
+struct CensoredRegressionResult : RegressionFit, LocationScale {
   CensoringLimits limits;
-  double n = 0, below = 0, above = 0;
-  double logLikelihood = 0, logLikelihoodNull = 0;  // null: no x
-  double ratio = 0, df = 0, p = 1;                  // likelihood ratio of the slopes
-  // Of the variable behind y: the share of x'b in its variance (R. D. McKelvey and W. Zavoina,
-  // Journal of Mathematical Sociology 4, 1975, 103-120); without censoring that of least squares.
-  double rSquare = 0;
-  double gradient = 0;  // largest, of the mean log-likelihood in standardised variables
-  double smallestPivot = 1;
-  int iterations = 0;
+  double below = 0, above = 0;  // cases at the limits
 };
 
 // `below`, `above`: where y is censored; the limits are its smallest and its largest value.

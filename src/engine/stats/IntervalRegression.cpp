@@ -1,9 +1,7 @@
 #include "engine/stats/IntervalRegression.h"
 
-#include <algorithm>
 #include <cmath>
 
-#include "engine/stats/Distributions.h"
 #include "engine/stats/FixedThresholds.h"
 #include "engine/stats/LinkInterval.h"
 
@@ -71,16 +69,6 @@ NewtonResult Maximise(const RegressionPass& pass, const CRegressionSurvey& surve
       });
 }
 
-void ComputeFit(const FixedThresholdsResult& none, const RegressorScale& scale,
-                const VectorXd& slopes, IntervalRegressionResult& result) {
-  result.logLikelihoodNull = none.logLikelihood;
-  result.ratio = std::max(0.0, 2 * (result.logLikelihood - none.logLikelihood));
-  result.df = static_cast<double>(slopes.size());
-  result.p = ChiSquareUpper(result.ratio, result.df);
-  const double explained = slopes.dot(scale.correlation * slopes) * (result.n - 1) / result.n;
-  result.rSquare = explained / (explained + 1);
-}
-
 }  // namespace
 
 IntervalRegressionResult EstimateIntervalRegression(const RegressionPass& pass,
@@ -91,26 +79,20 @@ IntervalRegressionResult EstimateIntervalRegression(const RegressionPass& pass,
   const int x = survey.X();
   if (x < 1) return result;
   const RegressorScale scale = ScaleRegressors(survey);
-  result.status = scale.status;
-  result.variable = scale.variable;
-  result.n = scale.n;
-  result.smallestPivot = scale.smallestPivot;
-  if (result.status != EStatus::Ok) return result;
+  if (!result.Begin(scale)) return result;
   result.frequency = frequency;
   result.sdKnown = thresholds.size() == 1;
   const FixedThresholdsResult none = EstimateUnderThresholds(frequency, thresholds);
   result.status = none.status;
   if (result.status != EStatus::Ok) return result;
   const NewtonResult newton = Maximise(pass, survey, scale, thresholds, none, result.sdKnown);
-  result.stopped = newton.stopped;
-  result.status = newton.status;
-  result.iterations = newton.iterations;
-  if (newton.status == EStatus::Boundary) result.variable = std::min(newton.runaway, x - 1);
-  if (newton.stopped || newton.status != EStatus::Ok) return result;
-  result.gradient = newton.sums.gradient.cwiseAbs().maxCoeff() / result.n;
-  result.logLikelihood = newton.sums.value;
+  if (!result.End(newton, x)) {
+    // Constant and precision run away only behind an x.
+    if (result.status == EStatus::Boundary && result.variable < 0) result.variable = x - 1;
+    return result;
+  }
   static_cast<LocationScale&>(result) = LocationScaleOf(newton, scale, 0, 1);
-  ComputeFit(none, scale, newton.parameters.head(x), result);
+  result.Compare(newton.sums.value, none.logLikelihood, x);
   return result;
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/stats/LocationScale.h"
+#include "engine/stats/RegressionFit.h"
 
 namespace stats {
 
@@ -15,21 +16,9 @@ namespace stats {
 // do not ascend or do not fit the categories); those of RegressorScale with `variable`;
 // OneCategory; Boundary with `variable` -1 (all cases lie in two neighbouring categories: s has no
 // estimate) or an x that tells the categories apart; NotConverged.
-struct IntervalRegressionResult : LocationScale {
-  EStatus status = EStatus::BadArgument;
-  int variable = -1;
-  bool stopped = false;
+struct IntervalRegressionResult : RegressionFit, LocationScale {
   bool sdKnown = false;
-  double n = 0;
-  std::vector<double> frequency;                    // by category
-  double logLikelihood = 0, logLikelihoodNull = 0;  // null: no x
-  double ratio = 0, df = 0, p = 1;                  // likelihood ratio of the slopes
-  // The share of x'b in the variance of y* (R. D. McKelvey and W. Zavoina, Journal of Mathematical
-  // Sociology 4, 1975, 103-120).
-  double rSquare = 0;
-  double gradient = 0;  // largest, of the mean log-likelihood in standardised variables
-  double smallestPivot = 1;
-  int iterations = 0;
+  std::vector<double> frequency;  // by category
 };
 
 // `frequency`: sums of weights by category, which may be 0.

@@ -42,6 +42,10 @@ LocationScale LocationScaleOf(const NewtonResult& newton, const RegressorScale& 
   result.sd = unit;
   result.logSdError = std::sqrt(result.covariance(x + 1, x + 1));
   result.sdError = result.sd * result.logSdError;
+  // The standardised x have the divisor n - 1, the residuals n.
+  const VectorXd slopes = newton.parameters.head(x);
+  const double explained = slopes.dot(scale.correlation * slopes) * (scale.n - 1) / scale.n;
+  result.rSquare = explained / (explained + 1);
   return result;
 }
 

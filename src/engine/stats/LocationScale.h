@@ -14,6 +14,9 @@ struct LocationScale {
   std::vector<double> coefficient, standardError;  // the intercept first
   Eigen::MatrixXd covariance;                      // of the coefficients, then log sd
   double sd = 0, sdError = 0, logSdError = 0;
+  // The share of x'b in the variance of y (R. D. McKelvey and W. Zavoina, Journal of Mathematical
+  // Sociology 4, 1975, 103-120); where y is observed that of least squares.
+  double rSquare = 0;
 };
 
 // The maximum in the slopes of the standardised x and the constant, both divided by the residual

@@ -148,11 +148,9 @@ void TakeBack(const NewtonResult& newton, const RegressorScale& scale,
 
 void ComputeFit(double logLikelihood, OrdinalRegressionResult& result) {
   const double n = result.n;
-  result.logLikelihood = logLikelihood;
-  for (const double f : result.frequency) result.logLikelihoodNull += f * std::log(f / n);
-  result.ratio = std::max(0.0, 2 * (result.logLikelihood - result.logLikelihoodNull));
-  result.df = static_cast<double>(result.slope.size());
-  result.p = ChiSquareUpper(result.ratio, result.df);
+  double null = 0;
+  for (const double f : result.frequency) null += f * std::log(f / n);
+  result.Compare(logLikelihood, null, static_cast<int>(result.slope.size()));
   result.mcFadden = 1 - result.logLikelihood / result.logLikelihoodNull;
   result.nagelkerke = std::expm1(-result.ratio / n) / std::expm1(2 * result.logLikelihoodNull / n);
 }
@@ -164,15 +162,10 @@ OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass,
                                                   const std::vector<double>& frequency,
                                                   ELink link) {
   OrdinalRegressionResult result;
-  result.status = EStatus::BadArgument;
   const int x = survey.X();
   if (frequency.size() < 2 || x < 1) return result;
   const RegressorScale scale = ScaleRegressors(survey);
-  result.status = scale.status;
-  result.variable = scale.variable;
-  result.n = scale.n;
-  result.smallestPivot = scale.smallestPivot;
-  if (result.status != EStatus::Ok) return result;
+  if (!result.Begin(scale)) return result;
   result.frequency = frequency;
   for (const double f : result.frequency) {
     if (f == result.n) result.status = EStatus::OneCategory;
@@ -182,12 +175,7 @@ OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass,
   const NewtonResult newton = link == ELink::Probit
                                   ? Maximise<ProbitLink>(pass, survey.Sample(), scale, result)
                                   : Maximise<LogisticLink>(pass, survey.Sample(), scale, result);
-  result.stopped = newton.stopped;
-  result.status = newton.status;
-  result.iterations = newton.iterations;
-  if (newton.status == EStatus::Boundary && newton.runaway < x) result.variable = newton.runaway;
-  if (newton.stopped || newton.status != EStatus::Ok) return result;
-  result.gradient = newton.sums.gradient.cwiseAbs().maxCoeff() / result.n;
+  if (!result.End(newton, x)) return result;
   TakeBack(newton, scale, result);
   ComputeFit(newton.sums.value, result);
   return result;

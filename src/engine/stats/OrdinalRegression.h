@@ -5,7 +5,7 @@
 
 #include <Eigen/Core>
 
-#include "engine/stats/RegressionSurvey.h"
+#include "engine/stats/RegressionFit.h"
 
 namespace stats {
 
@@ -21,21 +21,12 @@ enum class ELink { Probit, Logistic };
 // Status: OneCategory; BadArgument (fewer than 2 categories, no x, a category without cases); those
 // of RegressorScale with `variable`; Boundary: the x separate the categories, so that there is no
 // maximum (`variable` is the x that runs away, -1 when it is a threshold); NotConverged.
-struct OrdinalRegressionResult {
-  EStatus status = EStatus::NoCases;
-  int variable = -1;
-  bool stopped = false;
-  double n = 0;
+struct OrdinalRegressionResult : RegressionFit {
   std::vector<double> frequency;  // by category
   std::vector<double> threshold, thresholdError;
   std::vector<double> slope, slopeError;
   Eigen::MatrixXd covariance;  // of the thresholds, then the slopes: from the observed information
-  double logLikelihood = 0, logLikelihoodNull = 0;  // null: thresholds only
-  double ratio = 0, df = 0, p = 1;                  // likelihood ratio of the slopes
   double mcFadden = 0, nagelkerke = 0;
-  double gradient = 0;  // largest, of the mean log-likelihood in standardised x
-  double smallestPivot = 1;
-  int iterations = 0;
 };
 
 OrdinalRegressionResult EstimateOrdinalRegression(const RegressionPass& pass,
