@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <condition_variable>
 #include <cstring>
 #include <limits>
-#include <map>
-#include <mutex>
 
 #include "engine/data/CaseStore.h"
+#include "engine/stats/InOrder.h"
 #include "engine/stats/Kernels.h"
 #include "engine/stats/Parallel.h"
 
@@ -462,105 +460,6 @@ bool CCaseSource::ForEachBlock(const std::function<void(const CASEBLOCK&)>& work
   return true;
 }
 
-// Threads that take one piece after the other. What a piece leaves to be done in order waits until
-// its turn comes; a thread that is too far ahead waits as well, so that little is held.
-class CCaseSource::CPieces {
- public:
-  CPieces(CCaseSource& source, const PieceWork& work, const Progress& progress)
-      : source_(source),
-        work_(work),
-        progress_(progress),
-        records_(source.file_.Records()),
-        pieceCases_(source.PartCases()),
-        ahead_(2 * static_cast<std::int64_t>(source.threads_)) {}
-
-  bool Run(FAULT& fault) {
-    stats::ParallelFor(source_.threads_, source_.threads_, [this](std::int64_t) { Guarded(); });
-    if (error_ != 0) fault = source_.ReadFault(error_);
-    return !stopped_;
-  }
-
- private:
-  struct Waiting {
-    CASECOUNTS counts;
-    PieceResult result;
-  };
-
-  void Guarded() {
-    try {
-      TakePieces();
-    } catch (...) {
-      const std::lock_guard<std::mutex> hold(lock_);
-      Stop();
-      throw;
-    }
-  }
-
-  void TakePieces() {
-    Buffer buffer;
-    Part part;
-    part.to = &buffer;
-    std::int64_t piece = 0;
-    while (Next(piece)) {
-      part.first = piece * pieceCases_;
-      part.cases = std::min(pieceCases_, records_ - part.first);
-      source_.MakeRoom(buffer, static_cast<std::size_t>(part.cases));
-      source_.DecodePart(part);
-      PieceResult result;
-      if (part.error == 0 && part.used > 0) {
-        result = work_(source_.View(buffer, part.used, part.complete));
-      }
-      Deliver(piece, part, std::move(result));
-    }
-  }
-
-  bool Next(std::int64_t& piece) {
-    std::unique_lock<std::mutex> hold(lock_);
-    if (stopped_ || next_ * pieceCases_ >= records_) return false;
-    piece = next_++;
-    moved_.wait(hold, [&] { return stopped_ || piece < done_ + ahead_; });
-    return !stopped_;
-  }
-
-  void Deliver(std::int64_t piece, Part& part, PieceResult result) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (part.error != 0) {
-      error_ = part.error;
-      Stop();
-      return;
-    }
-    waiting_[piece] = {std::move(part.counts), std::move(result)};
-    for (auto first = waiting_.begin();
-         !stopped_ && first != waiting_.end() && first->first == done_;
-         first = waiting_.erase(first)) {
-      source_.counts_.Add(first->second.counts);
-      if (first->second.result) first->second.result();
-      ++done_;
-      const std::int64_t records = std::min(done_ * pieceCases_, records_);
-      if (progress_ && !progress_(static_cast<double>(records) / static_cast<double>(records_))) {
-        Stop();
-      }
-    }
-    moved_.notify_all();
-  }
-
-  void Stop() {
-    stopped_ = true;
-    moved_.notify_all();
-  }
-
-  CCaseSource& source_;
-  const PieceWork& work_;
-  const Progress& progress_;
-  std::int64_t records_, pieceCases_, ahead_;
-  std::mutex lock_;  // of everything below
-  std::condition_variable moved_;
-  std::int64_t next_ = 0, done_ = 0;
-  std::map<std::int64_t, Waiting> waiting_;
-  bool stopped_ = false;
-  int error_ = 0;
-};
-
 bool CCaseSource::ForEachPiece(const PieceWork& work, const Progress& progress, FAULT& fault) {
   NoteUse();
   if (store_ != nullptr) {
@@ -570,5 +469,35 @@ bool CCaseSource::ForEachPiece(const PieceWork& work, const Progress& progress, 
     return store_->ForEachBlock(columns_, listwise_, *drawn_, take, counts_);
   }
   BeginPass();
-  return CPieces(*this, work, progress).Run(fault);
+  const std::int64_t records = file_.Records(), pieceCases = PartCases();
+  struct Own {
+    Buffer buffer;
+    Part part;
+  };
+  const auto makeWorker = [&] {
+    const auto own = std::make_shared<Own>();
+    own->part.to = &own->buffer;
+    return [&, own](std::int64_t piece) {
+      Part& part = own->part;
+      part.first = piece * pieceCases;
+      part.cases = std::min(pieceCases, records - part.first);
+      MakeRoom(own->buffer, static_cast<std::size_t>(part.cases));
+      DecodePart(part);
+      PieceResult result;
+      if (part.error == 0 && part.used > 0) {
+        result = work(View(own->buffer, part.used, part.complete));
+      }
+      const std::int64_t end = part.first + part.cases;
+      return [&, end, result, error = part.error, counts = std::move(part.counts)] {
+        if (error != 0) {
+          fault = ReadFault(error);
+          return false;
+        }
+        counts_.Add(counts);
+        if (result) result();
+        return !progress || progress(static_cast<double>(end) / static_cast<double>(records));
+      };
+    };
+  };
+  return stats::ForEachInOrder(threads_, (records + pieceCases - 1) / pieceCases, makeWorker);
 }

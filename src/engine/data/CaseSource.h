@@ -104,7 +104,6 @@ class CCaseSource {
  private:
   struct Buffer;
   struct Part;
-  class CPieces;
 
   void NoteUse();
   void BeginPass();
