@@ -323,18 +323,7 @@ bool basic_text_import_t<CharT>::ReadOn() {
 template <typename CharT>
 bool basic_text_import_t<CharT>::ReadRecord(values_t& values) {
   if (columns_.empty()) return false;
-  while (!IsFailed()) {
-    StartRecord();
-    const Outcome outcome = at_ == limit_
-                                ? Outcome::NeedsMore
-                                : (layout_ == Layout::Free ? ReadFree(values) : ReadLine(values));
-    if (outcome == Outcome::Read) {
-      if (!unreadableNow_.empty()) Count();
-      return true;
-    }
-    if (outcome == Outcome::End || !ReadOn()) return false;
-  }
-  return false;
+  return ReadWhole([&] { return layout_ == Layout::Free ? ReadFree(values) : ReadLine(values); });
 }
 
 template <typename CharT>

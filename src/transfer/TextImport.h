@@ -134,6 +134,20 @@ class basic_text_import_t : public basic_text_transfer_t<CharT> {
   void FindNumbers();
   void StartRecord();
   bool ReadOn();
+  // Reads a record by `read`, which gives an Outcome, once more where the text ended within it.
+  template <typename Read>
+  bool ReadWhole(const Read& read) {
+    while (!IsFailed()) {
+      StartRecord();
+      const Outcome outcome = at_ == limit_ ? Outcome::NeedsMore : read();
+      if (outcome == Outcome::Read) {
+        if (!unreadableNow_.empty()) Count();
+        return true;
+      }
+      if (outcome == Outcome::End || !ReadOn()) return false;
+    }
+    return false;
+  }
   Outcome ReadLine(values_t& values);
   Outcome ReadFree(values_t& values);
   Outcome SkipFurtherFields(const CharT* at);

@@ -38,16 +38,7 @@ bool basic_text_import_t<CharT>::ReadRow(double missing, double* cells) {
     return true;
   }
   rowValues_.resize(1);
-  while (!IsFailed()) {
-    StartRecord();
-    const Outcome outcome = at_ == limit_ ? Outcome::NeedsMore : ReadCells(missing, cells);
-    if (outcome == Outcome::Read) {
-      if (!unreadableNow_.empty()) Count();
-      return true;
-    }
-    if (outcome == Outcome::End || !ReadOn()) return false;
-  }
-  return false;
+  return ReadWhole([&] { return ReadCells(missing, cells); });
 }
 
 // A delimited record. Fields that are a plain number are read on the spot; runs of single digits,

@@ -47,24 +47,15 @@ class CTableLikelihood {
     CCellModel model(rows, columns);
     model.Evaluate(r);
     const std::vector<VectorXd> slopes = CellSlopes(model, size);
-    double value = 0;
-    scoring.gradient.setZero(size);
-    scoring.information.setZero(size, size);
+    scoring.Begin(size);
     for (int a = 0; a < table_.rows; ++a) {
       for (int b = 0; b < table_.columns; ++b) {
-        const VectorXd& slope = slopes[CellIndex(a, table_.columns, b)];
-        const double p = model.Probability(a, b);
-        if (!(p > 0)) {
-          if (table_.At(a, b) > 0) return scoring;
-          continue;
+        if (!scoring.Add(table_.At(a, b) / n_, model.Probability(a, b),
+                         slopes[CellIndex(a, table_.columns, b)])) {
+          return scoring;
         }
-        const double share = table_.At(a, b) / n_;
-        if (share > 0) value += share * std::log(p);
-        scoring.gradient += share / p * slope;
-        scoring.information += slope * slope.transpose() / p;
       }
     }
-    scoring.value = value;
     return scoring;
   }
 

@@ -25,17 +25,10 @@ class CMarginLikelihood {
     const double mean = x(0);
     const double sd = withSd_ ? x(1) : 1;
     if (!(sd > 0)) return scoring;
-    double value = 0;
-    scoring.gradient.setZero(x.size());
-    scoring.information.setZero(x.size(), x.size());
+    scoring.Begin(x.size());
     for (std::size_t a = 0; a < frequencies_.size(); ++a) {
       const double low = a > 0 ? (thresholds_[a - 1] - mean) / sd : -HUGE_VAL;
       const double high = a < thresholds_.size() ? (thresholds_[a] - mean) / sd : HUGE_VAL;
-      const double p = NormalInterval(low, high);
-      if (!(p > 0)) {
-        if (frequencies_[a] > 0) return scoring;
-        continue;
-      }
       VectorXd slope(x.size());
       const double atLow = NormalDensity(low);
       const double atHigh = NormalDensity(high);
@@ -44,12 +37,8 @@ class CMarginLikelihood {
         slope(1) =
             -((std::isinf(high) ? 0 : high * atHigh) - (std::isinf(low) ? 0 : low * atLow)) / sd;
       }
-      const double share = frequencies_[a] / n_;
-      if (share > 0) value += share * std::log(p);
-      scoring.gradient += share / p * slope;
-      scoring.information += slope * slope.transpose() / p;
+      if (!scoring.Add(frequencies_[a] / n_, NormalInterval(low, high), slope)) return scoring;
     }
-    scoring.value = value;
     return scoring;
   }
 

@@ -11,9 +11,27 @@ namespace stats {
 
 // Mean log-likelihood of a table with its gradient and expected information.
 struct Scoring {
-  double value = -HUGE_VAL;
+  double value = -HUGE_VAL;  // where the parameters are not allowed
   Eigen::VectorXd gradient;
   Eigen::MatrixXd information;
+
+  void Begin(Eigen::Index parameters) {
+    value = 0;
+    gradient.setZero(parameters);
+    information.setZero(parameters, parameters);
+  }
+  // A cell with this share of the cases, its probability and the derivatives of that. False when
+  // there are cases where none can be.
+  bool Add(double share, double p, const Eigen::VectorXd& slope) {
+    if (!(p > 0)) {
+      if (share > 0) value = -HUGE_VAL;
+      return !(share > 0);
+    }
+    if (share > 0) value += share * std::log(p);
+    gradient += share / p * slope;
+    information += slope * slope.transpose() / p;
+    return true;
+  }
 };
 
 // Maximum by Fisher scoring with halved steps; false when it is not reached.
