@@ -400,13 +400,11 @@ constexpr RELATIVE kRelatives[] = {
      "this is a dump of the new style; please write it with data.dump(..., oldStyle = T)"},
     {900, kCompoundMagic,
      "this is a workbook of Excel 97 to 2003 (*.xls), or one protected by a password; please "
-     "choose "
-     "the type Excel for the one, save the other without the password first"},
+     "choose the type Excel for the one, save the other without the password first"},
     {902,
      {},
      "this is no SQLite database; one that is encrypted (SQLCipher) must be exported without its "
-     "key "
-     "first, or its table as text (*.csv)"},
+     "key first, or its table as text (*.csv)"},
 };
 
 }  // namespace
