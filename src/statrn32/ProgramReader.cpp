@@ -93,6 +93,9 @@ bool CProgramReader::ReadHeader(DICTIONARY* out) {
 
 bool CProgramReader::OpenData() {
   CInputFile* input = &Input();
+  if (data_.file.empty() && data_.end.empty()) {
+    return FailFile("the program holds no data and names no file that does");
+  }
   if (!data_.file.empty()) {
     const std::string wanted = std::filesystem::path(data_.file).filename().string();
     const std::string name = FindInFolderOf(Name(), wanted);
@@ -110,14 +113,17 @@ bool CProgramReader::OpenData() {
 bool CProgramReader::NextDataLine() {
   at_ = 0;
   lineOpen_ = !ended_ && dataLines_->Next(&line_);
-  if (lineOpen_ && data_.file.empty() && !data_.end.empty()) {
-    std::string_view text = Trimmed(line_);
-    if (!text.empty() && text.back() == '.' && data_.end.back() != '.') text.remove_suffix(1);
-    lineOpen_ = !EqualIgnoringCase(text, data_.end);
-  }
+  if (lineOpen_ && data_.file.empty()) lineOpen_ = !EndsData();
   if (dataLines_->TooLong()) FailFile("a line of its data has more than 16 MiB");
   ended_ = !lineOpen_;
   return lineOpen_;
+}
+
+bool CProgramReader::EndsData() const {
+  if (data_.end == ";") return line_.find(';') != std::string::npos;
+  std::string_view text = Trimmed(line_);
+  if (!text.empty() && text.back() == '.') text.remove_suffix(1);
+  return EqualIgnoringCase(text, data_.end);
 }
 
 bool CProgramReader::AtLineEnd() {
@@ -126,7 +132,10 @@ bool CProgramReader::AtLineEnd() {
 
 // The next field of the line; false at its end.
 bool CProgramReader::NextField(std::string* field, bool* quoted) {
-  const auto isSeparator = [&](char c) { return data_.separators.find(c) != std::string::npos; };
+  const bool commas = data_.commas && data_.separators.empty();
+  const auto isSeparator = [&](char c) {
+    return data_.separators.find(c) != std::string::npos || (commas && c == ',');
+  };
   field->clear();
   *quoted = false;
   while (!AtLineEnd() && IsBlank(line_[at_]) && !isSeparator(line_[at_])) ++at_;
@@ -149,12 +158,12 @@ bool CProgramReader::NextField(std::string* field, bool* quoted) {
     if (!AtLineEnd()) ++at_;
   } else {
     const auto ends = [&](char c) {
-      return data_.separators.empty() ? IsBlank(c) : isSeparator(c);
+      return isSeparator(c) || (data_.separators.empty() && IsBlank(c));
     };
     while (!AtLineEnd() && !ends(line_[at_])) *field += line_[at_++];
     while (!field->empty() && IsBlank(field->back())) field->pop_back();
   }
-  if (!data_.separators.empty()) {
+  if (commas || !data_.separators.empty()) {
     while (!AtLineEnd() && IsBlank(line_[at_]) && !isSeparator(line_[at_])) ++at_;
     if (!AtLineEnd() && isSeparator(line_[at_])) ++at_;
   }
@@ -182,9 +191,10 @@ bool CProgramReader::FillListRecord(CBlockFiller* out) {
   }
   for (std::size_t i = 0; i < data_.columns.size(); ++i) {
     bool there = NextField(&field_, &quoted);
-    while (!there && data_.flows) {
+    while (!there && (data_.flows || data_.wraps)) {
       if (!NextDataLine()) {
         out->DropRecord();
+        cutOff_ = true;
         return false;  // the data end within a record
       }
       there = NextField(&field_, &quoted);
@@ -235,6 +245,7 @@ std::vector<std::string> CProgramReader::Notes() const {
     notes.push_back(
         "Texts among the numbers became missing values: " + std::to_string(unreadable_) + ".");
   }
+  if (cutOff_) notes.emplace_back("The data end within a record, which was left out.");
   return notes;
 }
 

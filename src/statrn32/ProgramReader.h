@@ -27,7 +27,9 @@ struct PROGRAM_DATA {
   std::int64_t firstLine = 1;  // of the file they stand in
   std::string end;             // the line that ends data inside the program, in upper case
   std::string separators;      // of a list; empty: blanks
-  bool flows = false;          // a record goes on over line ends
+  bool commas = false;         // without separators of its own a comma ends a field too
+  bool flows = false;          // records go on over line ends and begin within a line
+  bool wraps = false;          // a record goes on over line ends; the next begins with a line
   bool doubledQuotes = true;   // a mark inside a quoted text stands twice
 };
 
@@ -62,6 +64,9 @@ class CProgramReader : public CFileReader {
   bool FailLine(std::int64_t line, const std::string& what) {
     return FailFile("line " + std::to_string(line) + ": " + what);
   }
+  bool FailNotUnderstood(const PROGRAM_TOKEN& token) {
+    return FailLine(token.line, "\"" + token.text + "\" is not understood here");
+  }
   // The column of that name (case aside); null when there is none.
   static PROGRAM_COLUMN* FindColumn(PROGRAM_DATA* data, std::string_view name);
   static bool ParseProgramNumber(std::string_view text, double* number);
@@ -69,6 +74,7 @@ class CProgramReader : public CFileReader {
  private:
   bool OpenData();
   bool NextDataLine();
+  bool EndsData() const;
   bool NextField(std::string* field, bool* quoted);
   bool AtLineEnd();
   bool FillListRecord(CBlockFiller* out);
@@ -87,6 +93,7 @@ class CProgramReader : public CFileReader {
   bool ended_ = false;
   std::string field_;
   std::int64_t unreadable_ = 0;
+  bool cutOff_ = false;  // the data end within a record
 };
 
 }  // namespace statrn32

@@ -23,6 +23,7 @@ class CSpssProgramReader final : public CProgramReader {
   bool ReadPlace(CTokens* in, std::size_t firstNew, PROGRAM_DATA* data);
   void ReadLabels(CTokens* in, PROGRAM_DATA* data);
   void ReadMissing(CTokens* in, PROGRAM_DATA* data);
+  static std::vector<PROGRAM_COLUMN*> TakeColumns(CTokens* in, PROGRAM_DATA* data);
 };
 
 // A command ends with a full stop at the end of a line or with an empty line.
@@ -94,6 +95,7 @@ bool CSpssProgramReader::ReadCommand(const std::string& command, std::int64_t li
 
 bool CSpssProgramReader::ReadDataList(CTokens* in, PROGRAM_DATA* data) {
   bool list = false;
+  data->commas = true;
   while (!in->AtEnd() && !in->Peek().Is("/")) {
     const PROGRAM_TOKEN word = in->Take();
     if (word.Is("FREE") || word.Is("LIST")) {
@@ -149,7 +151,7 @@ bool CSpssProgramReader::ReadVariables(CTokens* in, PROGRAM_DATA* data) {
     } else if (token.kind == PROGRAM_TOKEN::Word && !token.Is("TO")) {
       data->columns.push_back(ColumnNamed(in->Take().text));
     } else {
-      return FailLine(token.line, "\"" + token.text + "\" is not understood here");
+      return FailNotUnderstood(token);
     }
   }
   return true;
@@ -189,20 +191,29 @@ bool CSpssProgramReader::ReadPlace(CTokens* in, std::size_t firstNew, PROGRAM_DA
   return in->TakeIf(")") || FailLine(line, "a closing parenthesis is expected");
 }
 
+// The variables that stand next: "A", "A TO C" or "ALL".
+std::vector<PROGRAM_COLUMN*> CSpssProgramReader::TakeColumns(CTokens* in, PROGRAM_DATA* data) {
+  std::vector<PROGRAM_COLUMN*> columns;
+  while (in->Peek().kind == PROGRAM_TOKEN::Word) {
+    const bool all = in->Peek().Is("ALL") && !data->columns.empty();
+    PROGRAM_COLUMN* first = all ? data->columns.data() : FindColumn(data, in->Peek().text);
+    if (first == nullptr) break;
+    in->Take();
+    PROGRAM_COLUMN* last = all ? &data->columns.back() : first;
+    if (in->TakeIf("TO")) last = FindColumn(data, in->Take().text);
+    for (; last != nullptr && first <= last; ++first) columns.push_back(first);
+  }
+  return columns;
+}
+
 void CSpssProgramReader::ReadLabels(CTokens* in, PROGRAM_DATA* data) {
   while (!in->AtEnd()) {
     const auto set = static_cast<int>(data->labelSets.size());
-    std::size_t named = 0;
-    while (in->Peek().kind == PROGRAM_TOKEN::Word) {
-      PROGRAM_COLUMN* const column = FindColumn(data, in->Peek().text);
-      if (column == nullptr) break;
-      column->variable.labelSet = set;
-      in->Take();
-      ++named;
-    }
+    const std::vector<PROGRAM_COLUMN*> columns = TakeColumns(in, data);
+    for (PROGRAM_COLUMN* const column : columns) column->variable.labelSet = set;
     data->labelSets.emplace_back();
     ReadValueLabels(in, &data->labelSets.back());
-    if (!in->TakeIf("/") && named == 0) in->Take();
+    if (!in->TakeIf("/") && columns.empty()) in->Take();
   }
 }
 
@@ -211,8 +222,9 @@ void CSpssProgramReader::ReadMissing(CTokens* in, PROGRAM_DATA* data) {
   std::vector<PROGRAM_COLUMN*> columns;
   while (!in->AtEnd()) {
     if (!in->TakeIf("(")) {
-      PROGRAM_COLUMN* const column = FindColumn(data, in->Take().text);
-      if (column != nullptr) columns.push_back(column);
+      const std::vector<PROGRAM_COLUMN*> named = TakeColumns(in, data);
+      columns.insert(columns.end(), named.begin(), named.end());
+      if (named.empty()) in->Take();
       continue;
     }
     std::vector<MISSING_RANGE> ranges;

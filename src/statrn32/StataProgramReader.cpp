@@ -19,7 +19,9 @@ class CStataProgramReader final : public CProgramReader {
 
  private:
   bool ReadCommand(const std::string& line, PROGRAM_DATA* data);
-  void ReadVariables(CTokens* in, PROGRAM_DATA* data);
+  bool ReadVariables(CTokens* in, PROGRAM_DATA* data);
+  bool ReadVariable(CTokens* in, int* textBytes, PROGRAM_DATA* data);
+  bool ReadUsing(CTokens* in, PROGRAM_DATA* data);
   void ReadLabel(CTokens* in, PROGRAM_DATA* data);
 
   std::map<std::string, LABEL_SET> sets_;
@@ -56,18 +58,16 @@ bool CStataProgramReader::ReadCommand(const std::string& line, PROGRAM_DATA* dat
   if (first.kind == PROGRAM_TOKEN::End) return true;
   if (first.Is("INPUT")) {
     std::string data_line;
-    ReadVariables(&in, data);
+    data->commas = true;
+    if (!ReadVariables(&in, data)) return false;
     data->firstLine = Lines().Number() + 1;
     data->end = "END";
     while (Lines().Next(&data_line) && !EqualIgnoringCase(Trimmed(data_line), data->end)) continue;
     return true;
   }
   if (first.Is("INFILE") || first.Is("INFIX")) {
-    ReadVariables(&in, data);
-    if (!in.TakeIf("USING")) return FailLine(first.line, "using is expected");
-    data->file = in.Take().text;
-    data->flows = first.Is("INFILE");
-    return true;
+    data->flows = data->commas = first.Is("INFILE");
+    return ReadVariables(&in, data) && ReadUsing(&in, data);
   }
   if (first.Is("LABEL")) {
     ReadLabel(&in, data);
@@ -79,36 +79,66 @@ bool CStataProgramReader::ReadCommand(const std::string& line, PROGRAM_DATA* dat
   return FailLine(first.line, "the command " + first.text + " is not understood here");
 }
 
+// The file, whose name may stand without quotes, and no option that changes what is read.
+bool CStataProgramReader::ReadUsing(CTokens* in, PROGRAM_DATA* data) {
+  const std::int64_t line = in->Peek().line;
+  if (!in->TakeIf("USING")) return FailLine(line, "using is expected");
+  while (!in->AtEnd() && !in->Peek().Is(",")) data->file += in->Take().text;
+  in->TakeIf(",");
+  while (!in->AtEnd()) {
+    const PROGRAM_TOKEN option = in->Take();
+    if (!option.Is("CLEAR")) return FailNotUnderstood(option);
+  }
+  const bool plain = data->file.find('.') == std::string::npos;
+  if (plain && !data->file.empty()) data->file += ".raw";
+  return !data->file.empty() || FailLine(line, "the name of a file is expected");
+}
+
 // "double AGE str12 TOWN", for infix with columns behind each name.
-void CStataProgramReader::ReadVariables(CTokens* in, PROGRAM_DATA* data) {
+bool CStataProgramReader::ReadVariables(CTokens* in, PROGRAM_DATA* data) {
   int textBytes = 0;
   while (!in->AtEnd() && !in->Peek().Is("USING")) {
-    const PROGRAM_TOKEN token = in->Take();
-    int number = 0;
-    const bool text = token.text.size() > 3 && token.text.substr(0, 3) == "str" &&
-                      ParseInt(token.text.substr(3), &number);
-    if (text || token.Is("STR") || token.Is("STRL")) {
-      textBytes = std::max(1, number);
-    } else if (token.Is("DOUBLE") || token.Is("FLOAT") || token.Is("LONG") || token.Is("INT") ||
-               token.Is("BYTE")) {
-      textBytes = 0;
-    } else if (ParseInt(token.text, &number) && number >= 1 && !data->columns.empty()) {
-      PROGRAM_COLUMN& column = data->columns.back();
-      int last = number;
-      if (in->TakeIf("-")) ParseInt(in->Take().text, &last);
-      column.begin = number - 1;
-      column.width = std::max(1, last - number + 1);
-    } else if (token.kind == PROGRAM_TOKEN::Word) {
-      PROGRAM_COLUMN column = ColumnNamed(token.text);
-      if (textBytes > 0) {
-        column.variable.type = ST_TYPE_STRING;
-        column.variable.width = textBytes;
-        column.variable.decimals = 0;
-      }
-      textBytes = 0;
-      data->columns.push_back(std::move(column));
-    }
+    if (!ReadVariable(in, &textBytes, data)) return false;
   }
+  return true;
+}
+
+// One word of the list; `textBytes` is what the type before a name said.
+bool CStataProgramReader::ReadVariable(CTokens* in, int* textBytes, PROGRAM_DATA* data) {
+  const PROGRAM_TOKEN token = in->Take();
+  int number = 0;
+  const bool text = token.text.size() > 3 && token.text.substr(0, 3) == "str" &&
+                    ParseInt(token.text.substr(3), &number);
+  const bool name =
+      token.kind == PROGRAM_TOKEN::Word && (token.text[0] < '0' || token.text[0] > '9');
+  if (text || token.Is("STR") || token.Is("STRL")) {
+    *textBytes = std::max(1, number);
+  } else if (token.Is("DOUBLE") || token.Is("FLOAT") || token.Is("LONG") || token.Is("INT") ||
+             token.Is("BYTE")) {
+    *textBytes = 0;
+  } else if (ParseInt(token.text, &number) && number >= 1 && !data->columns.empty()) {
+    PROGRAM_COLUMN& column = data->columns.back();
+    int last = number;
+    const bool range = in->TakeIf("-");
+    const PROGRAM_TOKEN end = range ? in->Take() : token;
+    if (!ParseInt(end.text, &last)) return FailNotUnderstood(end);
+    if (last < number) return FailLine(token.line, "columns that end before they begin");
+    column.begin = number - 1;
+    column.width = last - number + 1;
+  } else if (name && !token.Is("DICTIONARY") && !token.Is("_SKIP")) {
+    PROGRAM_COLUMN column = ColumnNamed(token.text);
+    if (*textBytes > 0) {
+      column.variable.type = ST_TYPE_STRING;
+      column.variable.width = *textBytes;
+      column.variable.decimals = 0;
+    }
+    *textBytes = 0;
+    data->columns.push_back(std::move(column));
+    if (in->TakeIf(":")) uses_.emplace_back(token.text, in->Take().text);
+  } else {
+    return FailNotUnderstood(token);
+  }
+  return true;
 }
 
 void CStataProgramReader::ReadLabel(CTokens* in, PROGRAM_DATA* data) {

@@ -21,6 +21,7 @@ constexpr std::int32_t kStatistica = 30;
 constexpr std::int32_t kOsiris = 36;
 constexpr std::int32_t kSpssProgram = 39;
 constexpr std::int32_t kSasProgram = 40;
+constexpr std::int32_t kStataProgram = 41;
 constexpr std::int32_t kHtml = 31;
 constexpr std::int32_t kJsonLines = 903;
 
@@ -83,11 +84,58 @@ TEST_F(HandmadeFiles, ReadAsTheirWritersMeantThem) {
        "DATA LIST FREE /a b.\nMISSING VALUES a (LO THRU 0, 9) b (97 THRU HIGHEST).\nBEGIN DATA\n"
        "-5 1\n0 97\n3 1e300\n9 98\n1 2\nEND DATA.\n",
        {"a|b", ".|1", ".|.", "3|.", ".|.", "1|2"}},
+      // Commas separate as blanks do; a run of variables shares what it is told.
+      {kSpssProgram,
+       "DATA LIST LIST /a b c.\nMISSING VALUES a TO c (9).\nBEGIN DATA\n1, 2,,\n9,9 9\nEND DATA.\n",
+       {"a|b|c", "1|2|.", ".|.|."}},
+      {kStataProgram,
+       "input byte a str3 b c:yes\n1,\"x\",2\n3 y ,4\nend\n",
+       {"a|b|c", R"(1|"x"|2)", R"(3|"y"|4)"}},
+      // Informats without a column follow each other.
+      {kSasProgram,
+       "data d; input id 3. sex $1. x 4.1;\ncards;\n001m1234\n002f 5.6\n;\n",
+       {"id|sex|x", R"(1|"m"|123.4)", R"(2|"f"|5.6)"}},
+      // A record goes on in the next line, or begins within one, or ends with the line. Data end
+      // with the first semicolon.
+      {kSasProgram, "data d; input a b;\ncards;\n1\n2 3\n4 5\nrun;\n", {"a|b", "1|2", "4|5"}},
+      {kSasProgram,
+       "data d; input a b @@;\ncards;\n1 2 3\n4 5 6\n;\n",
+       {"a|b", "1|2", "3|4", "5|6"}},
+      {kSasProgram,
+       "data d; infile cards missover; input a b;\ncards;\n1\n2 3\n;\n",
+       {"a|b", "1|.", "2|3"}},
+      {kSasProgram,
+       "data d; infile cards dlm='09'x dsd; input a @; input b : 5.;\ncards;\n1\t09\n;\n",
+       {"a|b", "1|9"}},
   };
   for (const auto& [type, bytes, shown] : cases) {
     const Table table = Read(type, bytes);
     EXPECT_EQ(table.error, "") << bytes;
     EXPECT_EQ(Shown(table), shown) << bytes;
+  }
+}
+
+// What would be read as something else is refused by the line and the word.
+TEST_F(HandmadeFiles, ProgramsThatAreNotUnderstoodAreRefusedByName) {
+  const struct {
+    std::int32_t type;
+    const char* bytes;
+    const char* message;
+  } cases[] = {
+      {kStataProgram, "infile a b:c using file, automatic\n", "line 1: \"automatic\""},
+      {kStataProgram, "clear\ninfix dictionary using file\n", "line 2: \"dictionary\""},
+      {kStataProgram, "infix 2 lines 1: a 1-4 using file\n", "line 1: \"2\""},
+      {kStataProgram, "input v1-v3\nend\n", "line 1: \"-\""},
+      {kSasProgram, "data d;\ninfile in1;\ninput a;\n", "line 2: INFILE in1"},
+      {kSasProgram, "data d; infile cards obs=2;\ninput a;\ncards;\n1\n;\n", "line 1: \"obs\""},
+      {kSasProgram, "data d;\ninput a;\ninput b;\ncards;\n1\n2\n;\n", "line 3: a second INPUT"},
+      {kSasProgram, "data d;\ninput a date.;\ncards;\n1\n;\n", "line 2: date.: an informat"},
+      {kSasProgram, "data d;\ninput a;\nrun;\n", "holds no data"},
+      {kSpssProgram, "DATA LIST FREE /a.\n", "holds no data"},
+  };
+  for (const auto& [type, bytes, message] : cases) {
+    const std::string error = Read(type, bytes).error;
+    EXPECT_NE(error.find(message), std::string::npos) << bytes << error;
   }
 }
 
