@@ -1,6 +1,7 @@
 // A file whose columns stand one behind the other, filled record by record.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,6 +28,11 @@ class CColumnFile {
   bool Write(std::int64_t offset, std::string_view bytes);
   // Bytes that were written; after Flush also of the columns.
   bool Read(std::int64_t offset, char* data, std::size_t size);
+  // Hands on the `count` elements of a column that begins at `offset`, as many at a time as make a
+  // block: take(bytes) is given whole elements and tells whether to go on. False when it did not,
+  // or when reading failed.
+  template <typename TAKE>
+  bool ReadColumn(std::int64_t offset, std::size_t elementBytes, std::int64_t count, TAKE take);
   bool Flush();
   bool Close();
   const std::string& Reason() const { return reason_; }
@@ -46,5 +52,21 @@ class CColumnFile {
   std::size_t capacity_ = 0;  // of the blocks, once the columns are known
   std::string reason_;
 };
+
+template <typename TAKE>
+bool CColumnFile::ReadColumn(std::int64_t offset, std::size_t elementBytes, std::int64_t count,
+                             TAKE take) {
+  const auto most =
+      std::max<std::int64_t>(1, static_cast<std::int64_t>(kBlockBytes / elementBytes));
+  std::string block;
+  while (count > 0) {
+    const std::int64_t part = std::min(most, count);
+    block.resize(static_cast<std::size_t>(part) * elementBytes);
+    if (!Read(offset, block.data(), block.size()) || !take(std::string_view(block))) return false;
+    offset += static_cast<std::int64_t>(block.size());
+    count -= part;
+  }
+  return true;
+}
 
 }  // namespace statrn32

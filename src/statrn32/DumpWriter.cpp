@@ -28,6 +28,8 @@ class CDumpWriter final : public CFileWriter {
  private:
   bool FailSpool() { return FailFile("temporary file: " + spool_.Reason()); }
   bool PutColumn(const VARIABLE& variable, std::int64_t offset, std::size_t bytes);
+  void AppendTextElement(const char* element);
+  void AppendNumberElement(const char* element);
   void AppendText(std::string_view text);
   bool PutVector(const char* name, const char* mode, std::int64_t count);
   bool PutNames();
@@ -85,31 +87,25 @@ void CDumpWriter::AppendText(std::string_view text) {
 bool CDumpWriter::PutColumn(const VARIABLE& variable, std::int64_t offset, std::size_t bytes) {
   const bool text = variable.type == ST_TYPE_STRING;
   if (!PutVector(variable.name.c_str(), text ? "character" : "numeric", Cases())) return false;
-  const auto most = std::max<std::int64_t>(1, static_cast<std::int64_t>(kBlockBytes / bytes));
-  std::string block;
-  for (std::int64_t done = 0; done < Cases();) {
-    const std::int64_t count = std::min(most, Cases() - done);
-    block.resize(static_cast<std::size_t>(count) * bytes);
-    if (!spool_.Read(offset + done * static_cast<std::int64_t>(bytes), block.data(),
-                     block.size())) {
-      return FailSpool();
-    }
+  const auto putLines = [&](std::string_view block) {
     lines_.clear();
-    for (const char* at = block.data(); at < block.data() + block.size(); at += bytes) {
-      double number = 0;
-      if (!text) std::memcpy(&number, at, sizeof number);
-      if (text ? *at == kMissingText : std::isnan(number)) {
-        lines_ += "N\n";
-      } else if (text) {
-        AppendText(at + 1);
-      } else {
-        lines_.append(FormatShortest(number)) += '\n';
-      }
+    for (std::size_t at = 0; at < block.size(); at += bytes) {
+      text ? AppendTextElement(block.data() + at) : AppendNumberElement(block.data() + at);
     }
-    if (!Put(lines_)) return false;
-    done += count;
-  }
-  return true;
+    return Put(lines_);
+  };
+  if (spool_.ReadColumn(offset, bytes, Cases(), putLines)) return true;
+  return spool_.Reason().empty() ? false : FailSpool();
+}
+
+void CDumpWriter::AppendTextElement(const char* element) {
+  AppendText(*element == kMissingText ? "N" : element + 1);
+}
+
+void CDumpWriter::AppendNumberElement(const char* element) {
+  double number = 0;
+  std::memcpy(&number, element, sizeof number);
+  lines_.append(std::isnan(number) ? "N" : FormatShortest(number)) += '\n';
 }
 
 bool CDumpWriter::PutNames() {

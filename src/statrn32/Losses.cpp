@@ -67,6 +67,9 @@ std::string WhyTooLarge(const LIMITS& limits, const DICTIONARY& dictionary, std:
     if (!IsText(variable) || variable.width <= 0) continue;
     const auto bytes = static_cast<std::size_t>(variable.width);
     if (bytes <= limits.textBytes) continue;
+    if (limits.textBytes == 0) {
+      return "the variable " + variable.name + " holds texts; this file type has only numbers";
+    }
     return "the variable " + variable.name + " holds texts of " + std::to_string(bytes) +
            " bytes; this file type has room for " + std::to_string(limits.textBytes);
   }

@@ -1,8 +1,3 @@
-// Text: a line that begins with "Minitab Portable Worksheet"; then for each stored thing a line
-// with
-// "%", four numbers of 7 characters (kind: 3 for a column; its number; how many values; type: 0 for
-// numbers), a blank and the name; then the values, five a line. Lines with "%" end with a dot in
-// column 80. 1.23456E+30 means missing.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -16,11 +11,8 @@
 namespace statrn32 {
 namespace {
 
-constexpr std::string_view kMark = "Minitab Portable Worksheet";
-
 bool MeansMissing(double number) {
-  constexpr double kMissing = 1.23456e30;
-  return std::fabs(number - kMissing) < kMissing * 1e-6 || !std::isfinite(number);
+  return std::fabs(number - kMinitabMissing) < kMinitabMissing * 1e-6 || !std::isfinite(number);
 }
 
 class CMinitabReader final : public CFileReader {
@@ -68,14 +60,12 @@ bool CMinitabReader::ReadHeader(DICTIONARY* out) {
 }
 
 bool CMinitabReader::ReadAll(DICTIONARY* out) {
-  constexpr int kColumn = 3;
-  constexpr int kNumbers = 0;
   constexpr std::size_t kMostColumns = 32767;
   while (lines_.Next(&line_)) {
     HEAD head;
     if (line_.empty() || line_[0] != '%') continue;
     if (!ParseHead(&head)) return FailLine("four numbers and a name are expected behind \"%\"");
-    if (head.kind != kColumn || head.type != kNumbers) {
+    if (head.kind != kMinitabColumn || head.type != kMinitabNumbers) {
       leftOut_ += (leftOut_.empty() ? "" : ", ") + head.name;
       continue;
     }
@@ -153,7 +143,7 @@ std::vector<std::string> CMinitabReader::Notes() const {
 }  // namespace
 
 bool IsMinitabPortable(std::string_view first) {
-  return first.substr(0, kMark.size()) == kMark;
+  return first.starts_with(kMinitabMark);
 }
 
 std::unique_ptr<CReader> ReadMinitab() {

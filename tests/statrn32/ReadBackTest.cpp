@@ -31,6 +31,7 @@ struct Reader {
   const char* script;   // for R and Python: written before
   double tolerance;     // relative, of formats or readers that do not hold a double
   bool names = false;   // the first line holds the names
+  bool texts = true;    // of a format that holds them
 };
 
 void PrintTo(const Reader& reader, std::ostream* out) {
@@ -64,6 +65,9 @@ constexpr Reader kReaders[] = {
      "    out.write('%s,%s,%s\\n' % (f(a[0]), f(b[0]), s.rstrip()))\n",
      0},
     {32, "t.rec", kForeign, kR, "d <- foreign::read.epiinfo('@F@')\n", 1e-7},
+    // It leaves the number that means missing as it is, and rounds to six digits.
+    {37, "t.mtp", kForeign, kR, "d <- as.data.frame(foreign::read.mtp('@F@'))\nd[d > 1e30] <- NA\n",
+     1e-5, false, false},
     {39, "t.sps", "pspp --version", "pspp -o @O@.txt @S@",
      "INSERT FILE='@F@'.\nSAVE TRANSLATE /OUTFILE='@O@' /TYPE=CSV /REPLACE.\n", 1e-14},
     {900, "t.xlsx", "Rscript -e 'library(readxl)'", kR, "d <- readxl::read_xlsx('@F@')\n", 1e-14},
@@ -136,6 +140,10 @@ TEST_P(ReadBack, AnotherProgramFindsTheSameValues) {
     table.records.push_back({i % 5 == 1 ? Missing() : Number(wide), Number(i % 97 - 40),
                              Text("t" + std::to_string(i))});
   }
+  if (!reader.texts) {
+    table.columns.pop_back();
+    for (auto& record : table.records) record.pop_back();
+  }
   ASSERT_EQ(WriteFile(table, reader.type, folder_.Name(reader.file)).error, "");
   const auto rows = Fields();
   ASSERT_EQ(rows.size(), table.records.size());
@@ -150,6 +158,7 @@ TEST_P(ReadBack, AnotherProgramFindsTheSameValues) {
           << "record " << i << ": " << first;
     }
     EXPECT_EQ(std::strtod(rows[i][1].c_str(), nullptr), record[1].number) << "record " << i;
+    if (!reader.texts) continue;
     EXPECT_EQ(WithoutBlanks(rows[i][2]), record[2].text) << "record " << i;
   }
 }

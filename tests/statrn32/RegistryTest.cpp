@@ -29,7 +29,7 @@ TEST(Registry, EveryFileTypeIsKnownByName) {
       {0, "Lotus 1-2-3", true, true},
       {29, "Matlab Matrix", true, true},
       {34, "Mineset", false, false},
-      {37, "Minitab", true, false},
+      {37, "Minitab", true, true},
       {36, "OSIRIS", true, true},
       {10, "Paradox", true, true},
       {11, "Quattro Pro", true, true},
