@@ -332,6 +332,18 @@ TEST_F(ProceduresTest, CompletesTheData) {
   }
   ASSERT_EQ(Run("EM 1-3 IT=1 CC=0.0000001\nOU"), ERUNRESULT::Done);
   EXPECT_THAT(UnwrappedOutput(), HasSubstr("EM has not converged in 1 iteration: "));
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("Standard errors are left out: EM has not come"));
+}
+
+// x1 and x2 are never observed together, so that nothing tells their covariance; x3 always is.
+TEST_F(ProceduresTest, GivesNoStandardErrorOfWhatNothingTells) {
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i][i % 2] = -999999;
+  Data(description, rows);
+  ASSERT_EQ(Run("EM 1-3\nOU"), ERUNRESULT::Done) << Output();
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("WARNING: Never observed together: x1 and x2."));
+  EXPECT_THAT(
+      UnwrappedOutput(),
+      testing::ContainsRegex("Standard errors of the correlations x1 x2 x2 \\. x3 0\\.[0-9]+"));
 }
 
 // What is left out is told, and why, by every procedure that reads its own cases.

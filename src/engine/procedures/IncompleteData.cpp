@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "engine/procedures/IncompleteEstimates.h"
 #include "engine/procedures/IncompleteSample.h"
 #include "engine/run/Estimates.h"
 
@@ -88,7 +89,7 @@ bool RunExpectationMaximisation(ENGINERUN& run, const PROCEDURE& procedure, FAUL
     if (run.sampling->isSample) return true;
   }
   sample.WriteHistory();
-  sample.WriteEstimates();
+  WriteIncompleteEstimates(run, sample);
   Complete(run, em, sample);
   return true;
 }

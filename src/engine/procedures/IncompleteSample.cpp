@@ -252,25 +252,3 @@ void CIncompleteSample::WriteHistory() const {
                      report_.Number(-2 * values.back()));
   report_.Table(table);
 }
-
-void CIncompleteSample::WriteEstimates() const {
-  std::vector<CString> names;
-  TABLE table;
-  table.narrowest = static_cast<std::size_t>(report_.Numbers().width);
-  table.columns = {{"Variable", true}, {"Missing", false}, {"Mean", false}, {"St. dev.", false}};
-  for (std::size_t j = 0; j < variables_.size(); ++j) {
-    const auto at = static_cast<Index>(j);
-    names.push_back(variables_[j].name);
-    table.rows.push_back({variables_[j].name, std::to_string(variables_[j].missing),
-                          report_.Number(result_.mean(at)),
-                          report_.Number(std::sqrt(result_.covariance(at, at)))});
-  }
-  report_.Subsection("Means and standard deviations (divisor n)");
-  report_.Table(table);
-  report_.Subsection("Covariance matrix (divisor n)");
-  report_.Table(TriangleTable(report_, names, result_.covariance));
-  const Eigen::VectorXd inverse = result_.covariance.diagonal().cwiseSqrt().cwiseInverse();
-  report_.Subsection("Correlation matrix");
-  report_.Table(TriangleTable(report_, names,
-                              inverse.asDiagonal() * result_.covariance * inverse.asDiagonal()));
-}

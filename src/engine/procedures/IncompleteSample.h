@@ -38,7 +38,6 @@ class CIncompleteSample {
 
   void WriteCases() const;    // the data section
   void WriteHistory() const;  // of EM
-  void WriteEstimates() const;
 
   const std::vector<INCOMPLETEVARIABLE>& Variables() const { return variables_; }
   // In units of (value - center) / scale, of normal scores where there are categories.

@@ -1,29 +1,16 @@
 #include <cmath>
 #include <random>
 
+#include "IncompleteSamples.h"
 #include "Oracle.h"
-#include "engine/stats/IncompleteNormal.h"
-#include "engine/stats/Univariate.h"
 
 namespace {
 
 using Eigen::Index;
+using incomplete::Patterns;
 using oracle::ExpectClose;
 using oracle::Json;
 using stats::EStatus;
-
-stats::CMissingPatterns Patterns(const stats::CaseBlock& block) {
-  stats::CUnivariate univariate(block.variables, stats::EDeletion::Pairwise);
-  univariate.Add(block);
-  Eigen::VectorXd center(block.variables), scale(block.variables);
-  for (int j = 0; j < block.variables; ++j) {
-    center(j) = univariate.Result(j).mean;
-    scale(j) = univariate.Result(j).sd;
-  }
-  stats::CMissingPatterns patterns(center, scale);
-  patterns.Add(block);
-  return patterns;
-}
 
 void ExpectReference(const oracle::Data& data, const char* key) {
   const auto patterns = Patterns(data.Block());
