@@ -210,7 +210,7 @@ TEST_F(ProceduresTest, SaysWhatIsWrongWithBadInput) {
        "all values of variable o1 are missing"},
       {"NE copy = 9 - o1\nOR copy\nSE o1 o2 two copy\nOFA POM NF=1\nOU",
        "variables o1 and copy are the same"},
-      {"SC CASE < 2\nSE o1 o2 two\nOFA NOR NF=1\nOU", "there are 1 cases for 3 variables"},
+      {"SC CASE < 2\nSE o1 o2 two\nOFA NOR NF=1\nOU", "there is 1 case for 3 variables"},
       {"SC CASE < 4\nSE o1 o2 two\nOFA NOR NF=1\nOU", "there are 3 cases for 3 variables"},
       {"NE half = o1\nOR half\nRC half OLD=LO-2 NEW=1\nRC half OLD=3-HI NEW=2\n"
        "SE o1 o2 two half\nOFA NOR NF=1\nOU",

@@ -42,7 +42,7 @@ class RanksTest : public EngineTest {
   std::string Everything() const {
     std::string all = Output();
     for (const char* name :
-         {"bm", "me", "sm", "ra", "ra_1.vsf", "ra_2.vsf", "ra_3.vsf", "ra_4.vsf"}) {
+         {"bm", "me", "sm", "ac", "ra", "ra_1.vsf", "ra_2.vsf", "ra_3.vsf", "ra_4.vsf"}) {
       if (!std::filesystem::exists(folder / name)) continue;
       all += "\n" + std::string(name) + "\n" + ReadBytes(folder / name);
     }
@@ -50,7 +50,7 @@ class RanksTest : public EngineTest {
   }
   void Clear() const {
     for (const char* name :
-         {"bm", "me", "sm", "ra", "ra_1.vsf", "ra_2.vsf", "ra_3.vsf", "ra_4.vsf", "DATA.OUT"})
+         {"bm", "me", "sm", "ac", "ra", "ra_1.vsf", "ra_2.vsf", "ra_3.vsf", "ra_4.vsf", "DATA.OUT"})
       std::filesystem::remove(folder / name);
   }
 
@@ -69,7 +69,7 @@ class RanksTest : public EngineTest {
   }
 };
 
-// '@' stands for the test's folder. The last two end with an error, one of them in a repetition.
+// '@' stands for the test's folder. Two end with an error, one of them in a repetition.
 const char* const kRuns[] = {
     "SE x1-x3 o1-o3\nOU MA=KM SM=@sm PV IX=4",
     "SE x1-x3 o1-o3\nOU MA=KM BS=50 BM=@bm ME=@me IX=4",
@@ -81,6 +81,7 @@ const char* const kRuns[] = {
     "NE u = NORMAL() + rare * 0\nRC x1 OLD=LO-HI NEW=3\nRG x1 ON x2\nOU RP=3 IX=1",
     "NE y = SQRT(x1)\nMC y x2 x3 IT=9 RP=4\nRG y ON x2\nOU RA=@ra.vsf IX=6",
     "NE y = SQRT(x1)\nMC y x2 o1 o2 IT=8 RP=2\nOU RA=@ra.vsf IX=6",
+    "SE x1-x3 o1 o2\nCB x1\nCA x2\nOU MA=CM SM=@sm AC=@ac IX=4",
     "SE x1 rare\nOU BS=0",
 };
 
@@ -138,7 +139,7 @@ class MpiTest : public RanksTest {
 };
 
 TEST_F(MpiTest, AnyNumberGivesTheSameBytes) {
-  for (const std::size_t run : {1U, 4U, 7U, 8U}) {
+  for (const std::size_t run : {1U, 4U, 7U, 8U, 10U}) {
     WriteSyntax(Lines(kRuns[run]));
     Clear();
     const bool done = RunEngine(folder / "DATA.TRK", folder / "DATA.OUT", {1, nullptr, nullptr}) ==

@@ -137,6 +137,13 @@ class CMatching {
       scale_.push_back(one.sd);
       if (one.status == stats::EStatus::Ok && one.sd > 0) continue;
       const CString name = ShownName(run_.job.data, line_.matching[j]);
+      if (one.status == stats::EStatus::TooFewCases) {
+        fault = ProcedureFault(procedure_,
+                               "one case has a value of the matching variable " + name +
+                                   ", and there is nothing to compare it with",
+                               "Use more cases, or leave it out of the second list.");
+        return false;
+      }
       fault = ProcedureFault(
           procedure_,
           one.status == stats::EStatus::NoCases

@@ -53,8 +53,9 @@ bool COrdinalFactorData::CheckVariables(FAULT& fault) const {
   const std::size_t p = variables_.all.size();
   const double n = variables_.census.weight;
   if (!(n > static_cast<double>(p))) {
-    fault = Fault("there are " + CReport::Count(n) + " cases for " + std::to_string(p) +
-                      " variables, and this procedure needs more cases than variables",
+    fault = Fault((n == 1 ? "there is " : "there are ") + CountText(n, "case") + " for " +
+                      CountText(static_cast<double>(p), "variable") +
+                      ", and this procedure needs more cases than variables",
                   "Select fewer variables with SE, or more cases.");
     return false;
   }

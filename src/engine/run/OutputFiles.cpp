@@ -117,15 +117,22 @@ void COutputFiles::Append(const std::vector<std::string>& bytes) {
   for (COutputFile& output : outputs_) output.Write(bytes.at(k++));
 }
 
-bool COutputFiles::Commit(FAULT& fault) {
-  if (another_) return true;
-  std::string inPlace;
-  for (COutputFile& output : outputs_) output.Flush();
+bool COutputFiles::CheckWritten(FAULT& fault) const {
   for (const COutputFile& output : outputs_) {
     if (output.error_ == 0) continue;
     fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
                   ") cannot be written: " + std::strerror(output.error_);
     fault.remedy = "Make room on the disk. No output file was changed.";
+    return false;
+  }
+  return true;
+}
+
+bool COutputFiles::Commit(FAULT& fault) {
+  if (another_) return true;
+  std::string inPlace;
+  for (COutputFile& output : outputs_) output.Flush();
+  if (!CheckWritten(fault)) {
     Discard();
     return false;
   }

@@ -66,6 +66,8 @@ class COutputFiles {
   COutputFile* Find(std::string_view keyword);
   COutputFile* Find(std::string_view keyword, std::size_t which);
 
+  // False with the reason in `fault` when something could not be written so far.
+  bool CheckWritten(FAULT& fault) const;
   // Puts all files in place. After a failure the fault names the file, and says which ones are in
   // place already.
   bool Commit(FAULT& fault);

@@ -199,7 +199,7 @@ class CRun {
       progress_.BeginRepetition(r, repetitions);
       WriteRepetition(r, repetitions);
       const PLACE place{report_, files_, &ranks_};
-      if (!RunOnce(r, seed, place, failed_, fault)) return false;
+      if (!RunOnce(r, seed, place, failed_, fault) || !files_.CheckWritten(fault)) return false;
       WriteOut();
     }
     return true;
@@ -262,6 +262,7 @@ class CRun {
         fault = one.fault;
         if (!one.done) return false;
         files_.Append(one.files);
+        if (!files_.CheckWritten(fault)) return false;
         WriteOut();
       }
     }

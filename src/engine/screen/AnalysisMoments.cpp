@@ -38,10 +38,7 @@ bool EstimateAnalysisMoments(ENGINERUN& run, const SCREENVARIABLES& variables, M
   // variables their limits.
   std::optional<stats::CUnivariate> univariate;
   const bool aboutZero = kind == MOMENTS::AboutZero || kind == MOMENTS::Augmented;
-  const bool censoring =
-      std::any_of(variables.all.begin(), variables.all.end(),
-                  [](const SCREENVARIABLE& variable) { return variable.IsCensored(); });
-  if (censoring || (numeric > 0 && aboutZero && !variables.ordinal.empty())) {
+  if (variables.HasCensored() || (numeric > 0 && aboutZero && !variables.ordinal.empty())) {
     univariate.emplace(static_cast<int>(numeric), variables.deletion, run.threads);
   }
   if (numeric > 0) {

@@ -1,9 +1,10 @@
 #include "engine/screen/CensoredPairs.h"
 
-#include <algorithm>
+#include <mutex>
 
 #include "engine/screen/ColumnStore.h"
 #include "engine/screen/Faults.h"
+#include "engine/screen/SharedPairs.h"
 #include "engine/stats/Parallel.h"
 
 namespace {
@@ -54,13 +55,50 @@ bool CheckPairs(const ENGINERUN& run, const SCREENVARIABLES& variables,
       if (!pairs.Has(i, j) || pairs.Pair(i, j).status == stats::EStatus::Ok) continue;
       fault = OutputFault(run,
                           "the correlation of " + variables.all[j].name + " and " +
-                              variables.all[i].name +
-                              " cannot be estimated: " + stats::StatusText(pairs.Pair(i, j).status),
+                              variables.all[i].name + " cannot be estimated: " +
+                              PairStatusText(pairs.Pair(i, j).status, pairs.Pair(i, j).r),
                           "Leave one of the two variables out with SE.");
       return false;
     }
   }
   return true;
+}
+
+// This process estimates its share of the pairs and gets the others'.
+bool EstimateShare(ENGINERUN& run, const SCREENVARIABLES& variables, const COLUMNSTORE& store,
+                   stats::NormalPairs& pairs, FAULT& fault) {
+  struct PAIR {
+    std::size_t i, j;
+  };
+  std::vector<PAIR> work;
+  std::vector<std::size_t> places;
+  for (std::size_t i = 1; i < variables.all.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (!pairs.Has(i, j)) continue;
+      work.push_back({i, j});
+      places.push_back(
+          static_cast<std::size_t>(stats::PairIndex(static_cast<int>(i), static_cast<int>(j))));
+    }
+  }
+  const auto column = [&](std::size_t i) {
+    return ColumnOf(variables.all[i], pairs.margins[i], store);
+  };
+  const auto part = static_cast<std::size_t>(run.Part());
+  const auto parts = static_cast<std::size_t>(run.Parts());
+  const std::size_t share = (work.size() + parts - 1 - part) / parts;
+  pairs.pairs.resize(
+      static_cast<std::size_t>(stats::PairIndex(static_cast<int>(variables.all.size()), 0)));
+  std::mutex telling;
+  std::size_t estimated = 0;
+  stats::ParallelFor(run.threads, static_cast<std::int64_t>(share), [&](std::int64_t k) {
+    const std::size_t at = static_cast<std::size_t>(k) * parts + part;
+    pairs.pairs[places[at]] = stats::EstimateNormalPair(column(work[at].i), column(work[at].j),
+                                                        store.Cases(), store.Weights());
+    const std::lock_guard<std::mutex> hold(telling);
+    run.progress.Tell(static_cast<double>(++estimated) / static_cast<double>(share));
+  });
+  run.progress.NextStage();
+  return ShareNormalPairs(run, places, pairs.pairs, fault);
 }
 
 }  // namespace
@@ -69,10 +107,7 @@ bool EstimateCensoredPairs(ENGINERUN& run, const SCREENVARIABLES& variables,
                            const ONEVARIABLERESULTS& results, const stats::CPairTables* tables,
                            stats::NormalPairs& pairs, FAULT& fault) {
   pairs = stats::NormalPairs();
-  if (std::none_of(variables.all.begin(), variables.all.end(),
-                   [](const SCREENVARIABLE& variable) { return variable.IsCensored(); })) {
-    return true;
-  }
+  if (!variables.HasCensored()) return true;
   for (const SCREENVARIABLE& variable : variables.all) {
     pairs.censored.push_back(variable.IsCensored());
     pairs.margins.push_back(MarginOf(variable, results, tables));
@@ -84,26 +119,7 @@ bool EstimateCensoredPairs(ENGINERUN& run, const SCREENVARIABLES& variables,
                    fault)) {
     return false;
   }
-  struct PLACES {
-    std::size_t i, j;
-  };
-  std::vector<PLACES> work;
-  for (std::size_t i = 1; i < variables.all.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      if (pairs.Has(i, j)) work.push_back({i, j});
-    }
-  }
-  const auto count = static_cast<int>(variables.all.size());
-  pairs.pairs.resize(static_cast<std::size_t>(stats::PairIndex(count, 0)));
-  const auto column = [&](std::size_t i) {
-    return ColumnOf(variables.all[i], pairs.margins[i], store);
-  };
-  stats::ParallelFor(run.threads, static_cast<std::int64_t>(work.size()), [&](std::int64_t k) {
-    const auto [i, j] = work[static_cast<std::size_t>(k)];
-    pairs.pairs[static_cast<std::size_t>(
-        stats::PairIndex(static_cast<int>(i), static_cast<int>(j)))] =
-        stats::EstimateNormalPair(column(i), column(j), store.Cases(), store.Weights());
-  });
+  if (!EstimateShare(run, variables, store, pairs, fault)) return false;
   run.report.Gap();
   run.report.Paragraph("For the correlations with censored variables " + std::to_string(megabytes) +
                        " MB of cases were held in memory.");

@@ -1,6 +1,7 @@
 #include "engine/screen/Faults.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "host/Text.h"
 
@@ -14,6 +15,15 @@ void Note(ENGINERUN& run, FAULT fault) {
 }
 
 }  // namespace
+
+CString PairStatusText(stats::EStatus status, double last) {
+  const CString text = stats::StatusText(status);
+  if (status != stats::EStatus::NotConverged) return text;
+  constexpr double kNearlyOne = 0.99;
+  constexpr int kDecimals = 6;
+  return text + ", the last value is " + CReport::Number(last, kDecimals) +
+         (std::fabs(last) > kNearlyOne ? " (one variable is all but a function of the other)" : "");
+}
 
 FAULT OutputFault(const ENGINERUN& run, CString cause, CString remedy) {
   const SyntaxLine& line = run.job.output.line;

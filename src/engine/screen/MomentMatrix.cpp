@@ -126,7 +126,7 @@ bool CheckPolychorics(const ENGINERUN& run, const SCREENVARIABLES& variables,
           OutputFault(run,
                       "the correlation of " + OrdinalAt(variables, j).name + " and " +
                           OrdinalAt(variables, i).name +
-                          " cannot be estimated: " + stats::StatusText(pair.status),
+                          " cannot be estimated: " + PairStatusText(pair.status, pair.r),
                       "Leave one of the two variables out with SE, or join categories with RC.");
       return false;
     }
@@ -192,11 +192,12 @@ bool EstimatePolyserials(ENGINERUN& run, const SCREENVARIABLES& variables,
         Numeric(variables, static_cast<int>(pair % numeric)).IsCensored()) {
       continue;
     }
-    fault = OutputFault(run,
-                        "the correlation of " + OrdinalAt(variables, pair / numeric).name +
-                            " and " + Numeric(variables, static_cast<int>(pair % numeric)).name +
-                            " cannot be estimated: " + stats::StatusText(results[pair].status),
-                        "Leave one of the two variables out with SE.");
+    fault = OutputFault(
+        run,
+        "the correlation of " + OrdinalAt(variables, pair / numeric).name + " and " +
+            Numeric(variables, static_cast<int>(pair % numeric)).name +
+            " cannot be estimated: " + PairStatusText(results[pair].status, results[pair].r),
+        "Leave one of the two variables out with SE.");
     return false;
   }
   return true;

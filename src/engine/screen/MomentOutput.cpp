@@ -39,8 +39,7 @@ TABLE LowerTriangle(const CReport& report, const Eigen::MatrixXd& matrix,
 }
 
 void WriteKinds(CReport& report, const SCREENVARIABLES& variables) {
-  if (std::any_of(variables.all.begin(), variables.all.end(),
-                  [](const SCREENVARIABLE& variable) { return variable.IsCensored(); })) {
+  if (variables.HasCensored()) {
     report.Paragraph(
         "Censored variables stand for the normal variables behind them: means, standard deviations "
         "and correlations are maximum likelihood estimates.");
@@ -72,8 +71,9 @@ void CheckMatrix(ENGINERUN& run, const SCREENVARIABLES& variables, const Eigen::
              std::to_string(variables.all.size()) + " variables)";
     remedy = "Select fewer variables than cases with an SE line.";
   }
-  run.report.Warning("The matrix is not positive definite; " +
-                     std::to_string(definite.notAboveZero) + " eigenvalues are not above zero.");
+  run.report.Warning(
+      "The matrix is not positive definite; " + std::to_string(definite.notAboveZero) +
+      (definite.notAboveZero == 1 ? " eigenvalue is" : " eigenvalues are") + " not above zero.");
   NoteOutputFault(run, cause, remedy);
 }
 

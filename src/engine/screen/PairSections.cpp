@@ -68,7 +68,7 @@ void WriteBivariateTests(ENGINERUN& run, const SCREENVARIABLES& variables,
         table.rows.push_back(std::move(row));
         if (pair.status != stats::EStatus::OneCategory) {
           report.Warning("The correlation of " + first.name + " and " + second.name +
-                         " has no estimate: " + stats::StatusText(pair.status) + ".");
+                         " has no estimate: " + PairStatusText(pair.status, pair.r) + ".");
         }
         continue;
       }
@@ -89,9 +89,12 @@ void WriteBivariateTests(ENGINERUN& run, const SCREENVARIABLES& variables,
   }
   report.Table(table);
   if (withEmptyCells > 0) {
-    report.Warning("The tables of " + std::to_string(withEmptyCells) + " of " +
-                   std::to_string(matrix.pairs.size()) +
-                   " pairs have empty cells. Nothing was added to them.");
+    const CString of = std::to_string(withEmptyCells) + " of " +
+                       std::to_string(matrix.pairs.size()) +
+                       (matrix.pairs.size() == 1 ? " pair" : " pairs");
+    report.Warning((withEmptyCells == 1
+                        ? "The table of " + of + " has empty cells. Nothing was added to it."
+                        : "The tables of " + of + " have empty cells. Nothing was added to them."));
   }
 }
 

@@ -24,6 +24,7 @@ struct NEEDS {
   bool moments = false;  // of the numeric variables
   bool mardia = false;
   bool polyserial = false;
+  bool censored = false;
   bool asymptotic = false;
 };
 
@@ -49,12 +50,13 @@ class CScreening {
   }
 
  private:
-  // The passes over the cases that follow the first one; polyserial correlations take one more
-  // stage for their estimation.
+  // The passes over the cases that follow the first one; polyserial correlations and those
+  // with censored variables take one more stage each for their estimation.
   int StagesAhead() const {
     const auto one = [](bool needed) { return needed ? 1 : 0; };
     return one(needs_.tables || !variables_.numeric.empty()) + one(needs_.mardia) +
-           2 * one(needs_.polyserial) + one(needs_.asymptotic) + one(!output_.dataFile.empty());
+           2 * (one(needs_.polyserial) + one(needs_.censored)) + one(needs_.asymptotic) +
+           one(!output_.dataFile.empty());
   }
 
   bool FindNeeds(FAULT& fault) {
@@ -65,6 +67,7 @@ class CScreening {
     needs_.moments = matrix && numeric > 0;
     needs_.mardia = output_.multivariateTests && variables_.continuous > 1;
     needs_.polyserial = matrix && numeric > 0 && ordinal > 0;
+    needs_.censored = matrix && variables_.HasCensored();
     needs_.asymptotic = !output_.covarianceFile.empty() || !output_.varianceFile.empty() ||
                         output_.printCovariances || output_.printVariances;
     if (!matrix && (needs_.asymptotic || !output_.momentFile.empty())) {

@@ -15,8 +15,13 @@ void TakeNumbers(CParcelReader& from, std::vector<double>& numbers) {
 }
 
 // Calls `each` for every number of a result, and `list` for every list of them.
-template <typename Result, typename Each, typename List>
-void ForMembers(Result& result, const Each& each, const List& list) {
+template <typename Each, typename List>
+void ForMembers(stats::PolychoricResult& result, const Each& each, const List& /*list*/) {
+  each(result);
+}
+
+template <typename Each, typename List>
+void ForMembers(stats::PolyserialResult& result, const Each& each, const List& list) {
   each(result.status);
   each(result.cases);
   each(result.iterations);
@@ -30,25 +35,42 @@ void ForMembers(Result& result, const Each& each, const List& list) {
   list(result.frequencies);
 }
 
-}  // namespace
+template <typename Each, typename List>
+void ForMembers(stats::NormalPairResult& result, const Each& each, const List& list) {
+  each(result.status);
+  each(result.cases);
+  each(result.iterations);
+  for (auto* number : {&result.n, &result.r, &result.standardError, &result.logLikelihood,
+                       &result.gradient, &result.curve}) {
+    each(*number);
+  }
+  for (stats::MarginSlopes* slopes : {&result.first, &result.second}) {
+    each(slopes->point);
+    each(slopes->square);
+    list(slopes->edges);
+  }
+  list(result.cellScores);
+}
 
-bool SharePolyserials(ENGINERUN& run, std::vector<stats::PolyserialResult>& results, FAULT& fault) {
-  const auto part = static_cast<std::size_t>(run.Part());
+// This process has so many results at resultAt(k), k from its number on, every so many-th as there
+// are processes.
+template <typename ResultAt>
+bool ShareResults(ENGINERUN& run, std::size_t count, const ResultAt& resultAt, FAULT& fault) {
   const auto parts = static_cast<std::size_t>(run.Parts());
   if (parts == 1) return true;
   CParcelWriter mine;
-  for (std::size_t k = part; k < results.size(); k += parts) {
+  for (auto k = static_cast<std::size_t>(run.Part()); k < count; k += parts) {
     ForMembers(
-        results[k], [&](const auto& number) { mine.Put(number); },
+        resultAt(k), [&](const auto& number) { mine.Put(number); },
         [&](const std::vector<double>& numbers) { PutNumbers(numbers, mine); });
   }
   std::vector<std::string> all;
   if (!run.Exchange(mine.Bytes(), all, fault)) return false;
   for (std::size_t other = 0; other < parts; ++other) {
     CParcelReader theirs(all[other]);
-    for (std::size_t k = other; k < results.size(); k += parts) {
+    for (std::size_t k = other; k < count; k += parts) {
       ForMembers(
-          results[k],
+          resultAt(k),
           [&](auto& number) { number = theirs.Take<std::remove_reference_t<decltype(number)>>(); },
           [&](std::vector<double>& numbers) { TakeNumbers(theirs, numbers); });
     }
@@ -56,22 +78,26 @@ bool SharePolyserials(ENGINERUN& run, std::vector<stats::PolyserialResult>& resu
   return true;
 }
 
+}  // namespace
+
+bool SharePolyserials(ENGINERUN& run, std::vector<stats::PolyserialResult>& results, FAULT& fault) {
+  return ShareResults(
+      run, results.size(), [&](std::size_t k) -> auto& { return results[k]; }, fault);
+}
+
+bool ShareNormalPairs(ENGINERUN& run, const std::vector<std::size_t>& places,
+                      std::vector<stats::NormalPairResult>& pairs, FAULT& fault) {
+  return ShareResults(
+      run, places.size(), [&](std::size_t k) -> auto& { return pairs[places[k]]; }, fault);
+}
+
 bool EstimatePairs(ENGINERUN& run, const stats::CPairTables& tables,
                    stats::PolychoricMatrix& matrix, FAULT& fault) {
-  const auto part = static_cast<std::size_t>(run.Part());
-  const auto parts = static_cast<std::size_t>(run.Parts());
   matrix = stats::EstimatePolychoricPart(tables, run.threads, run.Part(), run.Parts());
-  if (parts > 1) {
-    CParcelWriter mine;
-    for (std::size_t k = part; k < matrix.pairs.size(); k += parts) mine.Put(matrix.pairs[k]);
-    std::vector<std::string> all;
-    if (!run.Exchange(mine.Bytes(), all, fault)) return false;
-    for (std::size_t other = 0; other < parts; ++other) {
-      CParcelReader theirs(all[other]);
-      for (std::size_t k = other; k < matrix.pairs.size(); k += parts)
-        matrix.pairs[k] = theirs.Take<stats::PolychoricResult>();
-    }
-  }
+  const auto pairAt = [&](std::size_t k) -> auto& {
+    return matrix.pairs[k];
+  };
+  if (!ShareResults(run, matrix.pairs.size(), pairAt, fault)) return false;
   stats::SetCorrelations(matrix);
   return true;
 }

@@ -1,7 +1,9 @@
-// Polychoric and polyserial correlations, the pairs divided among the processes of a run.
+// Polychoric and polyserial correlations and those with censored variables, the pairs divided
+// among the processes of a run.
 #pragma once
 
 #include "engine/run/EngineRun.h"
+#include "engine/stats/NormalPair.h"
 #include "engine/stats/Polychoric.h"
 #include "engine/stats/Polyserial.h"
 
@@ -13,3 +15,7 @@ bool EstimatePairs(ENGINERUN& run, const stats::CPairTables& tables,
 // Every process has estimated every so many-th of the results, from that of its own number on; all
 // get those of the others. False as above.
 bool SharePolyserials(ENGINERUN& run, std::vector<stats::PolyserialResult>& results, FAULT& fault);
+
+// The same for those of `pairs` that stand at these places.
+bool ShareNormalPairs(ENGINERUN& run, const std::vector<std::size_t>& places,
+                      std::vector<stats::NormalPairResult>& pairs, FAULT& fault);

@@ -39,6 +39,11 @@ bool ChooseVariables(const ENGINERUN& run, std::vector<std::int32_t>& chosen, FA
 
 }  // namespace
 
+bool SCREENVARIABLES::HasCensored() const {
+  return std::any_of(all.begin(), all.end(),
+                     [](const SCREENVARIABLE& variable) { return variable.IsCensored(); });
+}
+
 std::vector<double> DefinedCategories(const TORVIKSTRUCT& data, std::int32_t variable) {
   const auto index = static_cast<std::size_t>(variable);
   std::vector<double> values;
@@ -82,13 +87,24 @@ CString ShownName(const TORVIKSTRUCT& data, std::int32_t variable) {
 
 namespace {
 
+// What listwise deletion has to leave out, where that is plain to see.
+CString VariablesWithoutValues(const SCREENVARIABLES& variables) {
+  CString names;
+  for (const SCREENVARIABLE& variable : variables.all) {
+    if (variable.missing == variables.counts.used)
+      names += (names.empty() ? "" : ", ") + variable.name;
+  }
+  return names.empty() ? CString() : " (without any value: " + names + ")";
+}
+
 bool NoCases(const ENGINERUN& run, const SCREENVARIABLES& variables, FAULT& fault) {
   const JOB& job = run.job;
   fault = UnusableCasesFault(job, variables.counts);
   if (!fault && variables.IsListwise() && variables.census.complete == 0) {
     const bool selected = job.selectedLine.number != 0;
     fault = LineFault(selected ? job.selectedLine : job.output.line,
-                      "all cases have missing values, so that listwise deletion leaves none",
+                      "all cases have missing values, so that listwise deletion leaves none" +
+                          VariablesWithoutValues(variables),
                       "Select other variables with SE, or define pairwise deletion for the data.");
   }
   return static_cast<bool>(fault);

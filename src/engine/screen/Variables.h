@@ -33,6 +33,7 @@ struct SCREENVARIABLES {
   CASECOUNTS counts;  // of the pass that counted
   stats::EDeletion deletion = stats::EDeletion::Listwise;
 
+  bool HasCensored() const;
   bool IsListwise() const { return deletion == stats::EDeletion::Listwise; }
   // Sum of weights of the cases that the analysis has.
   double Weight() const { return IsListwise() ? census.completeWeight : census.weight; }

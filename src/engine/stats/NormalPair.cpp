@@ -196,11 +196,11 @@ NormalPairResult EstimateNormalPair(const PairColumn& first, const PairColumn& s
       MaximiseOverCorrelation([&](double r) { return pair.At(r); }, pair.Start(), result.n);
   result.status = maximum.status;
   result.iterations = maximum.iterations;
+  result.r = maximum.r;
   if (!maximum.at.valid) {
     if (result.status == EStatus::Ok) result.status = EStatus::NotConverged;
     return result;
   }
-  result.r = maximum.r;
   result.gradient = maximum.at.slope;
   result.logLikelihood = result.n * maximum.at.value;
   if (result.status != EStatus::Ok) return result;

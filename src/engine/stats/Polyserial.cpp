@@ -141,12 +141,12 @@ PolyserialResult EstimatePolyserial(const double* values, const std::uint8_t* co
       StartingValue(usable, result.thresholds, result.n), result.n);
   result.status = maximum.status;
   result.iterations = maximum.iterations;
+  result.r = maximum.r;
   if (!maximum.at.valid) {
     // The categories are cut from the continuous variable: no correlation below 1 fits as well.
     if (result.status == EStatus::Ok) result.status = EStatus::NotConverged;
     return result;
   }
-  result.r = maximum.r;
   result.gradient = maximum.at.slope;
   result.logLikelihood = result.n * maximum.at.value;
   if (result.status != EStatus::Ok) return result;
