@@ -259,4 +259,91 @@ TEST_F(BootstrapTest, AFullDiskLeavesNoHalfFiles) {
   EXPECT_EQ(folder.FileCount(), 4U);  // data, syntax, output, me
 }
 
+// Eight items of two factors that are correlated and equally strong, cut into three categories. The
+// loadings of a factor add up to nearly 0: left to chance, the factors of a sample would have any
+// order and any signs.
+class FactorSamplesTest : public EngineTest {
+ protected:
+  static constexpr int kItems = 8;
+
+  void SetUp() override {
+    std::vector<std::string> names;
+    for (int j = 1; j <= kItems; ++j) names.push_back("i" + std::to_string(j));
+    std::mt19937 random(31);
+    std::normal_distribution<double> normal;
+    std::vector<std::vector<double>> rows(400);
+    for (auto& row : rows) {
+      const double first = normal(random), second = .4 * first + std::sqrt(.84) * normal(random);
+      for (int j = 0; j < kItems; ++j) {
+        const double y = (j % 2 == 0 ? .8 : -.8) * (j < 4 ? first : second) + .6 * normal(random);
+        row.push_back(y < -.5 ? 1 : y < .6 ? 2 : 3);
+      }
+    }
+    Data(Describe(names, kOrdinal), rows);
+  }
+
+  // The numbers of the row that begins so in the table below the first line that begins so.
+  std::vector<double> Row(const std::string& heading, const std::string& name) const {
+    const std::string output = Output();
+    const std::size_t table = output.find("\n  " + heading);
+    const std::size_t row = output.find("\n  " + name + "  ", table);
+    EXPECT_NE(table, std::string::npos) << heading;
+    EXPECT_NE(row, std::string::npos) << name;
+    std::vector<double> numbers;
+    if (row == std::string::npos || table == std::string::npos) return numbers;
+    std::istringstream words(output.substr(row + name.size() + 3));
+    for (double x = 0; words >> x;) numbers.push_back(x);
+    return numbers;
+  }
+};
+
+TEST_F(FactorSamplesTest, RotatedLoadingsAndTheirCorrelationsKeepOrderAndSigns) {
+  struct {
+    const char* line;
+    int samples;
+    bool errors;  // does the analysis print standard errors to compare with?
+  } const cases[] = {
+      {"FA NF=2", 60, false}, {"OFA NOR NF=2", 16, true}, {"OFA POM NF=2", 10, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.line);
+    ASSERT_EQ(
+        Run(std::string(c.line) + "\nOU WP ND=4 WI=12 IX=4 BS=" + std::to_string(c.samples), 2),
+        ERUNRESULT::Done)
+        << Output();
+    double sampled = 0, asymptotic = 0;
+    for (const char* const rotation : {"VARIMAX", "PROMAX"}) {
+      const std::string heading = std::string(rotation) + "-rotated loadings (";
+      for (int i = 1; i <= kItems; ++i) {
+        const std::string item = "i" + std::to_string(i);
+        const auto loadings = Row(heading, item);
+        ASSERT_GE(loadings.size(), 2U);
+        for (int f = 0; f < 2; ++f) {
+          const auto row = Row(heading + "order", item + " on Factor " + std::to_string(f + 1));
+          ASSERT_EQ(row.size(), 7U);
+          EXPECT_EQ(row[0], loadings[static_cast<std::size_t>(f)]);
+          // Of a loading whose sign or place were left to chance it would be about .8.
+          EXPECT_GT(row[2], .01);
+          EXPECT_LT(row[2], .12);
+          EXPECT_LT(row[3], row[4]);
+          EXPECT_LT(row[5], row[6]);
+          if (!c.errors || heading[0] != 'V') continue;
+          sampled += row[2];
+          asymptotic += Row("Standard errors of the VARIMAX-rotated loadings", item)
+                            .at(static_cast<std::size_t>(f));
+        }
+      }
+    }
+    if (c.errors) {
+      EXPECT_NEAR(sampled / asymptotic, 1, .25);
+    }
+    const auto correlation = Row("Correlations of the PROMAX factors", "Factor 2");
+    ASSERT_EQ(correlation.size(), 2U);
+    const auto row = Row("Correlations of the PROMAX factors", "Factor 2,Factor 1");
+    ASSERT_EQ(row.size(), 7U);
+    EXPECT_EQ(row[0], correlation[0]);
+    EXPECT_GT(row[2], .02);
+    EXPECT_LT(row[2], .15);
+  }
+}
+
 }  // namespace

@@ -40,6 +40,7 @@ bool SampleProcedure(ENGINERUN& sample, const PROCEDURE& procedure, const WHOLE&
     fault = sample.faults.front();
     return false;
   }
+  LeaveOutFactors(whole.estimates, own);
   if (!HaveSameNames(own, whole.estimates)) {
     fault.cause = "it lacks a category, and so has other parameters";
     return false;

@@ -94,10 +94,7 @@ class CFactorAnalysis {
   void NoteEstimates() {
     run_.sampling->settled = factors_;
     run_.estimates->push_back(EigenvalueEstimates(components_.eigenvalues));
-    run_.estimates->push_back(
-        LoadingEstimates(CString(factors_ > 1 ? "VARIMAX-rotated loadings" : "Loadings") +
-                             " (order and signs of the factors matched to all cases)",
-                         names_, FactorNames(factors_), varimax_.loadings));
+    NoteRotatedLoadings(run_, names_, varimax_.loadings);
     ESTIMATES uniquenesses = MakeEstimates("Uniquenesses");
     for (std::size_t i = 0; i < names_.size(); ++i)
       AddEstimate(uniquenesses, names_[i], result_.uniqueness(static_cast<Index>(i)));

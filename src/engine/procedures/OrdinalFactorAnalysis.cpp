@@ -7,7 +7,6 @@
 #include "engine/procedures/Eigenvalues.h"
 #include "engine/procedures/LoadingTables.h"
 #include "engine/procedures/OrdinalFactorSections.h"
-#include "engine/run/Estimates.h"
 #include "engine/run/Interrupt.h"
 #include "engine/stats/Components.h"
 #include "engine/stats/FactorAnalysis.h"
@@ -45,22 +44,22 @@ class COrdinalFactorAnalysis {
     run_.progress.NextStage();
     if (!done) return false;
     if (!Check(fault)) return false;
+    if (run_.sampling != nullptr) NoteEstimates();
+    if (IsSample()) return true;
     WriteWarnings();
     WriteOrdinalFactorHistory(report_, solution_.result);
     WriteOrdinalFactorFit(run_, data_, solution_);
     WriteOrdinalFactorEstimates(report_, data_, solution_, true);
-    if (run_.sampling != nullptr) NoteEstimates();
     WriteScores();
     return true;
   }
 
  private:
+  bool IsSample() const { return run_.sampling != nullptr && run_.sampling->isSample; }
+
   void NoteEstimates() {
     run_.sampling->settled = solution_.factors;
-    run_.estimates->push_back(LoadingEstimates(
-        CString(solution_.factors > 1 ? "VARIMAX-rotated loadings" : "Loadings") +
-            " (order and signs of the factors matched to all cases)",
-        data_.Names(), FactorNames(solution_.factors), solution_.varimax.loadings));
+    NoteRotatedLoadings(run_, data_.Names(), solution_.varimax.loadings);
   }
 
   bool ChooseFactors(FAULT& fault) {
@@ -89,9 +88,8 @@ class COrdinalFactorAnalysis {
     }
     fault = ProcedureFault(
         procedure_, cause + (chosen ? CString() : " (so many eigenvalues are above 1)"),
-        most > 0
-            ? "Ask for at most " + std::to_string(most) + " factors (NF), or use more variables."
-            : CString("Use at least three variables."));
+        most > 0 ? "Ask for at most " + CountText(most, "factor") + " (NF), or use more variables."
+                 : CString("Use at least three variables."));
     return false;
   }
 
@@ -143,6 +141,7 @@ class COrdinalFactorAnalysis {
     const auto& parameters = solution_.result.parameters;
     solution_.loadings = stats::StandardisedLoadings(parameters.slopes, solution_.residualVariance);
     solution_.varimax = stats::RotateVarimax(solution_.loadings);
+    if (IsSample()) return true;
     stats::OrdinalFactorParameters rotated = parameters;
     rotated.slopes *= solution_.varimax.transformation;
     return solution_.result.status != EStatus::Ok ||
