@@ -29,6 +29,12 @@ NumberForm ExportedForm() {
   return form;
 }
 
+// The sheets and pages, where a row is what its cells make it.
+bool IsSheet(int type) {
+  constexpr int kSheets[] = {0, 7, 11, 31, 900, 901};
+  return std::find(std::begin(kSheets), std::end(kSheets), type) != std::end(kSheets);
+}
+
 }  // namespace
 
 void CDataDoc::OnFileExportVexmorData() {
@@ -127,10 +133,22 @@ std::span<const double> CDataDoc::GetAppNumbers(long record, const variables_t&)
 // value is missing, and a first record without any value leaves a reader nothing to tell the
 // columns by.
 void CDataDoc::WarnOfMissing(const CString& name, int type) {
+  const bool sheet = IsSheet(type);
   variables_t variables;
-  if (!STUtils::IsTextFileType(type) || !GetAppDataHeader(variables)) return;
+  if ((!sheet && !STUtils::IsTextFileType(type)) || !GetAppDataHeader(variables)) return;
   values_t values(variables.size());
   const auto isMissing = [](const STUtils::variable_data_t& value) { return value.missing; };
+  if (sheet) {
+    const bool blank = data_.records > 0 &&
+                       GetAppDataRecord(data_.records - 1L, variables, values) &&
+                       std::all_of(values.begin(), values.end(), isMissing);
+    if (blank) {
+      Host().ShowNote(name +
+                      ": every value of the last case is missing. Cases without any value at the "
+                      "end leave no trace in this file type.");
+    }
+    return;
+  }
   for (long record = 0; GetAppDataRecord(record, variables, values); ++record) {
     if (record == 0 && std::all_of(values.begin(), values.end(), isMissing)) {
       Host().ShowNote(name + ": every value of the first record is missing.");

@@ -61,11 +61,14 @@ bool ScanTime(CScanner* in, double* fraction) {
   std::int64_t seconds = 0;
   double part = 0;
   if (!in->Digits(2, 2, &hours) || !in->Take(':') || !in->Digits(2, 2, &minutes)) return false;
-  if (in->Take(':') && !in->Digits(2, 2, &seconds)) return false;
-  if (in->Take('.') && !in->Fraction(&part)) return false;
+  if (in->Take(':')) {
+    if (!in->Digits(2, 2, &seconds)) return false;
+    if (in->Take('.') && !in->Fraction(&part)) return false;
+  }
   in->Take('Z');
-  if (hours > 24 || minutes > 59 || seconds > 60) return false;
-  *fraction = (static_cast<double>(hours * 3600 + minutes * 60 + seconds) + part) / kDaySeconds;
+  const double all = static_cast<double>(hours * 3600 + minutes * 60 + seconds) + part;
+  if (minutes > 59 || seconds > 60 || all > kDaySeconds + 1) return false;
+  *fraction = all / kDaySeconds;
   return true;
 }
 

@@ -31,6 +31,8 @@
 namespace statrn32 {
 namespace {
 
+constexpr std::int32_t kGauss = 9;  // numbers from the first byte on
+
 // Why a format is not read or written, and what serves instead.
 constexpr const char* kSasInstead =
     "Please write a SAS Transport File (*.stx) or a SAS Program & Data File (*.sas), which that "
@@ -356,6 +358,10 @@ bool HasStream(const std::string& name, const char* streams) {
   return false;
 }
 
+bool IsUtf16(std::string_view first) {
+  return first.substr(0, 2) == "\xFF\xFE" || first.substr(0, 2) == "\xFE\xFF";
+}
+
 std::string UnknownText(std::int32_t code) {
   return "There is no file type with the code " + std::to_string(code);
 }
@@ -371,7 +377,11 @@ struct RELATIVE {
 constexpr const char* kMinitabNotPortable =
     "this is a Minitab worksheet or project; please save it in Minitab as a portable worksheet "
     "(*.mtp), or as text (*.csv)";
+constexpr const char* kUtf16Text =
+    "this is text in UTF-16, in which only delimited text is read; please save it in UTF-8";
 constexpr RELATIVE kRelatives[] = {
+    {903, "\xFF\xFE", kUtf16Text, true},
+    {903, "\xFE\xFF", kUtf16Text, true},
     {22, std::string_view("\x1c\0\0\0\0\0\0\0ENCRYPTED", 17),
      "this is an encrypted SPSS file; please save it without a password first", true},
     {22, "$FL",
@@ -400,6 +410,10 @@ constexpr RELATIVE kRelatives[] = {
      "this is an S object in binary form; please write it with data.dump(..., oldStyle = T)"},
     {17, "## Dump S",
      "this is a dump of the new style; please write it with data.dump(..., oldStyle = T)"},
+    {17,
+     {},
+     "this is no S-Plus object in the old style of data.dump; please write it with data.dump(..., "
+     "oldStyle = T), or from R as comma delimited text (*.csv)"},
     {900, kCompoundMagic,
      "this is a workbook of Excel 97 to 2003 (*.xls), or one protected by a password; please "
      "choose the type Excel for the one, save the other without the password first"},
@@ -407,6 +421,9 @@ constexpr RELATIVE kRelatives[] = {
      {},
      "this is no SQLite database; one that is encrypted (SQLCipher) must be exported without its "
      "key first, or its table as text (*.csv)"},
+    {903,
+     {},
+     "this is no file of JSON lines; please write each record as an object on a line of its own"},
 };
 
 }  // namespace
@@ -445,7 +462,8 @@ const FORMAT* RecogniseFile(const std::string& name, std::string_view first) {
 std::string WhyNotRecognised(std::int32_t code, std::string_view first) {
   const FORMAT* const wanted = FindFormat(code);
   if (wanted == nullptr) return UnknownText(code);
-  if (wanted->recognises == nullptr || wanted->recognises(first)) return {};
+  if (wanted->recognises == nullptr) return code != kGauss && IsUtf16(first) ? kUtf16Text : "";
+  if (wanted->recognises(first)) return {};
   if (first.empty()) return "the file is empty";
   const FORMAT* const found = RecogniseFormat(first);
   for (const RELATIVE& relative : kRelatives) {

@@ -53,7 +53,9 @@ class CHtmlWriter final : public CFileWriter {
 }  // namespace
 
 constexpr LIMITS kHtmlLimits = {
-    .textRemark = "An empty text and a missing one are the same; runs of blanks become one."};
+    .textRemark =
+        "An empty text and a missing one are the same; runs of blanks become one. Cases without "
+        "any value at the end leave no trace."};
 
 // A page may begin with blanks, remarks and declarations.
 bool IsHtml(std::string_view first) {

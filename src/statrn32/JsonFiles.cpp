@@ -239,6 +239,7 @@ constexpr LIMITS kJsonLimits = {.textRemark =
                                     "A file without records does not tell its variables."};
 
 bool IsJsonLines(std::string_view first) {
+  if (first.substr(0, 3) == "\xEF\xBB\xBF") first.remove_prefix(3);
   const std::string_view text = Trimmed(first);
   if (text.empty() || text.front() != '{') return false;
   const std::string_view inside = Trimmed(text.substr(1));

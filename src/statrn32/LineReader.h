@@ -8,8 +8,8 @@
 
 namespace statrn32 {
 
-// Lines end with LF, CR LF or the end of the file. A line that is longer than `most` bytes ends the
-// reading.
+// Lines end with LF, CR LF or the end of the file; the mark of UTF-8 before the first one is no
+// part of it. A line that is longer than `most` bytes ends the reading.
 class CLineReader {
  public:
   explicit CLineReader(CInputFile* file, std::size_t most = std::size_t{16} << 20)
@@ -36,12 +36,13 @@ class CLineReader {
       }
       if (end != nullptr) {
         ++number_;
-        if (!line->empty() && line->back() == '\r') line->pop_back();
+        Tidy(line);
         return true;
       }
     }
     if (line->empty()) return false;
     ++number_;
+    if (number_ == 1) DropMark(line);
     return true;
   }
   // Of the line read last, from 1.
@@ -56,6 +57,14 @@ class CLineReader {
   }
 
  private:
+  void Tidy(std::string* line) const {
+    if (!line->empty() && line->back() == '\r') line->pop_back();
+    if (number_ == 1) DropMark(line);
+  }
+  static void DropMark(std::string* line) {
+    if (line->compare(0, 3, "\xEF\xBB\xBF") == 0) line->erase(0, 3);
+  }
+
   CInputFile* file_;
   std::size_t most_;
   char buffer_[1 << 16];

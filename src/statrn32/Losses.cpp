@@ -9,6 +9,8 @@
 namespace statrn32 {
 namespace {
 
+constexpr std::int32_t kJsonLines = 903;
+
 bool IsText(const VARIABLE& variable) {
   return variable.type == ST_TYPE_STRING;
 }
@@ -101,7 +103,8 @@ std::vector<std::string> LossesOf(const FORMAT& format, const DICTIONARY& dictio
     return IsText(v) || !v.label.empty() || v.labelSet >= 0;
   };
   const bool texts = std::any_of(dictionary.variables.begin(), dictionary.variables.end(), speaks);
-  if (texts && limits.textRemark != nullptr) losses.emplace_back(limits.textRemark);
+  const bool nameless = cases == 0 && format.code == kJsonLines;  // there its remark speaks of it
+  if ((texts || nameless) && limits.textRemark != nullptr) losses.emplace_back(limits.textRemark);
   return losses;
 }
 

@@ -111,7 +111,7 @@ constexpr LIMITS kLotusLimits = {
     .textBytes = kTextBytes,
     .textRemark =
         "Letters outside code page 850 are lost; an empty text and a missing one are the "
-        "same."};
+        "same. Cases without any value at the end leave no trace."};
 
 std::unique_ptr<CWriter> WriteLotus() {
   return std::make_unique<CLotusWriter>(false);

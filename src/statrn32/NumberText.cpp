@@ -41,7 +41,11 @@ bool ParseNumberText(std::string_view text, NUMBER_STYLE style, double* number) 
   const char separator = style == NUMBER_STYLE::Point ? ',' : '.';
   text = Trimmed(text);
   std::string plain;
-  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+  constexpr std::string_view kMinus = "\xE2\x88\x92";  // as it is printed
+  if (text.substr(0, kMinus.size()) == kMinus) {
+    plain = "-";
+    text.remove_prefix(kMinus.size());
+  } else if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
     if (text.front() == '-') plain = "-";
     text.remove_prefix(1);
   }

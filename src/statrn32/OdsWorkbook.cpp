@@ -163,8 +163,9 @@ void COdsWorkbook::BeginNode(const CXmlReader& xml) {
   } else if (name == "p" && inCell_ && inNote_ == 0) {
     inText_ = true;
     if (!cells_.back().text.empty()) cells_.back().text += ' ';
-  } else if (name == "s" && inText_ && inNote_ == 0) {
-    cells_.back().text += ' ';
+  } else if ((name == "s" || name == "tab" || name == "line-break") && inText_ && inNote_ == 0) {
+    constexpr std::uint32_t kMostBlanks = 1024;
+    cells_.back().text.append(name == "s" ? RepeatOf(xml.Attribute("c"), kMostBlanks) : 1, ' ');
   }
 }
 

@@ -199,11 +199,15 @@ bool COdsWriter::PutEnd() {
 constexpr LIMITS kXlsxLimits = {.records = 1'048'575,
                                 .variables = 16384,
                                 .textBytes = 32767,
-                                .textRemark = "An empty text and a missing one are the same."};
+                                .textRemark =
+                                    "An empty text and a missing one are the same. Cases without "
+                                    "any value at the end leave no trace."};
 constexpr LIMITS kOdsLimits = {.records = 1'048'575,
                                .variables = 16384,
                                .textBytes = 32767,
-                               .textRemark = "An empty text and a missing one are the same."};
+                               .textRemark =
+                                   "An empty text and a missing one are the same. Cases without "
+                                   "any value at the end leave no trace."};
 
 std::unique_ptr<CWriter> WriteXlsx() {
   return std::make_unique<CXlsxWriter>();

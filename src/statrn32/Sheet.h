@@ -39,7 +39,7 @@ class CSheet {
 
   const std::vector<SHEET_CELL>& Cells() const { return cells_; }
   std::string_view TextOf(const SHEET_CELL& cell) const { return texts_.data() + cell.value.text; }
-  // Both counted from the first cell on: empty ones are not counted.
+  // Those that hold a cell.
   std::size_t CountRows() const;
 
   std::int64_t epochDay = kSerialEpochDay;

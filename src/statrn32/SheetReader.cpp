@@ -102,8 +102,8 @@ bool CSheetReader::ReadDictionary(DICTIONARY* out) {
   ReadNames();
   for (COLUMN& column : columns_) out->variables.push_back(VariableOf(&column));
   const bool namesAsked = Options().nameRow >= 0;
-  out->cases = static_cast<std::int64_t>(sheet_.CountRows());
-  if (namesFound_ && !namesAsked) --out->cases;
+  CountRows();
+  out->cases = rows_ + (keepsBlanks_ ? blanks_ : 0) + (namesFound_ && namesAsked ? 1 : 0);
   next_ = firstData_;
   return true;
 }
@@ -156,6 +156,16 @@ void CSheetReader::CountCells() {
   }
 }
 
+// From below the names to the last row that holds anything.
+void CSheetReader::CountRows() {
+  constexpr std::int64_t kMostBlankCells = 4'000'000;
+  const auto& cells = sheet_.Cells();
+  row_ = cells.front().row + (namesFound_ ? 1 : 0);
+  rows_ = static_cast<std::int64_t>(sheet_.CountRows()) - (namesFound_ ? 1 : 0);
+  blanks_ = std::int64_t{cells.back().row} + 1 - row_ - rows_;
+  keepsBlanks_ = blanks_ <= kMostBlankCells / static_cast<std::int64_t>(columns_.size());
+}
+
 void CSheetReader::ReadNames() {
   for (std::size_t i = 0; i < firstData_; ++i) {
     const SHEET_CELL& cell = sheet_.Cells()[i];
@@ -201,9 +211,21 @@ const RECORD_BLOCK* CSheetReader::NextBlock() {
   return block_.records > 0 ? &block_ : nullptr;
 }
 
+void CSheetReader::FillBlankRow(CBlockFiller* out) {
+  for (const COLUMN& column : columns_) {
+    column.type == ST_TYPE_STRING ? out->Text({}) : out->MissingNumber(ST_STATUS_MISSING);
+  }
+  out->EndRecord();
+}
+
 void CSheetReader::FillRow(CBlockFiller* out) {
   const auto& cells = sheet_.Cells();
   const std::uint32_t row = cells[next_].row;
+  if (keepsBlanks_ && row_ < row) {
+    ++row_;
+    return FillBlankRow(out);
+  }
+  row_ = row + 1;
   for (const COLUMN& column : columns_) {
     const bool here =
         next_ < cells.size() && cells[next_].row == row && cells[next_].column == column.place;
@@ -240,6 +262,11 @@ std::vector<std::string> CSheetReader::Notes() const {
       if (i != sheetIndex_) names += (names.empty() ? "" : ", ") + sheets[i];
     }
     notes.push_back("Read was \"" + sheets[sheetIndex_] + "\"; the file also holds " + names + ".");
+  }
+  if (blanks_ > 0) {
+    notes.push_back((keepsBlanks_ ? "Rows that hold nothing became records of missing values: "
+                                  : "Rows that hold nothing were left out: ") +
+                    std::to_string(blanks_) + ".");
   }
   for (const COLUMN& column : columns_) {
     if (column.errors > 0) {

@@ -8,10 +8,11 @@
 
 namespace statrn32 {
 
-// The first row holds the names when each of its cells is text and there are further rows. Rows and
-// columns without any cell are left out. A column is a date when all of its numbers are displayed
-// so; it is numeric when its numbers are not fewer than its texts (which are then missing, and
-// told); else it is text.
+// The first row holds the names when each of its cells is text and there are further rows. Rows
+// between filled ones are records even where they hold nothing, unless a stray cell far below made
+// very many of them; columns without any cell are left out. A column is a date when all of its
+// numbers are displayed so; it is numeric when its numbers are not fewer than its texts (which are
+// then missing, and told); else it is text.
 class CSheetReader final : public CReader {
  public:
   CSheetReader(std::int32_t code, std::unique_ptr<CWorkbook> workbook)
@@ -46,10 +47,12 @@ class CSheetReader final : public CReader {
   bool LoadFirstWithCells();
   void FindNames();
   void CountCells();
+  void CountRows();
   void ReadNames();
   VARIABLE VariableOf(COLUMN* column);
   std::size_t ColumnAt(std::uint32_t place) const;
   void FillRow(CBlockFiller* out);
+  void FillBlankRow(CBlockFiller* out);
   void FillCell(const COLUMN& column, const SHEET_CELL& cell, CBlockFiller* out);
 
   std::int32_t code_;
@@ -60,7 +63,11 @@ class CSheetReader final : public CReader {
   bool namesFound_ = false;
   std::size_t firstData_ = 0;  // cell behind the names
   std::vector<COLUMN> columns_;
-  std::size_t next_ = 0;  // cell
+  std::size_t next_ = 0;     // cell
+  std::int64_t rows_ = 0;    // of data that hold anything
+  std::int64_t blanks_ = 0;  // rows among them that hold nothing
+  bool keepsBlanks_ = false;
+  std::uint32_t row_ = 0;  // of the sheet, the next one
   std::string numberText_;
   RECORD_BLOCK block_;
 };

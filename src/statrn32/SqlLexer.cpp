@@ -56,6 +56,8 @@ bool CSqlLexer::SkipBlanks() {
     const int c = Peek();
     if (c >= 0 && c <= ' ') {
       Take();
+    } else if (c == 0xEF && Peek(1) == 0xBB && Peek(2) == 0xBF) {  // the mark of UTF-8
+      Take(), Take(), Take();
     } else if (c == '-' && Peek(1) == '-') {
       while (Peek() >= 0 && Peek() != '\n') Take();
     } else if (c == '/' && Peek(1) == '*') {

@@ -9,6 +9,7 @@
 #include "statrn32/FileReader.h"
 #include "statrn32/SqlFiles.h"
 #include "statrn32/SqlLexer.h"
+#include "statrn32/TableChoice.h"
 
 namespace statrn32 {
 namespace {
@@ -181,13 +182,9 @@ std::vector<std::string> CSqlReader::Tables() const {
 }
 
 bool CSqlReader::ReadHeader(DICTIONARY* out) {
-  if (!Options().table.empty()) {
-    while (table_ < tables_.size() && !EqualIgnoringCase(tables_[table_].name, Options().table)) {
-      ++table_;
-    }
-    if (table_ == tables_.size()) {
-      return FailFile("there is no table \"" + Options().table + "\" in it");
-    }
+  table_ = ChooseTable(Tables(), Options().table);
+  if (table_ == tables_.size()) {
+    return FailFile("there is no table \"" + Options().table + "\" in it");
   }
   out->variables = tables_[table_].columns;
   for (std::size_t i = 0; i < out->variables.size(); ++i) {
@@ -340,6 +337,9 @@ void CSqlReader::PutValue(const VARIABLE& variable, const SQL_VALUE& value, CBlo
 
 std::vector<std::string> CSqlReader::Notes() const {
   std::vector<std::string> notes;
+  if (tables_.size() > 1 && Options().table.empty()) {
+    notes.push_back(NoteOtherTables(Tables(), table_));
+  }
   if (unreadable_ > 0) {
     notes.push_back("Texts that are no value of their column became missing values: " +
                     std::to_string(unreadable_) + ".");

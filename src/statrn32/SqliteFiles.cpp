@@ -11,6 +11,7 @@
 #include "statrn32/FileReader.h"
 #include "statrn32/FileWriter.h"
 #include "statrn32/Formats.h"
+#include "statrn32/TableChoice.h"
 
 namespace statrn32 {
 namespace {
@@ -58,7 +59,6 @@ class CSqliteReader final : public CFileReader {
 
  private:
   bool FailDatabase() { return FailFile(sqlite3_errmsg(database_.get())); }
-  std::string ChosenTable() const;
   bool ListColumns(const std::string& table, DICTIONARY* out);
   bool TellTypes(const std::string& table, DICTIONARY* out);
   void FillValue(int column, CBlockFiller* out);
@@ -66,6 +66,7 @@ class CSqliteReader final : public CFileReader {
   DATABASE database_;
   STATEMENT records_;  // goes before the database
   std::vector<std::string> tables_;
+  std::size_t table_ = 0;
   std::vector<std::string> declared_;
   std::vector<std::int32_t> types_;
   std::int64_t rows_ = 0;
@@ -93,17 +94,12 @@ bool CSqliteReader::LookInside() {
   return !tables_.empty() || FailFile("there is no table in this database");
 }
 
-std::string CSqliteReader::ChosenTable() const {
-  if (Options().table.empty()) return tables_.front();
-  for (const std::string& table : tables_) {
-    if (EqualIgnoringCase(table, Options().table)) return table;
-  }
-  return {};
-}
-
 bool CSqliteReader::ReadHeader(DICTIONARY* out) {
-  const std::string table = ChosenTable();
-  if (table.empty()) return FailFile("there is no table \"" + Options().table + "\" in it");
+  table_ = ChooseTable(tables_, Options().table);
+  if (table_ == tables_.size()) {
+    return FailFile("there is no table \"" + Options().table + "\" in it");
+  }
+  const std::string& table = tables_[table_];
   if (!ListColumns(table, out) || !TellTypes(table, out)) return false;
   records_ = Prepare(database_.get(), "SELECT * FROM " + Quoted(table));
   out->cases = rows_;
@@ -202,6 +198,9 @@ void CSqliteReader::FillValue(int column, CBlockFiller* out) {
 
 std::vector<std::string> CSqliteReader::Notes() const {
   std::vector<std::string> notes;
+  if (tables_.size() > 1 && Options().table.empty()) {
+    notes.push_back(NoteOtherTables(tables_, table_));
+  }
   if (unreadable_ > 0) {
     notes.push_back("Values of another kind than their column became missing values: " +
                     std::to_string(unreadable_) + ".");

@@ -155,7 +155,9 @@ constexpr NAME_RULES kSheetNames = {255,
 constexpr LIMITS kXlsLimits = {.records = 65535,
                                .variables = 256,
                                .textBytes = 4000,  // so that a cell fits into one record
-                               .textRemark = "An empty text and a missing one are the same."};
+                               .textRemark =
+                                   "An empty text and a missing one are the same. Cases without "
+                                   "any value at the end leave no trace."};
 
 bool IsXls(std::string_view first) {
   if (first.substr(0, kCompoundMagic.size()) == kCompoundMagic) return true;

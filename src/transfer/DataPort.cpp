@@ -18,6 +18,28 @@
 using STUtils::variable_data_t;
 using STUtils::variable_info_t;
 
+namespace {
+
+// Of which variables labels were left out or cut, and how many of each; empty when all fit.
+CString NoteOfLabels(const std::vector<variable_info_t>& variables) {
+  constexpr std::size_t kShown = 8;
+  std::vector<CString> names;
+  for (const variable_info_t& variable : variables) {
+    const std::size_t labels = variable.selected ? LabelsWithoutRoom(variable) : 0;
+    if (labels > 0) names.push_back(variable.name + " (" + std::to_string(labels) + ")");
+  }
+  if (names.empty()) return {};
+  const std::size_t more = names.size() - std::min(kShown, names.size());
+  names.resize(names.size() - more);
+  return "Value labels that were left out or cut, for a variable has room for 15 whole numbers "
+         "with "
+         "labels of 8 bytes: " +
+         boost::algorithm::join(names, ", ") +
+         (more > 0 ? " and " + std::to_string(more) + " more variables." : ".");
+}
+
+}  // namespace
+
 STUtils::eRESULT CDataPort::GetImportFileNameAndType(string& name, int& type) {
   const STUtils::eRESULT result = basic_data_import_t::GetImportFileNameAndType(name, type);
   if (result != STUtils::eOK) return result;
@@ -192,7 +214,10 @@ bool CDataPort::WriteAppDataHeader(ofstream& stream, const variables_t& variable
   std::vector<string> names = ImportedNames(variables);
   NoteNames(names);
   NoteTextVariables(variables);
-  if (keepLabels_) names = UniqueNames(names);
+  if (keepLabels_) {
+    names = UniqueNames(names);
+    if (const string labels = NoteOfLabels(variables); !labels.empty()) notes_.push_back(labels);
+  }
 
   TORVIKSTRUCT header;
   header.records = -1;  // until the last record has been written
@@ -351,10 +376,12 @@ void CDataPort::OnTextRead(const text_import_t& reader, const variables_t& varia
 }
 
 void CDataPort::NoteNames(const std::vector<string>& names) {
-  const std::vector<string> repeated = RepeatedNames(names);
+  std::vector<string> repeated = RepeatedNames(names);
   if (repeated.empty()) return;
-  notes_.push_back(
-      "Names that are equal within 16 characters: " + boost::algorithm::join(repeated, ", ") + ".");
+  for (string& name : repeated) name = TextForDisplay(name);
+  notes_.push_back(string(keepLabels_ ? "Names that are equal within 16 characters got numbers: "
+                                      : "Names that are equal within 16 characters: ") +
+                   boost::algorithm::join(repeated, ", ") + ".");
 }
 
 void CDataPort::NoteTextVariables(const variables_t& variables) {

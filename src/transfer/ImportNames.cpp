@@ -54,6 +54,16 @@ std::vector<CString> UniqueNames(const std::vector<CString>& names) {
   return unique;
 }
 
+std::size_t LabelsWithoutRoom(const STUtils::variable_info_t& source) {
+  std::size_t whole = 0;
+  std::size_t without = 0;
+  for (const auto& label : source.valueLabels) {
+    const bool place = IsCategoryValue(label) && ++whole <= kCategorySlots;
+    if (!place || TextForFile(label.label).size() > kVsfLabelBytes) ++without;
+  }
+  return without;
+}
+
 void KeepLabels(const STUtils::variable_info_t& source, const CString& storedName,
                 TORVIKSTRUCT& block) {
   VARSTRUCT& variable = block.variable.front();

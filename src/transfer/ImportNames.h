@@ -17,6 +17,9 @@ std::vector<CString> RepeatedNames(const std::vector<CString>& names);
 // `names` with numbers put to the end of repeated ones, within 16 bytes.
 std::vector<CString> UniqueNames(const std::vector<CString>& names);
 
+// How many value labels KeepLabels leaves out, or cuts, for want of room.
+std::size_t LabelsWithoutRoom(const STUtils::variable_info_t& source);
+
 // Gives variable 0 of `block` what the source says beyond its name: as description the full name
 // where `storedName` is a cut one, else the source's label; and the value labels of whole numbers,
 // at most 15.

@@ -14,6 +14,7 @@ using namespace sttest;  // NOLINT: a test's own names
 
 namespace {
 
+constexpr std::int32_t kXls = 7;
 constexpr std::int32_t kParadox = 10;
 constexpr std::int32_t kDump = 17;
 constexpr std::int32_t kSqlScript = 28;
@@ -75,10 +76,23 @@ TEST_F(HandmadeFiles, ReadAsTheirWritersMeantThem) {
       {kJsonLines,
        "{\"z\":1,\"a\":\"x\",\"list\":[1,{\"z\":5}]}\n\n{\"a\":\"y\",\"z\":true,\"new\":2.5}\n",
        {"z|a|list|new", R"(1|"x"|.|.)", R"(1|"y"|.|2.5)"}},
+      // The mark of UTF-8 is no part of a text.
+      {kJsonLines, "\xEF\xBB\xBF{\"a\":1}\n", {"a", "1"}},
+      {kSqlScript,
+       "\xEF\xBB\xBF"
+       "CREATE TABLE t (a INT); INSERT INTO t VALUES (1);",
+       {"a", "1"}},
+      {kStataProgram, "\xEF\xBB\xBFinput a\n1\nend\n", {"a", "1"}},
+      // Minutes with a fraction are no time; midnight may stand at the end of a day.
+      {kJsonLines, "{\"a\":\"12:30.5\",\"b\":\"24:00\"}\n", {"a|b", R"("12:30.5"|1)"}},
       // A cell that spans rows moves those below it aside.
       {kHtml,
        "<table><tr><th>a<th>b<th>c<tr><td rowspan=2>1<td>2<td>3<tr><td>5<td>6</table>",
        {"a|b|c", "1|2|3", ".|5|6"}},
+      {kHtml,
+       "<table><tr><th>a<tr><td>\xE2\x88\x92"
+       "1.5<tr><td>2</table>",
+       {"a", "-1.5", "2"}},
       // Ranges of missing values without an end.
       {kSpssProgram,
        "DATA LIST FREE /a b.\nMISSING VALUES a (LO THRU 0, 9) b (97 THRU HIGHEST).\nBEGIN DATA\n"
@@ -115,6 +129,22 @@ TEST_F(HandmadeFiles, ReadAsTheirWritersMeantThem) {
   }
 }
 
+// A cell far below the others does not make millions of records.
+TEST_F(HandmadeFiles, RowsThatHoldNothingAreRecordsWithinReason) {
+  const auto sheet = [](unsigned columns, unsigned lastRow) {
+    statrn32::CByteWriter out;
+    out.U16(0x0009).U16(4).U16(2).U16(0x10);
+    for (unsigned i = 0; i <= columns; ++i) {
+      out.U16(0x0003).U16(15).U16(i < columns ? 0 : lastRow).U16(i % columns).Zeros(3).F64(7);
+    }
+    return out.U16(0x000A).U16(0).Data();
+  };
+  const Table near = Read(kXls, sheet(2, 3));
+  EXPECT_EQ(Shown(near), (std::vector<std::string>{"VAR001|VAR002", "7|7", ".|.", ".|.", "7|."}));
+  const Table far = Read(kXls, sheet(100, 65535));
+  EXPECT_EQ(far.records.size(), 2U);
+}
+
 // What would be read as something else is refused by the line and the word.
 TEST_F(HandmadeFiles, ProgramsThatAreNotUnderstoodAreRefusedByName) {
   const struct {
@@ -132,6 +162,12 @@ TEST_F(HandmadeFiles, ProgramsThatAreNotUnderstoodAreRefusedByName) {
       {kSasProgram, "data d;\ninput a date.;\ncards;\n1\n;\n", "line 2: date.: an informat"},
       {kSasProgram, "data d;\ninput a;\nrun;\n", "holds no data"},
       {kSpssProgram, "DATA LIST FREE /a.\n", "holds no data"},
+      {kSpssProgram,
+       "\xFF\xFE"
+       "D",
+       "UTF-16"},
+      {kJsonLines, "[{\"a\":1}]\n", "an object on a line of its own"},
+      {kDump, "x <-\nstructure(list(a = 1))\n", "oldStyle = T"},
   };
   for (const auto& [type, bytes, message] : cases) {
     const std::string error = Read(type, bytes).error;

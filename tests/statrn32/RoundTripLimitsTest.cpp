@@ -1,6 +1,7 @@
 // What is written comes back at the ends of what each format can hold: dates, extreme numbers,
 // values that are missing, long texts and names, one record, as many records and variables as
 // there may be.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -100,6 +101,27 @@ TEST_P(RoundTripLimits, MissingValuesStayMissing) {
     EXPECT_EQ(back.records[i][2].text, i == 1 ? "a" : i == 2 ? "b" : "") << i;
     EXPECT_EQ(back.records[i][3].number, static_cast<double>(i + 1));
   }
+}
+
+// Where a sheet ends is what its cells tell.
+TEST_P(RoundTripLimits, RecordsWithoutValuesKeepTheirPlaces) {
+  Table table;
+  table.columns = {{"A", "", ST_TYPE_NUMERIC, 8, 2, {}}, {"B", "", ST_TYPE_NUMERIC, 8, 2, {}}};
+  const std::vector<Value> nothing = {Missing(), Missing()};
+  table.records = {nothing, {Number(1), Missing()}, nothing, nothing, {Number(2), Number(3)}};
+  ASSERT_EQ(There(table).error, "");
+  const Table back = Back();
+  ASSERT_EQ(back.records.size(), 5U);
+  for (std::size_t i = 0; i < 5; ++i) {
+    for (std::size_t k = 0; k < 2; ++k) {
+      EXPECT_EQ(back.records[i][k].status, table.records[i][k].status) << i << " " << k;
+    }
+  }
+  constexpr std::int32_t kSheets[] = {0, 7, 11, 31, 900, 901};
+  const bool sheet = std::count(std::begin(kSheets), std::end(kSheets), GetParam().type) > 0;
+  table.records.push_back(nothing);
+  ASSERT_EQ(There(table).error, "");
+  EXPECT_EQ(Back().records.size(), sheet ? 5U : 6U);
 }
 
 TEST_P(RoundTripLimits, OneRecordIsATable) {

@@ -46,8 +46,11 @@ TEST(KeepLabels, TakesWhatFits) {
   EXPECT_EQ(block.categoryValues[0], -2);
   EXPECT_EQ(block.categoryValues[14], 12);
   EXPECT_EQ(block.categoryLabels[14], "label 14");
+  EXPECT_EQ(LabelsWithoutRoom(source), 9U);
 
   source.name = "short";
+  source.valueLabels = {{1, 0, "", "eight by"}, {2, 0, "", "nine byte"}};
+  EXPECT_EQ(LabelsWithoutRoom(source), 1U);
   source.valueLabels.clear();
   KeepLabels(source, "short", block);
   EXPECT_EQ(block.variable[0].description, "a label");
