@@ -71,15 +71,6 @@ bool MayReplace(const struct stat& info, const std::string& target) {
   return access(target.c_str(), W_OK) == 0;
 }
 
-bool SyncFolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
-  if (descriptor < 0) return false;
-  const bool synced = fsync(descriptor) == 0 || errno == EINVAL;
-  close(descriptor);
-  return synced;
-}
-
 }  // namespace
 
 bool CSideFile::Fail() {
@@ -121,16 +112,32 @@ void CSideFile::WriteBehind(std::int64_t written) {
 #endif
 }
 
-bool CSideFile::Commit() {
+bool CSideFile::Sync() {
   if (descriptor_ < 0) {
     errno = EBADF;
     return Fail();
   }
-  if (fsync(descriptor_) != 0) return Fail();
+  return fsync(descriptor_) == 0 || Fail();
+}
+
+bool CSideFile::PutInPlace() {
   if (rename(path_.c_str(), target_.c_str()) != 0) return Fail();
   path_.clear();
   Close();
-  // The target has been replaced; a folder that cannot be synced no longer makes that a failure.
+  return true;
+}
+
+// The target has been replaced; a folder that cannot be synced no longer makes that a failure.
+void CSideFile::SyncFolderOf(const std::string& target) {
+  const std::string folder = std::filesystem::path(target).parent_path().string();
+  const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY);
+  if (descriptor < 0) return;
+  fsync(descriptor);
+  close(descriptor);
+}
+
+bool CSideFile::Commit() {
+  if (!Sync() || !PutInPlace()) return false;
   SyncFolderOf(target_);
   return true;
 }

@@ -25,6 +25,11 @@ class CSideFile {
 
   // Syncs the side file, renames it over the target and syncs the folder.
   bool Commit();
+  // The same in steps, for files that go in place together: all are synced first, and a folder once
+  // for all of its files.
+  bool Sync();
+  bool PutInPlace();
+  static void SyncFolderOf(const std::string& target);
 
   // Closes and removes the side file.
   void Discard();

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/procedures/DataSets.h"
 #include "engine/procedures/ProcedureReport.h"
 #include "engine/procedures/ProcedureTable.h"
+#include "engine/screen/DataOutput.h"
 #include "engine/stats/Pooling.h"
 
 namespace {
@@ -87,6 +89,36 @@ CCompletedData::CCompletedData(ENGINERUN& run) : run_(run) {
     jobs_[i].transformations.emplace_back(completions[i]);
 }
 
+ENGINERUN CCompletedData::RunOn(std::size_t dataSet, CCaseSource& source, CReport& report,
+                                CProgress& progress, int threads) {
+  ENGINERUN one{jobs_[dataSet], run_.file, source,          report,    run_.files,
+                progress,       threads,   run_.repetition, run_.seed, {}};
+  one.ranks = run_.ranks;
+  one.dataSet = dataSet;
+  return one;
+}
+
+void CCompletedData::NameDataSet(std::size_t dataSet, FAULT& fault) {
+  if (fault) fault.cause += " (completed data set " + std::to_string(dataSet + 1) + ")";
+}
+
+bool CCompletedData::Save(FAULT& fault) {
+  const bool done = ForDataSets(
+      run_, jobs_.size(),
+      [this](std::size_t i, int threads, FAULT& why) {
+        CCaseSource source(run_.file, jobs_[i], run_.seed, run_.repetition, threads);
+        CReport unseen;
+        CProgress untold(nullptr);
+        ENGINERUN one = RunOn(i, source, unseen, untold, threads);
+        const bool saved = SaveData(one, why);
+        if (!saved) NameDataSet(i, why);
+        return saved;
+      },
+      fault);
+  run_.progress.NextStage();
+  return done;
+}
+
 bool CCompletedData::OnEach(const std::function<bool(ENGINERUN&, FAULT&)>& work, bool headings,
                             FAULT& fault) {
   for (std::size_t i = 0; i < jobs_.size(); ++i) {
@@ -95,14 +127,11 @@ bool CCompletedData::OnEach(const std::function<bool(ENGINERUN&, FAULT&)>& work,
                           std::to_string(jobs_.size()));
     }
     CCaseSource source(run_.file, jobs_[i], run_.seed, run_.repetition, run_.threads);
-    ENGINERUN one{jobs_[i],      run_.file,    source,          run_.report, run_.files,
-                  run_.progress, run_.threads, run_.repetition, run_.seed,   {}};
-    one.ranks = run_.ranks;
-    one.dataSet = i;
+    ENGINERUN one = RunOn(i, source, run_.report, run_.progress, run_.threads);
     const bool done = work(one, fault);
     run_.faults.insert(run_.faults.end(), one.faults.begin(), one.faults.end());
     if (!done) {
-      if (fault) fault.cause += " (completed data set " + std::to_string(i + 1) + ")";
+      NameDataSet(i, fault);
       return false;
     }
   }

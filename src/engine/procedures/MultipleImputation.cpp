@@ -2,71 +2,23 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <thread>
 
+#include "engine/procedures/ChainSections.h"
+#include "engine/procedures/ImputedValues.h"
 #include "engine/procedures/IncompleteSample.h"
+#include "engine/procedures/PooledMoments.h"
 #include "engine/procedures/SharedChains.h"
 #include "engine/run/Interrupt.h"
 #include "engine/screen/DataOutput.h"
-#include "engine/stats/Augmentation.h"
-#include "engine/stats/Moments.h"
 #include "engine/stats/Parallel.h"
-#include "engine/stats/Pooling.h"
 #include "vexutils/FreeMemory.h"
 
 namespace {
 
 using Eigen::Index;
 using stats::EStatus;
-
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-
-// What fills in the missing values; shared by the functions of all completed data sets.
-struct COMPLETEDVALUES {
-  std::vector<INCOMPLETEVARIABLE> variables;
-  std::unique_ptr<stats::CAugmentationSample> sample;
-  std::vector<stats::AugmentationChain> chains;
-  Eigen::VectorXd mean;  // expected values
-  bool fillEmpty = false;
-
-  // A value of the model's variable j in units of the data.
-  double ValueOf(std::size_t j, double drawn) const {
-    const INCOMPLETEVARIABLE& one = variables[j];
-    if (!one.IsOrdinal()) return one.center + one.scale * drawn;
-    const int category = sample->Variable(static_cast<int>(j)).CategoryOf(drawn);
-    return one.categories[static_cast<std::size_t>(category)];
-  }
-
-  bool IsMissing(std::size_t j, double value) const {
-    return std::isnan(value) || (variables[j].IsOrdinal() && variables[j].CategoryOf(value) < 0);
-  }
-
-  void Complete(std::size_t chain, std::int64_t number, const double* in, double* out) const {
-    const std::size_t p = variables.size();
-    std::size_t missing = 0;
-    for (std::size_t j = 0; j < p; ++j) {
-      const bool none = IsMissing(j, in[j]);
-      out[j] = none ? kNone : in[j];
-      missing += none ? 1 : 0;
-    }
-    if (missing == 0) return;
-    if (missing == p) {
-      for (std::size_t j = 0; j < p && fillEmpty; ++j) {
-        out[j] = variables[j].IsOrdinal() ? ValueOf(j, mean(static_cast<Index>(j)))
-                                          : mean(static_cast<Index>(j));
-      }
-      return;
-    }
-    const std::size_t place = sample->PlaceOf(number);
-    if (place == sample->Held()) return;  // a case without a weight
-    const double* drawn = chains[chain].imputed.data() + sample->FirstMissing(place);
-    for (std::size_t j = 0; j < p; ++j) {
-      if (std::isnan(out[j])) out[j] = ValueOf(j, *drawn++);
-    }
-  }
-};
 
 class CMultipleImputation {
  public:
@@ -96,10 +48,9 @@ class CMultipleImputation {
     if (!sample_.Estimate(fault) || !HoldCases(fault)) return false;
     sample_.WriteHistory();
     if (!DrawChains(fault)) return false;
-    WriteConvergence();
-    WritePlot();
+    WriteChains(run_, line_, *values_);
     MakeCompletions();
-    if (!WritePooled(fault)) return false;
+    if (!WritePooledMoments(run_, line_, values_->variables, completions_, fault)) return false;
     WriteNotes();
     if (completions_.size() == 1) {
       run_.job.transformations.emplace_back(std::move(completions_.front()));
@@ -134,19 +85,13 @@ class CMultipleImputation {
           "Ordinal variables stand for underlying normal variables, which are drawn as well, and "
           "are imputed by the categories that the thresholds of the observed values cut; EM takes "
           "them by their normal scores. Ordinal, with the number of categories: " +
-          Joined(ordinal) + ".");
+          CommaList(ordinal) + ".");
     }
     if (!censored.empty()) {
-      report_.Warning("The values of the censored " + Joined(censored) +
+      report_.Warning("The values of the censored " + CommaList(censored) +
                       " are taken as those of normal variables.");
     }
     report_.Gap();
-  }
-
-  static CString Joined(const std::vector<CString>& names) {
-    CString text;
-    for (const CString& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text;
   }
 
   bool CheckMemory(FAULT& fault) const {
@@ -176,6 +121,9 @@ class CMultipleImputation {
     std::vector<stats::AugmentationVariable> model;
     for (const INCOMPLETEVARIABLE& one : sample_.Variables())
       model.push_back({one.center, one.scale, one.thresholds});
+    values_->variables = sample_.Variables();
+    values_->mean = sample_.Result().mean;
+    values_->fillEmpty = line_.allMissing == MULTIPLEIMPUTATION::AllMissing::Mean;
     values_->sample = std::make_unique<stats::CAugmentationSample>(std::move(model));
     stats::CAugmentationSample& held = *values_->sample;
     const bool done =
@@ -245,203 +193,10 @@ class CMultipleImputation {
     return true;
   }
 
-  void WriteConvergence() {
-    CFactTable facts;
-    facts.Add("Completed data sets (RP)", std::to_string(line_.dataSets));
-    facts.Add("Iterations of each chain (IT)", std::to_string(line_.iterations));
-    facts.Add("Seed", std::to_string(static_cast<std::int64_t>(run_.seed)));
-    facts.Add("Missing values drawn", std::to_string(values_->sample->MissingValues()));
-    facts.Add("Cases held in memory", std::to_string(values_->sample->Held()));
-    report_.Subsection("Chains");
-    facts.Write(report_);
-    if (line_.iterations < kFewestForWindows) {
-      report_.Warning(
-          "The chains are too short for checks of their convergence: ask for at least " +
-          std::to_string(kFewestForWindows) + " iterations (IT).");
-      return;
-    }
-    TABLE table;
-    table.narrowest = static_cast<std::size_t>(report_.Numbers().width);
-    table.columns = {{"Variable", true},  {"Missing", false}, {"Mean", false},
-                     {"St. dev.", false}, {"R: mean", false}, {"R: variance", false}};
-    std::vector<CString> apart;
-    const auto p = static_cast<Index>(sample_.Variables().size());
-    for (Index j = 0; j < p; ++j) AddConvergenceRow(j, table, apart);
-    report_.Subsection("Draws of means and standard deviations, second half of the chains");
-    report_.Paragraph(
-        "R is the potential scale reduction over the third and last quarter of all chains, near 1 "
-        "when they agree. Ordinal variables: of the underlying variable.");
-    report_.Gap();
-    report_.Table(table);
-    if (!apart.empty()) {
-      report_.Warning("The chains have not come together (R above 1.2) for " + Joined(apart) +
-                      ": ask for more iterations (IT).");
-    }
-  }
-
-  void AddConvergenceRow(Index j, TABLE& table, std::vector<CString>& apart) {
-    const INCOMPLETEVARIABLE& one = sample_.Variables()[static_cast<std::size_t>(j)];
-    const auto p = static_cast<Index>(sample_.Variables().size());
-    double mean = 0, variance = 0;
-    for (const stats::AugmentationChain& chain : values_->chains) {
-      for (const auto& window : chain.windows) {
-        mean += window.average(j);
-        variance += window.average(p + j);
-      }
-    }
-    const auto windows = static_cast<double>(2 * values_->chains.size());
-    double r[2];
-    for (int k = 0; k < 2; ++k) {
-      r[k] = stats::PotentialScaleReduction(values_->chains, j + k * p,
-                                            static_cast<int>(line_.iterations));
-    }
-    constexpr double kApart = 1.2;
-    if (r[0] > kApart || r[1] > kApart) apart.push_back(one.name);
-    table.rows.push_back({one.name, std::to_string(one.missing),
-                          report_.Number(one.center + one.scale * mean / windows),
-                          report_.Number(one.scale * std::sqrt(variance / windows)),
-                          report_.Number(r[0]), report_.Number(r[1])});
-  }
-
-  // The numbers of a plot of the chains, and how long they remember.
-  void WritePlot() {
-    const auto& chains = values_->chains;
-    const double first = stats::Autocorrelation(chains, 1);
-    if (std::isnan(first)) return;  // EM has not moved, or one iteration
-    report_.Subsection("Convergence plot: the direction in which EM converges most slowly");
-    TABLE table;
-    constexpr std::size_t kShownChains = 5;
-    constexpr std::int64_t kPoints = 20;
-    table.columns.push_back({"Iteration", false});
-    const std::size_t shown = std::min(kShownChains, chains.size());
-    for (std::size_t c = 0; c < shown; ++c)
-      table.columns.push_back({"Chain " + std::to_string(c + 1), false});
-    const std::int64_t length = line_.iterations;
-    const std::int64_t points = std::min(kPoints, length);
-    for (std::int64_t k = 1; k <= points; ++k) {
-      const std::int64_t at = k * length / points;
-      std::vector<CString> row = {std::to_string(at)};
-      for (std::size_t c = 0; c < shown; ++c)
-        row.push_back(report_.Number(chains[c].watched[static_cast<std::size_t>(at - 1)]));
-      table.rows.push_back(std::move(row));
-    }
-    report_.Table(table);
-    report_.Subsection("Its correlation with itself so many iterations later");
-    TABLE lags;
-    lags.columns = {{"Lag", false}, {"Correlation", false}};
-    for (const std::size_t lag : {1, 2, 5, 10, 20, 50, 100}) {
-      if (static_cast<std::int64_t>(2 * lag) > length) break;
-      lags.rows.push_back(
-          {std::to_string(lag), report_.Number(stats::Autocorrelation(chains, lag))});
-    }
-    report_.Table(lags);
-  }
-
   void MakeCompletions() {
-    values_->variables = sample_.Variables();
-    values_->mean = sample_.Result().mean;
-    values_->fillEmpty = line_.allMissing == MULTIPLEIMPUTATION::AllMissing::Mean;
-    for (std::size_t chain = 0; chain < values_->chains.size(); ++chain) {
-      CASEFUNCTION function;
-      function.inputs = function.outputs = line_.variables;
-      function.computeOfCase = [values = std::shared_ptr<const COMPLETEDVALUES>(values_), chain](
-                                   std::int64_t number, const double* in, double* out) {
-        values->Complete(chain, number, in, out);
-      };
-      completions_.push_back(std::move(function));
-    }
+    completions_ = CompletionsBy(values_, line_.variables);
     if (line_.allMissing == MULTIPLEIMPUTATION::AllMissing::Delete)
       run_.job.emptyIn = line_.variables;
-  }
-
-  // Means, standard deviations and correlations of one completed data set.
-  bool Moments(const CASEFUNCTION& completion, stats::MomentMatrix& covariances, double& n,
-               FAULT& fault) {
-    JOB job = run_.job;
-    job.transformations.emplace_back(completion);
-    CCaseSource source(run_.file, job, run_.seed, run_.repetition, run_.threads);
-    std::vector<CASECOLUMN> columns;
-    for (const std::int32_t variable : line_.variables) columns.push_back({variable, {}});
-    source.SetColumns(std::move(columns));
-    source.SetListwise(true);
-    stats::CMoments moments(static_cast<int>(line_.variables.size()), stats::EDeletion::Listwise,
-                            run_.threads);
-    if (!run_.Pass(
-            source, [&moments](const CASEBLOCK& block) { moments.Add(block.cells); }, fault)) {
-      return false;
-    }
-    covariances = stats::ComputeMoments(moments, stats::EMoments::Covariance);
-    n = moments.N(0, 0);
-    return true;
-  }
-
-  // Correlations are averaged on the scale on which they are nearly normal.
-  static void AddFishersZ(const stats::MomentMatrix& moments, Eigen::MatrixXd& sums) {
-    constexpr double kLargest = 1 - 1e-12;
-    for (Index i = 0; i < sums.rows(); ++i) {
-      for (Index j = 0; j < sums.cols(); ++j) {
-        const double r = moments.matrix(i, j) / (moments.sd(i) * moments.sd(j));
-        sums(i, j) += std::atanh(std::clamp(r, -kLargest, kLargest));
-      }
-    }
-  }
-
-  bool WritePooled(FAULT& fault) {
-    const std::size_t p = sample_.Variables().size();
-    std::vector<std::vector<double>> means(p), errors(p), deviations(p);
-    Eigen::MatrixXd correlations =
-        Eigen::MatrixXd::Zero(static_cast<Index>(p), static_cast<Index>(p));
-    double n = 0;
-    for (const CASEFUNCTION& completion : completions_) {
-      stats::MomentMatrix one;
-      if (!Moments(completion, one, n, fault)) return false;
-      if (one.status != EStatus::Ok || !(one.sd.minCoeff() > 0)) return true;  // nothing to show
-      AddFishersZ(one, correlations);
-      for (std::size_t j = 0; j < p; ++j) {
-        const auto at = static_cast<Index>(j);
-        means[j].push_back(one.mean(at));
-        errors[j].push_back(one.sd(at) / std::sqrt(n));
-        deviations[j].push_back(one.sd(at));
-      }
-    }
-    WritePooledMeans(means, errors, deviations, n);
-    for (double& element : correlations.reshaped())
-      element = std::tanh(element / static_cast<double>(completions_.size()));
-    correlations.diagonal().setOnes();
-    std::vector<CString> names;
-    for (const INCOMPLETEVARIABLE& one : sample_.Variables()) names.push_back(one.name);
-    report_.Subsection("Correlations of the completed data, averaged as Fisher's z");
-    report_.Table(TriangleTable(report_, names, correlations));
-    return true;
-  }
-
-  void WritePooledMeans(const std::vector<std::vector<double>>& means,
-                        const std::vector<std::vector<double>>& errors,
-                        const std::vector<std::vector<double>>& deviations, double n) {
-    TABLE table;
-    table.narrowest = static_cast<std::size_t>(report_.Numbers().width);
-    table.columns = {{"Variable", true},      {"Mean", false},    {"Std. error", false},
-                     {"95% from", false},     {"to", false},      {"df", false},
-                     {"Missing inf.", false}, {"St. dev.", false}};
-    for (std::size_t j = 0; j < means.size(); ++j) {
-      const stats::PooledEstimate pooled = stats::PoolEstimates(means[j], errors[j], n - 1);
-      double variance = 0;
-      for (const double sd : deviations[j])
-        variance += sd * sd / static_cast<double>(deviations[j].size());
-      table.rows.push_back(
-          {sample_.Variables()[j].name, report_.Number(pooled.value), report_.Number(pooled.error),
-           report_.Number(pooled.low), report_.Number(pooled.high), CReport::Number(pooled.df, 1),
-           report_.Number(pooled.missingInformation), report_.Number(std::sqrt(variance))});
-    }
-    report_.Subsection("Means of the completed data, n = " + CReport::Count(n) +
-                       (line_.dataSets > 1 ? ", pooled by Rubin's rules" : ""));
-    if (line_.dataSets == 1) {
-      report_.Paragraph(
-          "One data set does not tell how uncertain the imputed values are: the standard errors "
-          "are those of complete data.");
-      report_.Gap();
-    }
-    report_.Table(table);
   }
 
   void WriteNotes() {
@@ -467,14 +222,12 @@ class CMultipleImputation {
                                                               : "left as they are."));
   }
 
-  static constexpr std::int64_t kFewestForWindows = 8;
-
   ENGINERUN& run_;
   const PROCEDURE& procedure_;
   CReport& report_;
   const MULTIPLEIMPUTATION& line_;
   CIncompleteSample sample_;
-  std::shared_ptr<COMPLETEDVALUES> values_ = std::make_shared<COMPLETEDVALUES>();
+  std::shared_ptr<IMPUTEDVALUES> values_ = std::make_shared<IMPUTEDVALUES>();
   std::vector<CASEFUNCTION> completions_;
 };
 

@@ -12,6 +12,12 @@ CString CountText(double count, const CString& what) {
   return CReport::Count(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
+CString CommaList(const std::vector<CString>& names) {
+  CString text;
+  for (const CString& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
 CString NameList(const TORVIKSTRUCT& data, const VARIABLELIST& variables) {
   CString names;
   for (std::size_t i = 0; i < variables.size(); ++i) {

@@ -14,6 +14,9 @@ FAULT ProcedureFault(const PROCEDURE& procedure, CString cause, CString remedy);
 // "1 factor", "2 factors"
 CString CountText(double count, const CString& what);
 
+// "x1, x2, x3"
+CString CommaList(const std::vector<CString>& names);
+
 // "x1, x2 and x3"
 CString NameList(const TORVIKSTRUCT& data, const VARIABLELIST& variables);
 

@@ -82,5 +82,6 @@ bool RunProcedures(ENGINERUN& run, FAULT& fault) {
   }
   if (!run.faults.empty()) return true;
   if (!completed) return Finish(run, fault);
-  return completed->OnEach(Finish, AsksForScreening(run.job.output), fault);
+  return AsksForScreening(run.job.output) ? completed->OnEach(ScreenData, true, fault)
+                                          : completed->Save(fault);
 }

@@ -1,8 +1,13 @@
 #include "engine/run/OutputFiles.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <map>
+#include <system_error>
+#include <thread>
 
 #include <sys/resource.h>
 
@@ -136,19 +141,56 @@ bool COutputFiles::Commit(FAULT& fault) {
     Discard();
     return false;
   }
-  for (COutputFile& output : outputs_) {
-    if (output.file_.Commit()) {
-      inPlace += (inPlace.empty() ? "" : ", ") + output.Name();
-      continue;
+  return SyncFiles(fault) && PutInPlace(fault);
+}
+
+bool COutputFiles::SyncFiles(FAULT& fault) {
+  constexpr std::size_t kAtOnce = 8;  // the disk takes them together
+  std::vector<COutputFile*> left;
+  for (COutputFile& output : outputs_) left.push_back(&output);
+  std::atomic<std::size_t> next{0};
+  const auto sync = [&] {
+    for (std::size_t i = next++; i < left.size(); i = next++) {
+      if (left[i]->file_.Sync()) left[i] = nullptr;
     }
-    fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
-                  ") cannot be put in place: " + output.file_.ErrorText();
-    fault.remedy = inPlace.empty() ? "No output file was changed."
-                                   : "These files are in place already: " + inPlace + ".";
-    Discard();
-    return false;
+  };
+  std::vector<std::thread> helpers;
+  try {
+    while (helpers.size() + 1 < std::min(kAtOnce, left.size())) helpers.emplace_back(sync);
+  } catch (const std::system_error&) {  // the threads that are there do the rest
   }
-  return true;
+  sync();
+  for (std::thread& helper : helpers) helper.join();
+  const auto failed = std::find_if(left.begin(), left.end(),
+                                   [](const COutputFile* output) { return output != nullptr; });
+  if (failed == left.end()) return true;
+  return FailToPut(**failed, "", fault);
+}
+
+bool COutputFiles::PutInPlace(FAULT& fault) {
+  std::string inPlace;
+  std::map<std::string, std::string> folders;  // each with one of its files
+  bool done = true;
+  for (COutputFile& output : outputs_) {
+    if (!output.file_.PutInPlace()) {
+      done = FailToPut(output, inPlace, fault);
+      break;
+    }
+    inPlace += (inPlace.empty() ? "" : ", ") + output.Name();
+    const std::string& target = output.file_.Target();
+    folders.emplace(std::filesystem::path(target).parent_path().string(), target);
+  }
+  for (const auto& [folder, target] : folders) CSideFile::SyncFolderOf(target);
+  return done;
+}
+
+bool COutputFiles::FailToPut(const COutputFile& output, const std::string& inPlace, FAULT& fault) {
+  fault.cause = "the file of " + output.Keyword() + "= (" + output.Name() +
+                ") cannot be put in place: " + output.file_.ErrorText();
+  fault.remedy = inPlace.empty() ? "No output file was changed."
+                                 : "These files are in place already: " + inPlace + ".";
+  Discard();
+  return false;
 }
 
 void COutputFiles::Discard() {

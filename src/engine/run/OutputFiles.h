@@ -75,6 +75,10 @@ class COutputFiles {
   void Discard();
 
  private:
+  bool SyncFiles(FAULT& fault);
+  bool PutInPlace(FAULT& fault);
+  bool FailToPut(const COutputFile& output, const std::string& inPlace, FAULT& fault);
+
   struct Input {
     std::string what;
     std::string name;

@@ -42,7 +42,7 @@ class CChain {
  public:
   CChain(const CAugmentationSample& sample, const AugmentationStart& start,
          const AugmentationOptions& options, std::uint64_t number)
-      : sample_(sample), start_(start), options_(options), number_(number) {
+      : sample_(sample), start_(start), options_(options), number_(number), draw_(sample) {
     model_.mean = start.mean;
     model_.covariance = start.covariance;
     model_.inverse = start.covariance.inverse();
@@ -57,7 +57,8 @@ class CChain {
     for (int i = 0; i < options_.iterations; ++i) {
       DrawValues(static_cast<std::uint64_t>(i), threads, nullptr);
       CRandomStream random = Stream(static_cast<std::uint64_t>(i), kModelStream);
-      if (!DrawModel(sample_, Total(), random, model_, rescaled_)) {
+      AddUp();
+      if (!draw_.Draw(total_, random, model_, rescaled_)) {
         result.status = EStatus::NotPositiveDefinite;
         return true;
       }
@@ -114,13 +115,13 @@ class CChain {
     });
   }
 
-  AugmentationSums Total() const {
-    AugmentationSums total{sample_.FixedSum(), sample_.FixedProducts()};
+  void AddUp() {
+    total_.sum = sample_.FixedSum();
+    total_.products = sample_.FixedProducts();
     for (const CAugmentationBlock& block : blocks_) {
-      total.sum += block.Sums().sum;
-      total.products += block.Sums().products;
+      total_.sum += block.Sums().sum;
+      total_.products += block.Sums().products;
     }
-    return total;
   }
 
   double Watched() const {
@@ -138,7 +139,9 @@ class CChain {
   const AugmentationStart& start_;
   const AugmentationOptions& options_;
   std::uint64_t number_;
+  CModelDraw draw_;
   AugmentationModel model_;
+  AugmentationSums total_;
   VectorXd rescaled_;
   std::vector<CAugmentationBlock> blocks_;
   std::vector<double> state_;

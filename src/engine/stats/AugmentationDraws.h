@@ -1,7 +1,10 @@
 // The two draws that data augmentation alternates.
 #pragma once
 
+#include <Eigen/Cholesky>
+
 #include "engine/stats/AugmentationSample.h"
+#include "engine/stats/MatrixRoom.h"
 #include "engine/stats/RandomStream.h"
 
 namespace stats {
@@ -20,11 +23,26 @@ struct AugmentationSums {
 };
 
 // Draws the model from its distribution given a completed sample; n above the number of variables.
-// `rescaled` gets, for each variable with one threshold, the standard deviation that its
-// underlying variable was divided by about it; 1 for the others. False when the sums are not
-// positive definite.
-bool DrawModel(const CAugmentationSample& sample, const AugmentationSums& sums,
-               CRandomStream& random, AugmentationModel& model, Eigen::VectorXd& rescaled);
+// Keeps its working space from one draw to the next.
+class CModelDraw {
+ public:
+  explicit CModelDraw(const CAugmentationSample& sample) : sample_(sample) {}
+
+  // `rescaled` gets, for each variable with one threshold, the standard deviation that its
+  // underlying variable was divided by about it; 1 for the others. False when the sums are not
+  // positive definite.
+  bool Draw(const AugmentationSums& sums, CRandomStream& random, AugmentationModel& model,
+            Eigen::VectorXd& rescaled);
+
+ private:
+  void DrawWishart(double df, CRandomStream& random);
+  void Rescale(AugmentationModel& model, Eigen::VectorXd& rescaled);
+
+  const CAugmentationSample& sample_;
+  Eigen::VectorXd average_, normal_, deviation_;
+  Eigen::MatrixXd squares_, root_, wishart_, a_, b_;
+  Eigen::LLT<Eigen::MatrixXd> factor_;
+};
 
 // Draws the missing values of the cases of a block, and the underlying variables of ordinal ones,
 // and adds up what the model needs of the cases beyond the sample's fixed sums.
@@ -41,23 +59,32 @@ class CAugmentationBlock {
   const AugmentationSums& Sums() const { return sums_; }
 
  private:
-  void Condition(const AugmentationModel& model, const CAugmentationSample::Pattern& pattern);
-  void DrawNormal(const CAugmentationSample::Segment& segment, CRandomStream& random,
-                  double* imputed);
-  void DrawUnderlying(const AugmentationModel& model, const CAugmentationSample::Segment& segment,
-                      CRandomStream& random, double* state, double* imputed);
+  // Of a pattern: missing = constant + slopes observed + noise * (normal numbers).
+  struct Conditional {
+    MatrixView slopes, noise;
+    VectorView constant;
+  };
+  Conditional Condition(const AugmentationModel& model,
+                        const CAugmentationSample::Pattern& pattern);
+  void DrawNormal(const Conditional& given, const CAugmentationSample::Segment& segment,
+                  CRandomStream& random, double* imputed);
+  void AddDrawn(const CAugmentationSample::Segment& segment, const MatrixView& observed,
+                const MatrixView& missing);
+  void DrawUnderlying(const AugmentationModel& model, const Conditional& given,
+                      const CAugmentationSample::Segment& segment, CRandomStream& random,
+                      double* state, double* imputed);
   void AddStates(const double* state);
 
   const CAugmentationSample& sample_;
   const CAugmentationSample::Block block_;
   AugmentationSums sums_;
-  // Of the segment's pattern: missing = constant + slopes observed + noise * (normal numbers).
-  Eigen::VectorXd constant_;
-  Eigen::MatrixXd slopes_, noise_;
-  // Working space: observed, missing values and random numbers of a segment, a column a case.
-  Eigen::MatrixXd observed_, missing_, random_;
-  Eigen::MatrixXd cross_, own_;  // of the pattern
-  Eigen::VectorXd total_, deviation_, given_, drawn_;
+  // What a pattern takes: nothing is allocated once the largest one has been there.
+  CMatrixRoom slopes_, noise_, constant_, inverse_, expected_;
+  // Observed, missing values and random numbers of a segment, a column a case.
+  CMatrixRoom observed_, missing_, random_, noised_;
+  CMatrixRoom cross_, own_, total_;
+  Eigen::VectorXd deviation_;
+  Eigen::MatrixXd weighted_;
 };
 
 }  // namespace stats
