@@ -77,6 +77,8 @@ class CSqlReader final : public CFileReader {
   }
   std::string NameAtHand() { return TextForDisplay(decoder_.Decode(lexer_.Text())); }
   bool ReadName(std::string* out);
+  bool ReadNameAtHand(std::string* out);
+  bool ReadTarget(std::string* out);
   bool ReadTable();
   bool ReadColumn(TABLE* table, bool* more);
   bool FindRows(bool* found);
@@ -84,6 +86,7 @@ class CSqlReader final : public CFileReader {
   bool ReadRow();
   bool ReadValue(SQL_VALUE* value);
   bool ReadSpecialValue(SQL_VALUE* value);
+  bool ReadCast(SQL_VALUE* value);
   void PutRow(CBlockFiller* out);
   void PutValue(const VARIABLE& variable, const SQL_VALUE& value, CBlockFiller* out);
 
@@ -94,6 +97,7 @@ class CSqlReader final : public CFileReader {
   std::size_t table_ = 0;
   std::unordered_map<std::string, std::size_t> columns_;  // of the table, in upper case
   bool inRows_ = false;
+  bool atHand_ = false;  // is the token behind a statement's last row still to be looked at?
   std::vector<std::size_t> order_;  // the table's column of each value of a row
   std::vector<SQL_VALUE> values_;   // by the table's columns
   std::int64_t unreadable_ = 0;
@@ -101,19 +105,42 @@ class CSqlReader final : public CFileReader {
 
 // A name whose parts stand between dots: the last one counts.
 bool CSqlReader::ReadName(std::string* out) {
+  lexer_.Next();
+  return ReadNameAtHand(out);
+}
+
+bool CSqlReader::ReadNameAtHand(std::string* out) {
   for (;;) {
-    const SQL_TOKEN kind = lexer_.Next();
+    const SQL_TOKEN kind = lexer_.Kind();
     if (kind != SQL_TOKEN::Name && kind != SQL_TOKEN::Word) return FailLine("a name is expected");
     *out = NameAtHand();
     lexer_.Next();
     if (!lexer_.Is(".")) return true;
+    lexer_.Next();
   }
+}
+
+// The table of an INSERT statement: INTO may be left out, words between say what to do with
+// doubles.
+bool CSqlReader::ReadTarget(std::string* out) {
+  constexpr std::string_view kBetween[] = {"OR",    "IGNORE",       "REPLACE", "ROLLBACK",
+                                           "ABORT", "LOW_PRIORITY", "FAIL",    "DELAYED"};
+  lexer_.Next();
+  const auto between = [this](std::string_view word) { return lexer_.Is(word); };
+  while (std::any_of(std::begin(kBetween), std::end(kBetween), between)) lexer_.Next();
+  if (lexer_.Is("INTO")) lexer_.Next();
+  return ReadNameAtHand(out);
 }
 
 bool CSqlReader::LookInside() {
   decoder_.SetEncoding(Options().encoding.c_str());
+  bool begins = true;  // a statement
   for (SQL_TOKEN kind = lexer_.Next(); kind != SQL_TOKEN::End; kind = lexer_.Next()) {
     if (kind == SQL_TOKEN::Damaged) return FailLine("a quote or comment does not end");
+    if (begins && lexer_.Is("COPY")) {
+      return FailLine("rows behind COPY are not read; please have the script written with INSERT");
+    }
+    begins = lexer_.Is(";");
     if (!lexer_.Is("CREATE")) continue;
     lexer_.Next();
     if (lexer_.Is("TABLE") && !ReadTable()) return false;
@@ -221,13 +248,15 @@ bool CSqlReader::ReadOrder() {
 bool CSqlReader::FindRows(bool* found) {
   const TABLE& table = tables_[table_];
   *found = false;
-  for (SQL_TOKEN kind = lexer_.Next(); kind != SQL_TOKEN::End; kind = lexer_.Next()) {
+  bool begins = true;  // a statement
+  for (SQL_TOKEN kind = atHand_ ? lexer_.Kind() : lexer_.Next(); kind != SQL_TOKEN::End;
+       kind = lexer_.Next()) {
     if (kind == SQL_TOKEN::Damaged) return FailLine("a quote or comment does not end");
-    if (!lexer_.Is("INSERT")) continue;
+    const bool replaces = lexer_.Is("REPLACE") && begins;
+    begins = lexer_.Is(";");
+    if (!lexer_.Is("INSERT") && !replaces) continue;
     std::string name;
-    lexer_.Next();
-    if (!lexer_.Is("INTO")) continue;
-    if (!ReadName(&name)) return false;
+    if (!ReadTarget(&name)) return false;
     if (!EqualIgnoringCase(name, table.name)) continue;
     if (!ReadOrder()) return false;
     if (!lexer_.Is("VALUES")) return FailLine("VALUES is expected");
@@ -283,6 +312,8 @@ bool CSqlReader::ReadSpecialValue(SQL_VALUE* value) {
   } else if (date && lexer_.Next() == SQL_TOKEN::Text) {
     value->isText = true;
     value->text = lexer_.Text();
+  } else if (lexer_.Is("CAST")) {
+    return ReadCast(value);
   } else if (lexer_.Is("DATETIME")) {
     lexer_.Next();
     value->isText = true;
@@ -298,6 +329,22 @@ bool CSqlReader::ReadSpecialValue(SQL_VALUE* value) {
   return true;
 }
 
+// CAST(value AS type), whose column tells the type again.
+bool CSqlReader::ReadCast(SQL_VALUE* value) {
+  lexer_.Next();
+  if (!lexer_.Is("(")) return FailLine("a parenthesis is expected behind CAST");
+  lexer_.Next();
+  if (lexer_.Is("CAST") || !ReadValue(value)) return FailLine("a value is expected behind CAST");
+  if (!lexer_.Is("AS")) return FailLine("AS is expected within CAST");
+  for (int depth = 1; depth > 0;) {
+    const SQL_TOKEN kind = lexer_.Next();
+    if (kind == SQL_TOKEN::End || kind == SQL_TOKEN::Damaged) return FailLine("CAST does not end");
+    depth += lexer_.Is("(") ? 1 : lexer_.Is(")") ? -1 : 0;
+  }
+  lexer_.Next();
+  return true;
+}
+
 void CSqlReader::FillBlock(CBlockFiller* out) {
   while (!out->Full()) {
     if (!inRows_ && !FindRows(&inRows_)) return;
@@ -305,6 +352,7 @@ void CSqlReader::FillBlock(CBlockFiller* out) {
     if (!ReadRow()) return;
     PutRow(out);
     inRows_ = lexer_.Is(",");
+    atHand_ = !inRows_;
     if (inRows_) lexer_.Next();
   }
 }

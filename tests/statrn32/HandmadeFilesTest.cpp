@@ -72,6 +72,14 @@ TEST_F(HandmadeFiles, ReadAsTheirWritersMeantThem) {
        "CREATE TABLE `t` (`a` INT, `b` INT, `c` INT);\n"
        "INSERT INTO t (C, `A`) VALUES (3, 1);\nINSERT INTO t (b) VALUES (2);",
        {"a|b|c", "1|.|3", ".|2|."}},
+      // Nothing need stand between statements, INTO may be left out, a word may stand before it; a
+      // value may say its type.
+      {kSqlScript,
+       "CREATE TABLE [dbo].[t] ([a] [int] NOT NULL, [d] [date] NULL)\nGO\n"
+       "INSERT [dbo].[t] ([a], [d]) VALUES (CAST(1.5 AS Decimal(18, 2)), CAST(N'1900-01-01' AS "
+       "Date))\n"
+       "INSERT IGNORE INTO t VALUES (2, NULL);\nREPLACE INTO t VALUES (3, NULL);\n",
+       {"a|d", "1.5|1", "2|.", "3|."}},
       // Names in the order in which they come; lists and objects are no values.
       {kJsonLines,
        "{\"z\":1,\"a\":\"x\",\"list\":[1,{\"z\":5}]}\n\n{\"a\":\"y\",\"z\":true,\"new\":2.5}\n",
@@ -167,6 +175,7 @@ TEST_F(HandmadeFiles, ProgramsThatAreNotUnderstoodAreRefusedByName) {
        "D",
        "UTF-16"},
       {kJsonLines, "[{\"a\":1}]\n", "an object on a line of its own"},
+      {kSqlScript, "CREATE TABLE t (a INT);\nCOPY t FROM stdin;\n1\n", "line 2: rows behind COPY"},
       {kDump, "x <-\nstructure(list(a = 1))\n", "oldStyle = T"},
   };
   for (const auto& [type, bytes, message] : cases) {
