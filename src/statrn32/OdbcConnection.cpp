@@ -25,6 +25,16 @@ std::string Braced(std::string_view value) {
   return text + "}";
 }
 
+// What is asked of drivers where the file does not say otherwise: rows as they are needed, not the
+// whole table in memory, and truth values as numbers.
+constexpr struct {
+  const char* driver;  // a part of its name
+  const char* key;
+  const char* value;
+} kHabits[] = {{"PostgreSQL", "UseDeclareFetch", "1"},
+               {"PostgreSQL", "Fetch", "1000"},
+               {"PostgreSQL", "BoolsAsChar", "0"}};
+
 }  // namespace
 
 std::vector<SQLWCHAR> WideOf(std::string_view utf8) {
@@ -77,9 +87,28 @@ bool COdbcConnection::ReadFile(const std::string& file, std::string* connection)
       return Fail("line " + std::to_string(lines.Number()) + ": " + key +
                   " would load a library; please name an installed ODBC driver");
     }
-    *connection += key + "=" + (EqualIgnoringCase(key, "DRIVER") ? Braced(value) : value) + ";";
+    AddKey(key, value, connection);
   }
+  if (!connection->empty()) AddHabits(connection);
   return !connection->empty() || Fail("there are no keys in its section [ODBC]");
+}
+
+void COdbcConnection::AddKey(std::string_view key, const std::string& value,
+                             std::string* connection) {
+  const bool driver = EqualIgnoringCase(key, "DRIVER");
+  if (driver) driver_ = value;
+  keys_.emplace_back(key);
+  connection->append(key).append("=").append(driver ? Braced(value) : value).append(";");
+}
+
+void COdbcConnection::AddHabits(std::string* connection) {
+  for (const auto& habit : kHabits) {
+    const bool there = std::any_of(keys_.begin(), keys_.end(), [&](const std::string& key) {
+      return EqualIgnoringCase(key, habit.key);
+    });
+    if (there || driver_.find(habit.driver) == std::string::npos) continue;
+    AddKey(habit.key, habit.value, connection);
+  }
 }
 
 bool COdbcConnection::Open(const std::string& file, const std::string& password) {
@@ -106,7 +135,25 @@ bool COdbcConnection::Open(const std::string& file, const std::string& password)
                                   connection.size(), std::numeric_limits<SQLSMALLINT>::max())),
                               nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   connected_ = Succeeded(result);
-  return connected_ || FailHandle(SQL_HANDLE_DBC, connection_.Get());
+  if (!connected_) return FailHandle(SQL_HANDLE_DBC, connection_.Get());
+  FindDialect();
+  return true;
+}
+
+std::string COdbcConnection::Info(SQLUSMALLINT which) const {
+  char text[128] = {};
+  SQLSMALLINT length = 0;
+  const bool told =
+      Succeeded(library_->getInfo(connection_.Get(), which, text, sizeof text - 1, &length));
+  return told ? text : "";
+}
+
+// A blank for the mark says that names stand without any.
+void COdbcConnection::FindDialect() {
+  dialect_ = SqlDialectOf(Info(SQL_DBMS_NAME));
+  const std::string mark = Info(SQL_IDENTIFIER_QUOTE_CHAR);
+  if (mark.empty()) return;
+  dialect_.openName = dialect_.closeName = mark[0] == ' ' ? '\0' : mark[0];
 }
 
 void COdbcConnection::Close() {
@@ -170,13 +217,22 @@ bool COdbcConnection::Commit() {
   return done || FailHandle(SQL_HANDLE_DBC, connection_.Get());
 }
 
-// The third column of the list is the table's name.
+// Those of the database that is connected to; some drivers know the tables of all databases of the
+// server, others do not know the name of the one.
 bool COdbcConnection::ListTables(std::vector<std::string>* names) {
+  const std::string database = Info(SQL_DATABASE_NAME);
+  if (!database.empty() && !ListTables(database, names)) return false;
+  return !names->empty() || ListTables("", names);
+}
+
+// The third column of the list is the table's name.
+bool COdbcConnection::ListTables(std::string database, std::vector<std::string>* names) {
   constexpr SQLUSMALLINT kNameColumn = 3;
   constexpr std::size_t kMostTables = 10000;
   char kind[] = "TABLE";
   if (!NewStatement()) return false;
-  if (!Succeeded(library_->tables(statement_.Get(), nullptr, 0, nullptr, 0, nullptr, 0,
+  auto* const catalog = database.empty() ? nullptr : reinterpret_cast<SQLCHAR*>(database.data());
+  if (!Succeeded(library_->tables(statement_.Get(), catalog, SQL_NTS, nullptr, 0, nullptr, 0,
                                   reinterpret_cast<SQLCHAR*>(kind), SQL_NTS))) {
     return FailStatement();
   }

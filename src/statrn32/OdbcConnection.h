@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "statrn32/OdbcLibrary.h"
+#include "statrn32/SqlDialect.h"
 
 namespace statrn32 {
 
@@ -48,6 +49,9 @@ class COdbcConnection {
   const std::string& TableName() const { return table_; }  // of the file; may be empty
   bool ListTables(std::vector<std::string>* names);
 
+  // How the database that answers writes SQL, whatever the file's extension says.
+  const SQL_DIALECT& Dialect() const { return dialect_; }
+
   // Statements: UTF-8. One at a time.
   bool Execute(const std::string& sql);
   bool Prepare(const std::string& sql);
@@ -66,6 +70,11 @@ class COdbcConnection {
 
  private:
   bool ReadFile(const std::string& file, std::string* connection);
+  void AddKey(std::string_view key, const std::string& value, std::string* connection);
+  void AddHabits(std::string* connection);
+  std::string Info(SQLUSMALLINT which) const;
+  void FindDialect();
+  bool ListTables(std::string database, std::vector<std::string>* names);
   bool NewStatement();
   bool FailHandle(SQLSMALLINT kind, SQLHANDLE handle);
   bool Fail(std::string error) {
@@ -81,6 +90,9 @@ class COdbcConnection {
   bool transaction_ = false;
   bool refused_ = false;
   std::string table_;
+  std::string driver_;
+  std::vector<std::string> keys_;  // that the file has
+  SQL_DIALECT dialect_{};
   std::string error_;
 };
 

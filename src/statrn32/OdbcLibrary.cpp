@@ -27,7 +27,8 @@ bool FindAll(void* library, ODBC_LIBRARY* out) {
          Find(library, "SQLDescribeColW", &out->describeColW) &&
          Find(library, "SQLBindParameter", &out->bindParameter) &&
          Find(library, "SQLTables", &out->tables) &&
-         Find(library, "SQLGetDiagRecW", &out->getDiagRecW);
+         Find(library, "SQLGetDiagRecW", &out->getDiagRecW) &&
+         Find(library, "SQLGetInfo", &out->getInfo);
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ struct ODBC_LIBRARY {
   decltype(&SQLBindParameter) bindParameter = nullptr;
   decltype(&SQLTables) tables = nullptr;
   decltype(&SQLGetDiagRecW) getDiagRecW = nullptr;
+  decltype(&SQLGetInfo) getInfo = nullptr;
 };
 
 // Null with the reason in `error` when it is not installed.

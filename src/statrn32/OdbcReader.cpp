@@ -5,7 +5,6 @@
 #include "statrn32/FileReader.h"
 #include "statrn32/OdbcConnection.h"
 #include "statrn32/OdbcFiles.h"
-#include "statrn32/SqlDialect.h"
 #include "statrn32/TableChoice.h"
 #include "statrn32/Utf16.h"
 
@@ -19,11 +18,12 @@ bool Succeeded(SQLRETURN result) {
   return result == SQL_SUCCESS || result == SQL_SUCCESS_WITH_INFO;
 }
 
-enum class COLUMN_KIND : std::uint8_t { None, Number, Text, Date, Moment, Time };
+enum class COLUMN_KIND : std::uint8_t { None, Bit, Number, Text, Date, Moment, Time };
 
 COLUMN_KIND KindOfType(SQLSMALLINT type) {
   switch (type) {
     case SQL_BIT:
+      return COLUMN_KIND::Bit;
     case SQL_TINYINT:
     case SQL_SMALLINT:
     case SQL_INTEGER:
@@ -55,7 +55,7 @@ COLUMN_KIND KindOfType(SQLSMALLINT type) {
 
 class COdbcReader final : public CFileReader {
  public:
-  explicit COdbcReader(std::int32_t code) : CFileReader(code), dialect_(*FindSqlDialect(code)) {}
+  explicit COdbcReader(std::int32_t code) : CFileReader(code) {}
 
   bool LookInside() override;
   bool ReadHeader(DICTIONARY* out) override;
@@ -75,7 +75,6 @@ class COdbcReader final : public CFileReader {
   bool FillText(const COLUMN& column, CBlockFiller* out);
   bool Get(const COLUMN& column, SQLSMALLINT type, void* value, std::size_t bytes, bool* there);
 
-  const SQL_DIALECT& dialect_;
   COdbcConnection connection_;
   std::vector<std::string> tables_;
   std::size_t chosen_ = 0;
@@ -100,7 +99,7 @@ bool COdbcReader::ReadHeader(DICTIONARY* out) {
   const std::string& wanted = Options().table;
   chosen_ = ChooseTable(tables_, wanted);
   std::string sql = "SELECT * FROM ";
-  AppendSqlPath(dialect_, chosen_ < tables_.size() ? tables_[chosen_] : wanted, &sql);
+  AppendSqlPath(connection_.Dialect(), chosen_ < tables_.size() ? tables_[chosen_] : wanted, &sql);
   if (!connection_.Execute(sql)) return FailDriver();
   SQLSMALLINT columns = 0;
   if (!Succeeded(connection_.Library().numResultCols(connection_.Statement(), &columns))) {
@@ -135,7 +134,7 @@ bool COdbcReader::DescribeColumn(SQLUSMALLINT number, DICTIONARY* out) {
     return true;
   }
   const bool text = column.kind == COLUMN_KIND::Text;
-  const bool isNumber = column.kind == COLUMN_KIND::Number;
+  const bool isNumber = column.kind == COLUMN_KIND::Number || column.kind == COLUMN_KIND::Bit;
   variable.type = text ? ST_TYPE_STRING : isNumber ? ST_TYPE_NUMERIC : ST_TYPE_DATE;
   variable.width = text ? static_cast<int>(std::min(size, kMostWidth)) : kNumberWidth;
   const bool fraction = type == SQL_REAL || type == SQL_FLOAT || type == SQL_DOUBLE;
@@ -183,6 +182,10 @@ bool COdbcReader::FillValue(const COLUMN& column, CBlockFiller* out) {
   double number = 0;
   if (column.kind == COLUMN_KIND::Number) {
     if (!Get(column, SQL_C_DOUBLE, &number, sizeof number, &there)) return false;
+  } else if (column.kind == COLUMN_KIND::Bit) {  // not every driver makes a double of it
+    unsigned char bit = 0;
+    if (!Get(column, SQL_C_BIT, &bit, sizeof bit, &there)) return false;
+    number = bit;
   } else if (column.kind == COLUMN_KIND::Time) {
     SQL_TIME_STRUCT time{};
     if (!Get(column, SQL_C_TYPE_TIME, &time, sizeof time, &there)) return false;

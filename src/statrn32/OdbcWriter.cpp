@@ -5,7 +5,6 @@
 #include "statrn32/FileWriter.h"
 #include "statrn32/OdbcConnection.h"
 #include "statrn32/OdbcFiles.h"
-#include "statrn32/SqlDialect.h"
 
 namespace statrn32 {
 namespace {
@@ -16,7 +15,7 @@ bool Succeeded(SQLRETURN result) {
 
 class COdbcWriter final : public CFileWriter {
  public:
-  explicit COdbcWriter(std::int32_t code) : CFileWriter(code), dialect_(*FindSqlDialect(code)) {}
+  explicit COdbcWriter(std::int32_t code) : CFileWriter(code) {}
 
  protected:
   bool Create() override;
@@ -39,7 +38,6 @@ class COdbcWriter final : public CFileWriter {
   bool MakeTable();
   bool Bind(SQLUSMALLINT number, const VARIABLE& variable, PARAMETER* parameter);
 
-  const SQL_DIALECT& dialect_;
   COdbcConnection connection_;
   std::string table_;
   std::vector<PARAMETER> parameters_;
@@ -50,7 +48,7 @@ bool COdbcWriter::Create() {
   std::string name = connection_.TableName();
   if (name.empty()) name = Dictionary().tableName;
   if (name.empty()) return FailFile("the connection file names no table: [TABLE] NAME=...");
-  AppendSqlPath(dialect_, name, &table_);
+  AppendSqlPath(connection_.Dialect(), name, &table_);
   return true;
 }
 
@@ -62,7 +60,7 @@ bool COdbcWriter::PutHeader() {
   std::string places;
   for (const VARIABLE& variable : Variables()) {
     if (!names.empty()) names += ", ";
-    AppendSqlName(dialect_, variable.name, &names);
+    AppendSqlName(connection_.Dialect(), variable.name, &names);
     places += places.empty() ? "?" : ",?";
   }
   if (!connection_.Prepare("INSERT INTO " + table_ + " (" + names + ") VALUES (" + places + ")")) {
@@ -77,8 +75,8 @@ bool COdbcWriter::MakeTable() {
   std::string sql = "CREATE TABLE " + table_ + " (";
   for (std::size_t i = 0; i < Variables().size(); ++i) {
     if (i > 0) sql += ", ";
-    AppendSqlName(dialect_, Variables()[i].name, &sql);
-    sql += " " + SqlTypeOf(dialect_, Variables()[i]);
+    AppendSqlName(connection_.Dialect(), Variables()[i].name, &sql);
+    sql += " " + SqlTypeOf(connection_.Dialect(), Variables()[i]);
   }
   return connection_.Execute(sql + ")") || FailDriver();
 }

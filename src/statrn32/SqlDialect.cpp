@@ -29,6 +29,13 @@ constexpr SQL_DIALECT kDialects[] = {
     {44, "DOUBLE", "VARCHAR(%zu)", 32672, "CLOB(%zu)", '"', '"', "'", ";\n", 1000, "", &kSqlNames},
 };
 
+constexpr std::int32_t kStandard = 25;  // the types of this row are known nearly everywhere
+
+constexpr struct {
+  const char* part;  // of a product's name
+  std::int32_t code;
+} kProducts[] = {{"Microsoft SQL Server", 28}, {"Oracle", 42}, {"DB2", 44}, {"Informix", 27}};
+
 }  // namespace
 
 constexpr NAME_RULES kSqlNames = {128, "_", "_ ", false, false, false, {}};
@@ -43,6 +50,13 @@ const SQL_DIALECT* FindSqlDialect(std::int32_t code) {
       std::find_if(std::begin(kDialects), std::end(kDialects),
                    [code](const SQL_DIALECT& dialect) { return dialect.code == code; });
   return found != std::end(kDialects) ? found : nullptr;
+}
+
+const SQL_DIALECT& SqlDialectOf(std::string_view product) {
+  for (const auto& row : kProducts) {
+    if (product.find(row.part) != std::string_view::npos) return *FindSqlDialect(row.code);
+  }
+  return *FindSqlDialect(kStandard);
 }
 
 void AppendSqlName(const SQL_DIALECT& dialect, std::string_view name, std::string* out) {

@@ -28,6 +28,9 @@ struct SQL_DIALECT {
 
 // Null for a code that is no database.
 const SQL_DIALECT* FindSqlDialect(std::int32_t code);
+// That of a database by the name that it gives itself; for one that has no row in the list, types
+// that the standard knows.
+const SQL_DIALECT& SqlDialectOf(std::string_view product);
 
 // Appends a name with the marks of the dialect, a text with its quotes.
 void AppendSqlName(const SQL_DIALECT& dialect, std::string_view name, std::string* out);
