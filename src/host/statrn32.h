@@ -103,13 +103,14 @@ const char* ST_GetNote(ST_ENV* env, int index);
 // (counted from 0) and how types are told (2: from all rows).
 int ST_SetWksNameRow(ST_ENV* env, int row);
 int ST_SetWksReadMode(ST_ENV* env, int mode);
-// The encoding, as iconv knows it, of a file that does not name its own; and the sheet, member or
-// table that is wanted of a file with several. Both for the next ST_OpenInputFile; empty: the
-// reader's choice.
+// The encoding, as iconv knows it, of a file that does not name its own (one that is not known
+// fails); and the sheet, member or table that is wanted of a file with several. Both for the next
+// ST_OpenInputFile; empty: the reader's choice.
 int ST_SetInputEncoding(ST_ENV* env, const char* encoding);
 int ST_SetInputTable(ST_ENV* env, const char* table);
-// Does the file not name its encoding, and do the texts read so far depend on it?
-bool ST_EncodingGuessed(ST_FILE* file);
+// Where the file does not name its encoding and the texts read so far depend on it: the one that
+// was taken, valid until the next call. Else empty; never null.
+const char* ST_GetGuessedEncoding(ST_FILE* file);
 // Does the file lead to a table of a database, which may ask for a password? Such a file is never
 // written to: what is exported to it goes into the database.
 bool ST_LeadsToDatabase(const char* name);

@@ -35,6 +35,8 @@ constexpr bool kQuiet = true;
 constexpr bool kQuiet = true;
 #endif
 
+bool isChild = false;
+
 // The address space that this process takes now.
 std::int64_t MemoryNow() {
   long pages = 0;
@@ -73,6 +75,7 @@ int Isolate(int pipe) {
 
 [[noreturn]] void RunChild(const std::function<void(CPipeWriter*)>& work, int pipe,
                            std::int64_t memory, int seconds) {
+  isChild = true;
   CPipeWriter out(Isolate(pipe));
   Limit(RLIMIT_CORE, 0);
   Limit(RLIMIT_CPU, static_cast<rlim_t>(seconds));
@@ -110,6 +113,10 @@ bool CPipeWriter::Write(const void* data, std::size_t size) {
     size -= static_cast<std::size_t>(done);
   }
   return true;
+}
+
+bool CChildProcess::IsChild() {
+  return isChild;
 }
 
 bool CChildProcess::Start(const std::function<void(CPipeWriter*)>& work, std::int64_t memory,

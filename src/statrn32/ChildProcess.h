@@ -25,6 +25,9 @@ class CPipeWriter {
 // thread. The copy is ended with the object.
 class CChildProcess {
  public:
+  // Is this process such a copy? Then it needs none of its own.
+  static bool IsChild();
+
   CChildProcess() = default;
   ~CChildProcess() { End(); }
   CChildProcess(const CChildProcess&) = delete;

@@ -64,7 +64,7 @@ void PutLabels(const LABEL_SET& set, CMessage* out) {
 bool SendDictionary(const CReader& reader, const DICTIONARY& dictionary, CPipeWriter* out) {
   CMessage message;
   message.Put(reader.Error()).Put(static_cast<std::uint8_t>(reader.NamesFound()));
-  message.Put(static_cast<std::uint8_t>(reader.EncodingGuessed()));
+  message.Put(reader.GuessedEncoding());
   message.Put(reader.EpochDay()).Put(dictionary.cases);
   for (const std::int32_t display : kDisplays) {
     message.Put(static_cast<std::uint8_t>(reader.DateKindOf(display)));
@@ -80,7 +80,7 @@ bool SendBlock(const CReader& reader, const RECORD_BLOCK& block, std::size_t var
                CPipeWriter* out) {
   const std::size_t values = block.records * variables;
   CMessage message;
-  message.Put<std::uint8_t>(1).Put(static_cast<std::uint8_t>(reader.EncodingGuessed()));
+  message.Put<std::uint8_t>(1).Put(reader.GuessedEncoding());
   message.Put(reader.Progress()).Put<std::uint64_t>(block.records);
   message.Put<std::uint64_t>(block.texts.size());
   return message.Send(out) && out->Write(block.cells.data(), values * sizeof(CELL)) &&
@@ -118,6 +118,11 @@ bool CChildReader::Open(const std::string& name) {
   constexpr int kSeconds = 15;
   constexpr std::int64_t kBytesPerSecond = 1 << 20;
   name_ = name;
+  if (CChildProcess::IsChild()) {
+    here_ = factory_();
+    here_->SetOptions(Options());
+    return DoneHere(here_->Open(name));
+  }
   const std::int64_t size = SizeOf(name);
   const bool started =
       child_.Start([this](CPipeWriter* out) { Work(out); }, kMemory + size * kMemoryPerByte,
@@ -198,12 +203,13 @@ bool CChildReader::ReceiveLabels(LABEL_SET* set) {
 }
 
 bool CChildReader::ReadDictionary(DICTIONARY* out) {
+  if (here_) return DoneHere(here_->ReadDictionary(out));
   std::string error;
   if (!ReceiveText(&error)) return false;
   if (!error.empty()) return Fail(error);
   std::uint64_t sets = 0;
   std::uint64_t variables = 0;
-  if (!ReceiveFlag(&namesFound_) || !ReceiveFlag(&encodingGuessed_) ||
+  if (!ReceiveFlag(&namesFound_) || !ReceiveText(&guessedEncoding_) ||
       !Receive(&epochDay_, sizeof epochDay_) || !Receive(&out->cases, sizeof out->cases) ||
       !Receive(dateKinds_.data(), dateKinds_.size()) || !Receive(&sets, sizeof sets)) {
     return false;
@@ -223,6 +229,11 @@ bool CChildReader::ReadDictionary(DICTIONARY* out) {
 }
 
 const RECORD_BLOCK* CChildReader::NextBlock() {
+  if (here_) {
+    const RECORD_BLOCK* const block = here_->NextBlock();
+    DoneHere(here_->Error().empty());
+    return block;
+  }
   bool more = false;
   if (!ReceiveFlag(&more)) return nullptr;
   if (more) return ReceiveBlock() ? &block_ : nullptr;
@@ -236,7 +247,7 @@ const RECORD_BLOCK* CChildReader::NextBlock() {
 bool CChildReader::ReceiveBlock() {
   std::uint64_t records = 0;
   std::uint64_t texts = 0;
-  if (!ReceiveFlag(&encodingGuessed_) || !Receive(&progress_, sizeof progress_) ||
+  if (!ReceiveText(&guessedEncoding_) || !Receive(&progress_, sizeof progress_) ||
       !Receive(&records, sizeof records) || !Receive(&texts, sizeof texts)) {
     return false;
   }
@@ -265,6 +276,7 @@ bool CChildReader::CheckTexts() {
 }
 
 DATE_KIND CChildReader::DateKindOf(std::int32_t display) const {
+  if (here_) return here_->DateKindOf(display);
   for (std::size_t i = 0; i < dateKinds_.size(); ++i) {
     if (display == kDisplays[i]) return static_cast<DATE_KIND>(dateKinds_[i]);
   }

@@ -12,7 +12,8 @@ namespace statrn32 {
 
 // What stands in the child is a reader like any other; this one asks it. A fault there, a loop
 // without end or memory out of all proportion to the file becomes an error here. The child works
-// ahead as far as a pipe holds, so memory stays as bounded as the reader's own.
+// ahead as far as a pipe holds, so memory stays as bounded as the reader's own. In such a child
+// itself the reader works in place.
 class CChildReader final : public CReader {
  public:
   using FACTORY = std::function<std::unique_ptr<CReader>()>;
@@ -21,12 +22,14 @@ class CChildReader final : public CReader {
   bool Open(const std::string& name) override;
   bool ReadDictionary(DICTIONARY* out) override;
   const RECORD_BLOCK* NextBlock() override;
-  std::vector<std::string> Tables() const override { return tables_; }
-  bool NamesFound() const override { return namesFound_; }
-  bool EncodingGuessed() const override { return encodingGuessed_; }
-  std::vector<std::string> Notes() const override { return notes_; }
-  double Progress() const override { return progress_; }
-  std::int64_t EpochDay() const override { return epochDay_; }
+  std::vector<std::string> Tables() const override { return here_ ? here_->Tables() : tables_; }
+  bool NamesFound() const override { return here_ ? here_->NamesFound() : namesFound_; }
+  std::string GuessedEncoding() const override {
+    return here_ ? here_->GuessedEncoding() : guessedEncoding_;
+  }
+  std::vector<std::string> Notes() const override { return here_ ? here_->Notes() : notes_; }
+  double Progress() const override { return here_ ? here_->Progress() : progress_; }
+  std::int64_t EpochDay() const override { return here_ ? here_->EpochDay() : epochDay_; }
   DATE_KIND DateKindOf(std::int32_t display) const override;
 
  private:
@@ -40,15 +43,17 @@ class CChildReader final : public CReader {
   bool ReceiveFlag(bool* flag);
   bool ReceiveBlock();
   bool CheckTexts();
+  bool DoneHere(bool done) { return done || Fail(here_->Error()); }
   bool FailFile(const std::string& what) { return Fail(name_ + ": " + what); }
 
   FACTORY factory_;
+  std::unique_ptr<CReader> here_;  // works in place
   std::string name_;
   CChildProcess child_;
   std::vector<std::string> tables_;
   std::vector<std::string> notes_;
   bool namesFound_ = false;
-  bool encodingGuessed_ = false;
+  std::string guessedEncoding_;
   double progress_ = -1;
   std::int64_t epochDay_ = 0;
   std::array<std::uint8_t, 3> dateKinds_{};

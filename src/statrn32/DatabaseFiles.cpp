@@ -28,7 +28,7 @@ class CDatabaseReader final : public CReader {
     return Done(reader_->Open(name));
   }
   bool ReadDictionary(DICTIONARY* out) override { return Done(reader_->ReadDictionary(out)); }
-  bool EncodingGuessed() const override { return reader_->EncodingGuessed(); }
+  std::string GuessedEncoding() const override { return reader_->GuessedEncoding(); }
   const RECORD_BLOCK* NextBlock() override {
     const RECORD_BLOCK* const block = reader_->NextBlock();
     Done(reader_->Error().empty());

@@ -61,7 +61,7 @@ class CDbfReader final : public CFileReader {
 
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
   std::vector<std::string> Notes() const override;
 
  private:

@@ -27,7 +27,7 @@ class CDumpReader final : public CFileReader {
 
   std::vector<std::string> Tables() const override;
   std::vector<std::string> Notes() const override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
 
  protected:
   bool LookInside() override;

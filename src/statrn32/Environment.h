@@ -29,6 +29,7 @@ struct ST_FILE {
   };
   std::vector<COLUMN> columns;
   std::vector<std::string> tables;
+  std::string guessedEncoding;
 
   // Of an output file.
   std::unique_ptr<statrn32::CWriter> writer;

@@ -79,7 +79,7 @@ class CEpiReader final : public CFileReader {
  public:
   CEpiReader() : CFileReader(32), lines_(&Input()) {}
 
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
   std::vector<std::string> Notes() const override;
 
  protected:

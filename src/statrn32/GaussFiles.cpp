@@ -27,7 +27,7 @@ class CGaussReader final : public CFileReader {
  public:
   CGaussReader() : CFileReader(9) {}
 
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
 
  protected:
   bool ReadHeader(DICTIONARY* out) override;

@@ -146,7 +146,7 @@ class CHtmlWorkbook final : public CWorkbook {
   std::vector<std::string> Sheets() const override { return names_; }
   std::size_t Preferred() const override { return preferred_; }
   bool Load(std::size_t sheet, CSheet* out) override;
-  bool EncodingGuessed() const override { return guessed_; }
+  std::string GuessedEncoding() const override { return guessedEncoding_; }
 
  private:
   void Decode(const std::string& chosen, std::string* page);
@@ -156,7 +156,7 @@ class CHtmlWorkbook final : public CWorkbook {
   std::vector<xmlNode*> tables_;
   std::vector<std::string> names_;
   std::size_t preferred_ = 0;
-  bool guessed_ = false;
+  std::string guessedEncoding_;
 };
 
 bool CHtmlWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
@@ -185,7 +185,7 @@ void CHtmlWorkbook::Decode(const std::string& chosen, std::string* page) {
   decoder.SetEncoding(encoding.c_str());
   std::string text;
   decoder.AppendWhole(*page, &text);
-  guessed_ = decoder.Guessed();
+  guessedEncoding_ = decoder.GuessedEncoding();
   *page = text.substr(text.compare(0, kMark.size(), kMark) == 0 ? kMark.size() : 0);
 }
 

@@ -45,7 +45,7 @@ class CJmpReader final : public CFileReader {
 
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
   std::vector<std::string> Notes() const override;
   double Progress() const override {
     return table_.rows > 0 ? static_cast<double>(row_) / static_cast<double>(table_.rows) : 1;

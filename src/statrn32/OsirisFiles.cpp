@@ -68,7 +68,7 @@ class COsirisReader final : public CFileReader {
   COsirisReader() : CFileReader(36) {}
 
   std::vector<std::string> Notes() const override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
 
  protected:
   bool ReadHeader(DICTIONARY* out) override;

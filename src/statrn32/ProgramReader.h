@@ -51,7 +51,7 @@ class CProgramReader : public CFileReader {
  public:
   bool ReadHeader(DICTIONARY* out) final;
   void FillBlock(CBlockFiller* out) final;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
   std::vector<std::string> Notes() const final;
 
  protected:

@@ -26,7 +26,7 @@ class CDictionaryPass {
   const PARSE_RESULT& Result() const { return result_; }
   // The encoding of the texts: what the file names, else what was chosen; may be empty.
   const std::string& Encoding() const { return encoding_; }
-  bool EncodingGuessed() const { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const { return decoder_.GuessedEncoding(); }
   // The label set that each variable asks for by name.
   const std::vector<std::string>& SetNames() const { return setNames_; }
   // The number of the set of that name, -1 when no labels came for it.

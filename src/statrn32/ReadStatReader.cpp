@@ -25,6 +25,11 @@ bool CReadStatReader::Open(const std::string& name) {
   return refusal.empty() || Fail(name + ": " + refusal);
 }
 
+// By the texts of the dictionary, else by those of the records.
+std::string CReadStatReader::GuessedEncoding() const {
+  return guessedEncoding_.empty() && pass_ ? pass_->GuessedEncoding() : guessedEncoding_;
+}
+
 bool CReadStatReader::ReadDictionary(DICTIONARY* out) {
   PARSE_RESULT refused;
   input_.Seek(0);
@@ -37,7 +42,7 @@ bool CReadStatReader::ReadDictionary(DICTIONARY* out) {
   if (format_.addLabels != nullptr) format_.addLabels(name_, pass.SetNames(), out);
   dictionary_.variables = out->variables;
   encoding_ = pass.Encoding();
-  guessed_ = pass.EncodingGuessed();
+  guessedEncoding_ = pass.GuessedEncoding();
   return true;
 }
 

@@ -23,7 +23,7 @@ class CReadStatReader : public CReader {
   bool Open(const std::string& name) override;
   bool ReadDictionary(DICTIONARY* out) override;
   const RECORD_BLOCK* NextBlock() override;
-  bool EncodingGuessed() const override { return guessed_ || (pass_ && pass_->EncodingGuessed()); }
+  std::string GuessedEncoding() const override;
   double Progress() const override { return input_.Progress(); }
   std::int64_t EpochDay() const override { return format_.epochDay; }
   DATE_KIND DateKindOf(std::int32_t display) const override;
@@ -36,7 +36,7 @@ class CReadStatReader : public CReader {
   CInputFile input_;
   DICTIONARY dictionary_;  // only what the parsing thread needs of it
   std::string encoding_;
-  bool guessed_ = false;  // the encoding of the dictionary
+  std::string guessedEncoding_;  // by the dictionary
   CBlockRing ring_;
   std::optional<CRecordPass> pass_;
   std::thread thread_;

@@ -22,7 +22,7 @@ class CRecordPass {
   // finished.
   void Run();
   const PARSE_RESULT& Result() const { return result_; }
-  bool EncodingGuessed() const { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const { return decoder_.GuessedEncoding(); }
 
  private:
   struct COLUMN {

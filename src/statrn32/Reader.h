@@ -58,8 +58,9 @@ class CReader {
   virtual std::vector<std::string> Tables() const { return {}; }
   // Were the names of the variables found in the first row of a sheet?
   virtual bool NamesFound() const { return false; }
-  // Does the file not tell its encoding, and the texts read so far depend on it?
-  virtual bool EncodingGuessed() const { return false; }
+  // The encoding that was taken where the file tells none and the texts read so far depend on it,
+  // for people to read; else empty.
+  virtual std::string GuessedEncoding() const { return {}; }
   // What had to be left out or was changed, one sentence a fact; complete at the end of the
   // records.
   virtual std::vector<std::string> Notes() const { return {}; }

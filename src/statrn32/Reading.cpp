@@ -8,6 +8,7 @@
 #include "host/Numbers.h"
 #include "statrn32/Environment.h"
 #include "statrn32/SqlFiles.h"
+#include "statrn32/TextDecoder.h"
 
 using statrn32::FailWith;
 using statrn32::VARIABLE;
@@ -87,6 +88,9 @@ int ST_GetWksNameStat(ST_FILE* file) {
 
 int ST_SetInputEncoding(ST_ENV* env, const char* encoding) {
   if (env == nullptr || encoding == nullptr) return -1;
+  if (!statrn32::KnowsEncoding(encoding)) {
+    return FailWith(env, std::string(encoding) + ": this encoding is not known");
+  }
   env->options.encoding = encoding;
   return 0;
 }
@@ -104,8 +108,10 @@ int ST_SetDatabasePassword(ST_ENV* env, const char* password) {
   return 0;
 }
 
-bool ST_EncodingGuessed(ST_FILE* file) {
-  return file != nullptr && file->reader && file->reader->EncodingGuessed();
+const char* ST_GetGuessedEncoding(ST_FILE* file) {
+  if (file == nullptr || !file->reader) return "";
+  file->guessedEncoding = file->reader->GuessedEncoding();
+  return file->guessedEncoding.c_str();
 }
 
 bool ST_LeadsToDatabase(const char* name) {

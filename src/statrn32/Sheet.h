@@ -66,7 +66,7 @@ class CWorkbook {
   // The sheet that is read when none is asked for.
   virtual std::size_t Preferred() const { return 0; }
   virtual bool Load(std::size_t sheet, CSheet* out) = 0;
-  virtual bool EncodingGuessed() const { return false; }
+  virtual std::string GuessedEncoding() const { return {}; }
   // 0 to 1.
   virtual double Progress() const { return -1; }
 

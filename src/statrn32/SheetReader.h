@@ -25,7 +25,7 @@ class CSheetReader final : public CReader {
   bool NamesFound() const override { return namesFound_; }
   std::vector<std::string> Notes() const override;
   double Progress() const override;
-  bool EncodingGuessed() const override { return workbook_->EncodingGuessed(); }
+  std::string GuessedEncoding() const override { return workbook_->GuessedEncoding(); }
   std::int64_t EpochDay() const override { return sheet_.epochDay; }
   DATE_KIND DateKindOf(std::int32_t display) const override;
 

@@ -57,7 +57,7 @@ class CSqlReader final : public CFileReader {
   void FillBlock(CBlockFiller* out) override;
   std::vector<std::string> Tables() const override;
   std::vector<std::string> Notes() const override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
 
  private:
   struct TABLE {

@@ -26,7 +26,7 @@ class CStatisticaReader final : public CFileReader {
 
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
 
  private:
   bool FailHeader() { return FailFile("its header is damaged or cut off"); }

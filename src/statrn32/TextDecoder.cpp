@@ -26,6 +26,14 @@ std::string_view WithoutTrailingBlanks(std::string_view bytes) {
 
 }  // namespace
 
+bool KnowsEncoding(const char* name) {
+  if (*name == '\0') return true;
+  const iconv_t converter = iconv_open("UTF-8", name);
+  const bool known = reinterpret_cast<std::intptr_t>(converter) != -1;
+  if (known) iconv_close(converter);
+  return known;
+}
+
 CTextDecoder::~CTextDecoder() {
   Close();
 }
@@ -44,6 +52,7 @@ void CTextDecoder::SetEncoding(const char* name, bool guess) {
   converts_ = reinterpret_cast<std::intptr_t>(converter_) != -1;
   told_ = converts_ && !guess;
   if (!converts_) return;
+  name_ = name;
   // A few encodings (EBCDIC, the shift ones) give ASCII bytes another meaning.
   std::string probe;
   Convert("Az09~+", &probe);
@@ -59,12 +68,17 @@ void CTextDecoder::AppendWhole(std::string_view text, std::string* out) {
     out->append(text);
     return;
   }
-  if (!told_) guessed_.store(true, std::memory_order_relaxed);
+  if (!told_) guessed_.store(true, std::memory_order_release);
   if (converts_) {
     Convert(text, out);
   } else {
     out->append(TextForDisplay(text));
   }
+}
+
+std::string CTextDecoder::GuessedEncoding() const {
+  if (!guessed_.load(std::memory_order_acquire)) return {};
+  return converts_ ? name_ : "CP1252";
 }
 
 std::string CTextDecoder::Decode(std::string_view bytes) {

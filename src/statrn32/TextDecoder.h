@@ -8,6 +8,9 @@
 
 namespace statrn32 {
 
+// Can texts of this encoding be read? Empty: yes, as they are guessed to be.
+bool KnowsEncoding(const char* name);
+
 // Turns a file's bytes into UTF-8. A byte that its encoding does not have becomes U+FFFD, a
 // character cut off at the end is left out: one bad byte never costs a file. Without an encoding,
 // valid UTF-8 is taken as such and anything else as Windows-1252.
@@ -25,9 +28,9 @@ class CTextDecoder {
   void SetEncoding(const std::string& chosen, const char* usual) {
     SetEncoding(chosen.empty() ? usual : chosen.c_str(), chosen.empty());
   }
-  // Was there a text that another encoding would show differently, and no encoding was told? May be
-  // asked from another thread.
-  bool Guessed() const { return guessed_.load(std::memory_order_relaxed); }
+  // Where no encoding was told and there was a text that another one would show differently: what
+  // was taken, as iconv knows it; else empty. May be asked from another thread.
+  std::string GuessedEncoding() const;
 
   // Appends the decoded text without its trailing blanks.
   void Append(std::string_view bytes, std::string* out);
@@ -43,6 +46,7 @@ class CTextDecoder {
   bool converts_ = false;  // `converter_` is open
   bool asciiBased_ = true;
   bool told_ = false;
+  std::string name_;
   std::atomic<bool> guessed_{false};
 };
 

@@ -20,6 +20,8 @@ class CTextEncoder {
   CTextEncoder& operator=(const CTextEncoder&) = delete;
 
   std::string Encode(std::string_view utf8);
+  // Characters so far that the code page does not have.
+  std::int64_t Lost() const { return lost_; }
   // Appends a sentence where any was lost.
   void Note(std::vector<std::string>* notes) const;
 

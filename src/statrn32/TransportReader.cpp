@@ -68,7 +68,7 @@ class CTransportReader final : public CFileReader {
   bool LookInside() override;
   bool ReadHeader(DICTIONARY* out) override;
   void FillBlock(CBlockFiller* out) override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
   std::vector<std::string> Tables() const override;
   std::vector<std::string> Notes() const override;
 

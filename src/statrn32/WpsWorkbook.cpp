@@ -11,6 +11,8 @@
 #include "statrn32/LotusFiles.h"
 #include "statrn32/QuietListener.h"
 #include "statrn32/SheetReader.h"
+#include "statrn32/TextDecoder.h"
+#include "statrn32/TextEncoder.h"
 
 namespace statrn32 {
 namespace {
@@ -29,6 +31,33 @@ std::int64_t WholeOf(const LIST& list, const char* name) {
   return Has(list, name) ? list[name]->getInt() : 0;
 }
 
+// The library knows some code pages only. It is told this one, which gives each of the upper 128
+// bytes a character of its own: so the file's bytes can be had back from its texts.
+constexpr const char* kByteForByte = "CP437";
+
+// Texts of the library in the encoding that the file has.
+class CWpsTexts {
+ public:
+  CWpsTexts(const std::string& chosen, const char* usual) { decoder_.SetEncoding(chosen, usual); }
+
+  std::string Decoded(const std::string& text);
+  std::string GuessedEncoding() const { return decoder_.GuessedEncoding(); }
+
+ private:
+  CTextEncoder encoder_{kByteForByte};
+  CTextDecoder decoder_;
+};
+
+// A character that no byte gave, of a font of symbols say, leaves its text as it is.
+std::string CWpsTexts::Decoded(const std::string& text) {
+  const std::int64_t before = encoder_.Lost();
+  const std::string bytes = encoder_.Encode(text);
+  if (encoder_.Lost() != before) return text;
+  std::string decoded;
+  decoder_.AppendWhole(bytes, &decoded);
+  return decoded;
+}
+
 struct WPS_SHEET {
   std::string name;
   CSheet cells;
@@ -37,10 +66,8 @@ struct WPS_SHEET {
 // Gathers the cells of all sheets.
 class CCellListener final : public CQuietListener {
  public:
-  explicit CCellListener(std::vector<WPS_SHEET>* sheets) : sheets_(sheets) {}
-
-  // Was there a text that is not ASCII?
-  bool HasForeignLetters() const { return foreign_; }
+  CCellListener(CWpsTexts* texts, std::vector<WPS_SHEET>* sheets)
+      : texts_(texts), sheets_(sheets) {}
 
   void openSheet(const LIST& list) override;
   void openSheetCell(const LIST& list) override;
@@ -59,22 +86,21 @@ class CCellListener final : public CQuietListener {
   void Append(const char* text) {
     if (!inCell_ || aside_ != 0) return;
     text_ += text;
-    for (const char* c = text; *c != '\0'; ++c) foreign_ |= static_cast<unsigned char>(*c) >= 0x80;
   }
   void PutDate(CSheet* sheet) const;
 
+  CWpsTexts* texts_;
   std::vector<WPS_SHEET>* sheets_;
   LIST cell_;
   std::string text_;
   bool inCell_ = false;
   int aside_ = 0;
-  bool foreign_ = false;
 };
 
 void CCellListener::openSheet(const LIST& list) {
   WPS_SHEET& sheet = sheets_->emplace_back();
   if (Has(list, "librevenge:sheet-name")) {
-    sheet.name = list["librevenge:sheet-name"]->getStr().cstr();
+    sheet.name = texts_->Decoded(list["librevenge:sheet-name"]->getStr().cstr());
   }
 }
 
@@ -89,6 +115,7 @@ void CCellListener::closeSheetCell() {
   const std::int64_t row = WholeOf(cell_, "librevenge:row");
   const std::int64_t column = WholeOf(cell_, "librevenge:column");
   if (sheets_->empty() || row < 0 || column < 0) return;
+  text_ = texts_->Decoded(text_);
   CSheet& sheet = sheets_->back().cells;
   const auto r = static_cast<std::uint32_t>(row);
   const auto c = static_cast<std::uint32_t>(column);
@@ -131,17 +158,33 @@ class CWpsWorkbook final : public CWorkbook {
   bool Open(const std::string& name, const READ_OPTIONS& options) override;
   std::vector<std::string> Sheets() const override;
   bool Load(std::size_t sheet, CSheet* out) override;
-  bool EncodingGuessed() const override { return guessed_; }
+  std::string GuessedEncoding() const override { return guessedEncoding_; }
 
  private:
   libwps::WPSCreator creator_;
   std::vector<WPS_SHEET> sheets_;
-  bool guessed_ = false;
+  std::string guessedEncoding_;
 };
 
-// The library has a name of its own for this one; what it does not know it takes for code page 437.
-std::string NameForLibrary(const std::string& encoding) {
-  return encoding == "MACINTOSH" ? "MacRoman" : encoding;
+// The version word of the first record.
+unsigned VersionOf(std::string_view first) {
+  CByteReader in(first);
+  const bool begins = in.U16() == 0 && in.U16() >= 2;
+  const unsigned version = in.U16();
+  return begins && in.Ok() ? version : 0;
+}
+
+// Quattro Pro for Windows uses the code page of Windows. The programs for DOS use the one of DOS;
+// so does Lotus 1-2-3 from its release 3 on, whose character set holds that of code page 850.
+const char* UsualEncoding(librevenge::RVNGInputStream* stream) {
+  constexpr unsigned long kBytes = 8;
+  unsigned long got = 0;
+  stream->seek(0, librevenge::RVNG_SEEK_SET);
+  const unsigned char* const bytes = stream->read(kBytes, got);
+  const std::string first(reinterpret_cast<const char*>(bytes), bytes != nullptr ? got : 0);
+  stream->seek(0, librevenge::RVNG_SEEK_SET);
+  const bool windows = IsQuattro(first) && VersionOf(first) < 0x5120;
+  return windows ? "CP1252" : "CP850";
 }
 
 bool CWpsWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
@@ -159,10 +202,10 @@ bool CWpsWorkbook::Open(const std::string& name, const READ_OPTIONS& options) {
   if (confidence == libwps::WPS_CONFIDENCE_NONE || kind != libwps::WPS_SPREADSHEET || !right) {
     return Fail("the file is damaged, or a worksheet of a version that is not read");
   }
-  CCellListener listener(&sheets_);
-  const libwps::WPSResult result =
-      libwps::WPSDocument::parse(&stream, &listener, "", NameForLibrary(options.encoding).c_str());
-  guessed_ = asksEncoding && options.encoding.empty() && listener.HasForeignLetters();
+  CWpsTexts texts(options.encoding, UsualEncoding(&stream));
+  CCellListener listener(&texts, &sheets_);
+  const libwps::WPSResult result = libwps::WPSDocument::parse(&stream, &listener, "", kByteForByte);
+  guessedEncoding_ = texts.GuessedEncoding();
   if (result != libwps::WPS_OK && sheets_.empty()) return Fail("the file is damaged");
   // Most of the 256 sheets of a file stand empty.
   const auto empty = [](const WPS_SHEET& sheet) { return sheet.cells.Cells().empty(); };
@@ -179,14 +222,6 @@ std::vector<std::string> CWpsWorkbook::Sheets() const {
 bool CWpsWorkbook::Load(std::size_t sheet, CSheet* out) {
   *out = sheets_[sheet].cells;
   return true;
-}
-
-// The version word of the first record.
-unsigned VersionOf(std::string_view first) {
-  CByteReader in(first);
-  const bool begins = in.U16() == 0 && in.U16() >= 2;
-  const unsigned version = in.U16();
-  return begins && in.Ok() ? version : 0;
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ class CXlsWorkbook final : public CWorkbook {
   bool Open(const std::string& name, const READ_OPTIONS& options) override;
   std::vector<std::string> Sheets() const override;
   bool Load(std::size_t sheet, CSheet* out) override;
-  bool EncodingGuessed() const override { return decoder_.Guessed(); }
+  std::string GuessedEncoding() const override { return decoder_.GuessedEncoding(); }
 
  private:
   struct RECORD {

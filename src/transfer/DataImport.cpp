@@ -179,6 +179,7 @@ bool basic_data_import_t<CharT, CountT>::CopyRecords(CStatTransfer<CharT>& trans
   if (status < 0) ReportError(transfer.ErrorText());
   const int notes = ST_GetNNotes(transfer.Environment());
   for (int i = 0; i < notes; ++i) ReportNote(ST_GetNote(transfer.Environment(), i));
+  OnEncodingGuessed(ST_GetGuessedEncoding(transfer.file));
   return status == 0;
 }
 

@@ -101,6 +101,9 @@ class basic_data_import_t {
   virtual void ReportError(const string& text) = 0;
   // Told what the library had to leave out or change.
   virtual void ReportNote(const string& /*text*/) {}
+  // Told, at the end of the records, the encoding that was taken for the texts of a file that
+  // names none; empty where that did not matter.
+  virtual void OnEncodingGuessed(const string& /*encoding*/) {}
   // Told why the system data file could not be written.
   virtual void ReportWriteError(const string& systemFileName, const string& reason) = 0;
   // Told how far the input has been read, 0 to 1, negative when unknown; false stops the import.

@@ -62,6 +62,7 @@ bool CDataPort::DoImportData(const string& name, int type, bool toFile,
   warnings_.clear();
   problems_.clear();
   statusAtEnd_.clear();
+  guessedEncoding_.clear();
   stopped_ = false;
   progress_ = Host().StartProgress("Importing " + name);
   const bool imported = basic_data_import_t::DoImportData(name, type, toFile, systemFileName);
@@ -110,7 +111,7 @@ bool CDataPort::OpenInFile(const string& name, int type, STUtils::CStatTransfer<
   const string table = asks ? AskForTable(name, type) : table_;
   asksForTable_ = false;
   ST_SetInputTable(transfer.Environment(), table.c_str());
-  ST_SetInputEncoding(transfer.Environment(), encoding_.c_str());
+  if (ST_SetInputEncoding(transfer.Environment(), encoding_.c_str()) != 0) return false;
   ST_SetDatabasePassword(transfer.Environment(), password_.c_str());
   return basic_data_import_t::OpenInFile(name, type, transfer) &&
          SelectVariables(transfer.variables);
@@ -351,6 +352,11 @@ void CDataPort::WriteStatusInfo(const string& text) const {
 }
 
 void CDataPort::OnTextRead(const text_import_t& reader, const variables_t& variables) {
+  // What is valid UTF-8 or has a byte order mark hardly is anything else.
+  const STUtils::TextEncoding encoding = reader.Source().Encoding();
+  if (!textSettings_.encoding && encoding == STUtils::TextEncoding::Windows1252) {
+    guessedEncoding_ = STUtils::NameOfEncoding(encoding);
+  }
   constexpr std::size_t kMostTold = 20;
   std::vector<string> told;
   std::size_t columns = 0;

@@ -51,6 +51,9 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   void SetPassword(string password) { password_ = std::move(password); }
   // What the last import had to leave behind, one sentence a fact; empty when nothing.
   const std::vector<string>& Notes() const { return notes_; }
+  // The encoding that the last import took for a file that names none, as an option names it; empty
+  // where nothing in the file depends on it.
+  const string& GuessedEncoding() const { return guessedEncoding_; }
 
   using basic_data_import_t::UpdateAppDataRecordCount;
   using basic_data_import_t::WriteAppDataHeader;
@@ -86,6 +89,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
  protected:
   void ReportError(const string& text) override;
   void ReportNote(const string& text) override { notes_.push_back(text); }
+  void OnEncodingGuessed(const string& encoding) override { guessedEncoding_ = encoding; }
   void ReportWriteError(const string& systemFileName, const string& reason) override;
   bool ReportProgress(double fraction) override;
   std::optional<double> CellOfMissing() const override;
@@ -118,6 +122,7 @@ class CDataPort final : public STUtils::basic_data_import_t<char, long> {
   std::vector<string> selection_;
   string table_;
   string encoding_;
+  string guessedEncoding_;
   string password_;
   SourceChooser sourceChooser_;
   bool asksForTable_ = false;  // a dialog chose the file

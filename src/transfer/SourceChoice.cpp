@@ -101,10 +101,11 @@ void CSourceChoice::Look() {
   const int tables = ST_GetNTables(file);
   for (int i = 0; tables > 1 && i < tables; ++i) tables_.emplace_back(ST_GetTableName(file, i));
   if (ST_ReadDict(file) < 0) return;
-  for (int i = 0; i < kRecordsLookedAt && !ST_EncodingGuessed(file); ++i) {
+  const auto guessed = [file] { return *ST_GetGuessedEncoding(file) != '\0'; };
+  for (int i = 0; i < kRecordsLookedAt && !guessed(); ++i) {
     if (ST_ReadRecord(file) != 1) break;
   }
-  asksForEncoding_ = ST_EncodingGuessed(file);
+  asksForEncoding_ = guessed();
 }
 
 std::vector<std::string> CSourceChoice::Sample() const {

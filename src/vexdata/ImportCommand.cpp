@@ -113,5 +113,9 @@ int ImportFile(const ImportOptions& options) {
   CString source = options.source;
   if (port.Import(source, type, false, true, target) != STUtils::eOK) return kExitFailed;
   for (const CString& note : port.Notes()) Host().ShowNote(note);
+  if (!port.GuessedEncoding().empty()) {
+    Host().ShowNote(options.source + ": names no encoding; its texts were taken for " +
+                    port.GuessedEncoding() + ", --encoding chooses another");
+  }
   return kExitDone;
 }

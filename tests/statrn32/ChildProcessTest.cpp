@@ -101,7 +101,7 @@ class CFaultyReader final : public CReader {
     out->variables.push_back(variable);
     return true;
   }
-  bool EncodingGuessed() const override { return block_.records > 0; }
+  std::string GuessedEncoding() const override { return block_.records > 0 ? "CP850" : ""; }
   const RECORD_BLOCK* NextBlock() override {
     if (block_.records > 0) {
       if (step_ == AtBlock) std::abort();
@@ -160,9 +160,9 @@ TEST(ChildReader, WhatTheReaderTellsArrives) {
   EXPECT_EQ(variable.missing[0].low, -9);
   EXPECT_EQ(variable.missing[0].high, -1);
   EXPECT_EQ(variable.missing[0].lowText + variable.missing[0].highText, "ab");
-  EXPECT_FALSE(reader.EncodingGuessed());
+  EXPECT_EQ(reader.GuessedEncoding(), "");
   ASSERT_NE(reader.NextBlock(), nullptr);
-  EXPECT_TRUE(reader.EncodingGuessed());
+  EXPECT_EQ(reader.GuessedEncoding(), "CP850");
 }
 
 TEST(ChildReader, TheReadersOwnErrorsArriveAsTheyAre) {

@@ -71,6 +71,34 @@ TEST_F(TextOptions, EachHasItsEffectOnAnImport) {
   }
 }
 
+TEST_F(TextOptions, AnEncodingThatWasGuessedIsTold) {
+  constexpr const char* kTold = "names no encoding";
+  const std::string sql = "CREATE TABLE t (a VARCHAR(9));\nINSERT INTO t VALUES ('K\x94ln');\n";
+  const struct {
+    const char* extension;
+    std::string text;
+    Arguments options;
+    const char* told;
+  } cases[] = {
+      {".csv", "a,b\n1,2\n", {}, ""},
+      {".csv", "a,\xC3\xA4\n1,2\n", {}, ""},
+      {".csv", "a,\xE4\n1,2\n", {}, "Windows-1252"},
+      {".csv", "a,\xE4\n1,2\n", {"--encoding", "windows-1252"}, ""},
+      {".sql", "CREATE TABLE t (a VARCHAR(9));\nINSERT INTO t VALUES ('Ulm');\n", {}, ""},
+      {".sql", sql, {}, "CP1252"},
+      {".sql", sql, {"--encoding", "CP850"}, ""},
+  };
+  for (const auto& c : cases) {
+    const std::string file = folder / (std::string("source") + c.extension);
+    WriteBytes(file, c.text);
+    const Outcome outcome = Import(file, c.options);
+    ASSERT_EQ(outcome.code, 0) << c.text << outcome.err;
+    const bool told = outcome.err.find(kTold) != std::string::npos;
+    EXPECT_EQ(told, *c.told != '\0') << c.text << outcome.err;
+    EXPECT_NE(outcome.err.find(c.told), std::string::npos) << c.text << outcome.err;
+  }
+}
+
 TEST_F(TextOptions, ThoseThatCannotBeFollowedAreRefusedInOneLine) {
   const std::string csv = folder / "source.csv";
   const std::string raw = folder / "source.raw";
@@ -97,6 +125,7 @@ TEST_F(TextOptions, ThoseThatCannotBeFollowedAreRefusedInOneLine) {
       {{"import", survey, imported, "--all-numeric"}, 2, "--all-numeric has no effect"},
       {{"import", survey, imported, "--decimal-mark", ","}, 2, "--decimal-mark has no effect"},
       {{"import", csv, imported, "--encoding", "CP850"}, 2, "--encoding is one of"},
+      {{"import", survey, imported, "--encoding", "CP0"}, 1, "CP0: this encoding is not known"},
       {{"import", csv, imported, "--select", "c"}, 1, "no variable of this name: c"},
       {{"export", imported, target, "--type", "1004"}, 2, "--delimiter needs one character"},
       {{"export", imported, target, "--type", "1004", "--delimiter", "."}, 2, "delimited by \".\""},
