@@ -1,21 +1,24 @@
-# ofa_peer.R FILE.csv [--lavaan]: the factor analysis of ordinal variables by full-information maximum likelihood with
-# one factor, on the file that bench_ofa --csv writes, in plain R: the EM algorithm on 21 Gauss-Hermite points (R. D. Bock
-# and M. Aitkin, Psychometrika 46, 1981, 443-459), written for this comparison in the way of a careful user: the cases in
-# one matrix product a step, the items by Fisher's scoring. Of R's packages only lavaan has this likelihood, as MML; it
-# needs 11 s of the processor for 200 cases of 4 items and finds no end at 2,000 of 10: only with --lavaan.
+# ofa_peer.R FILE.csv [--points N] [--lavaan]: the factor analysis of ordinal variables by full-information maximum
+# likelihood with one factor, on the file that bench_ofa --csv writes, in plain R: the EM algorithm on Gauss-Hermite points,
+# 21 if nothing is said (R. D. Bock and M. Aitkin, Psychometrika 46, 1981, 443-459), written for this comparison in the way
+# of a careful user: the cases in one matrix product a step, the items by Fisher's scoring. Of R's packages only lavaan has
+# this likelihood, as MML; it needs 11 s of the processor for 200 cases of 4 items and finds no end at 2,000 of 10: only with
+# --lavaan.
 words <- commandArgs(TRUE)
 if (length(words) == 0 || !file.exists(words[1])) stop("ofa_peer.R needs a file of bench_ofa --csv FILE")
 d <- as.matrix(read.csv(words[1]))
 n <- nrow(d); p <- ncol(d); k <- max(d)
 say <- function(...) { cat(sprintf(...), "\n", sep = ""); flush(stdout()) }
-say("%d cases of %d items with %d categories, one factor, %s", n, p, k, R.version.string)
 
 # Gauss-Hermite points and weights of the normal distribution: eigenvalues of the recurrence's matrix.
-points <- 21
+at <- match("--points", words)
+points <- if (is.na(at)) 21 else as.integer(words[at + 1])
 off <- sqrt(seq_len(points - 1))
 jacobi <- diag(0, points); jacobi[cbind(1:(points - 1), 2:points)] <- off; jacobi <- jacobi + t(jacobi)
 e <- eigen(jacobi, symmetric = TRUE)
 x <- e$values; w <- e$vectors[1, ]^2
+
+say("%d cases of %d items with %d categories, one factor, %d points, %s", n, p, k, points, R.version.string)
 
 # Each answer as a column of zeros and ones, the k of an item side by side.
 answers <- do.call(cbind, lapply(seq_len(p), function(j) outer(d[, j], seq_len(k), "==") + 0))

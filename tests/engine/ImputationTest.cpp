@@ -210,6 +210,7 @@ TEST_F(ImputationTest, SaysWhatIsWrongAndLeavesNothingBehind) {
       {"IMPUTE (none) (x1)\nOU", "all values of variable none are missing"},
       {"IMPUTE (x2) (none)\nOU", "all values of the matching variable none are missing"},
       {"IMPUTE (x2) (x2 x1)\nOU", "stands among the variables to impute and the matching ones"},
+      {"SC CASE < 2\nIMPUTE (y) (x1)\nOU", "one case has a value of the matching variable x1"},
       {"RC y OLD=LO-HI NEW=1\nIMPUTE (x2) (y)\nOU", "nothing can be matched on variable y"},
   };
   for (const auto& c : cases) {

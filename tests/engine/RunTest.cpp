@@ -11,6 +11,7 @@
 #include "engine/EngineData.h"
 #include "engine/run/Interrupt.h"
 #include "engine/run/Run.h"
+#include "support/FileSizeLimit.h"
 #include "vexutils/BlockIo.h"
 
 namespace {
@@ -235,7 +236,10 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
       {"SC CASE < 3\nSE 1-3\nOU MA=CM XM", 4, "is not positive definite"},
       {"SC CASE < 3\nSE 1-3\nOU", 4, "multivariate normality cannot be computed"},
       {"SC x1 > 1000\nOU", 2, "no case is selected"},
-      {"RC 1 OLD=LO-HI NEW=-999999\nSE 1 2\nOU", 3, "all cases have missing values"},
+      {"RC 1 OLD=LO-HI NEW=-999999\nSE 1 2\nOU", 3,
+       "listwise deletion leaves none (without any value: x1)"},
+      {"NE c = (x1 + ABS(x1)) / 2\nCO c\nCB c\nSE x1 c\nOU MA=KM XM", 6,
+       "the iterations did not converge, the last value is 0.99"},
       {"SD 1-6 = 77\nOU", 2, "the SD lines drop every variable"},
       {"SD 1 = 77\nSE 1 2\nOU", 3, "is selected by SE, and dropped"},
       {"RC 4 OLD=LO-HI NEW=1\nRC 5 OLD=LO-HI NEW=1\nSE 4 5\nOU", 4, "variable o1"},
@@ -256,6 +260,19 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
         << output;
     EXPECT_THAT(output, Not(HasSubstr("nan"))) << c.lines;
   }
+}
+
+TEST_F(RunTest, AFullDiskEndsTheRunWhereItIsMet) {
+  {
+    const FileSizeLimit limit(40'000);  // the data of two repetitions
+    EXPECT_EQ(
+        RunWhole("RP=9 SY='" + (folder / "DATA.VSF") + "'\nOU XM XT RA=" + (folder / "full.vsf")),
+        ERUNRESULT::Failed);
+  }
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("full.vsf) cannot be written"));
+  EXPECT_THAT(Output(), HasSubstr("Repetition 3 of 9"));
+  EXPECT_THAT(Output(), Not(HasSubstr("Repetition 4 of 9")));
+  EXPECT_FALSE(std::filesystem::exists(folder / "full.vsf"));
 }
 
 TEST_F(RunTest, SaysWhereNumbersAreTooLarge) {

@@ -171,12 +171,13 @@ class COrdinalFactorAnalysis {
                                  report_.Number(result.logLikelihood) + ")",
                              fewer);
     } else if (result.status == EStatus::NotConverged) {
-      fault = ProcedureFault(
-          procedure_,
-          "the estimation has not converged in " + std::to_string(result.history.size()) +
-              " steps: the last log-likelihood is " + report_.Number(result.logLikelihood) +
-              ", its gradient " + FormatShortest(result.largestGradient) + NearHeywood(),
-          fewer);
+      fault = ProcedureFault(procedure_,
+                             "the estimation has not converged in " +
+                                 std::to_string(result.history.size()) + " steps" + Halt() +
+                                 ": the last log-likelihood is " +
+                                 report_.Number(result.logLikelihood) + ", its gradient " +
+                                 FormatShortest(result.largestGradient) + NearHeywood(),
+                             fewer);
     } else {
       fault = ProcedureFault(
           procedure_,
@@ -188,6 +189,15 @@ class COrdinalFactorAnalysis {
 
   double Communality(Index variable) const {
     return solution_.loadings.row(variable).squaredNorm();
+  }
+
+  // Why an estimation ended before its last step.
+  CString Halt() const {
+    const auto most = static_cast<std::size_t>(stats::OrdinalFactorOptions().mostSteps);
+    if (solution_.result.history.size() >= most) return {};
+    return ", where the quadrature, with " + std::to_string(solution_.result.nodes) +
+           " points in each dimension, could not follow the likelihood and would have had too many "
+           "points with more";
   }
 
   // What an estimation that does not converge probably suffers from.
