@@ -264,10 +264,10 @@ TEST_F(RunTest, SaysWhatIsWrongWithBadInput) {
 
 TEST_F(RunTest, AFullDiskEndsTheRunWhereItIsMet) {
   {
-    const FileSizeLimit limit(40'000);  // the data of two repetitions
-    EXPECT_EQ(
-        RunWhole("RP=9 SY='" + (folder / "DATA.VSF") + "'\nOU XM XT RA=" + (folder / "full.vsf")),
-        ERUNRESULT::Failed);
+    const FileSizeLimit limit(30'000);  // the data of two repetitions
+    EXPECT_EQ(RunWhole("RP=9 SY='" + (folder / "DATA.VSF") +
+                       "'\n RESE 1-5\nOU XM XT RA=" + (folder / "full.vsf")),
+              ERUNRESULT::Failed);
   }
   EXPECT_THAT(UnwrappedOutput(), HasSubstr("full.vsf) cannot be written"));
   EXPECT_THAT(Output(), HasSubstr("Repetition 3 of 9"));
