@@ -88,7 +88,9 @@ bool CGaussReader::ReadHeader(DICTIONARY* out) {
   }
   row_.resize(rowBytes);
   text_.assign(variables, false);
-  rows_ = Input().Size() / static_cast<std::int64_t>(rowBytes);
+  // A last row that is cut off counts: reading it tells of that.
+  const auto bytes = static_cast<std::int64_t>(rowBytes);
+  rows_ = (Input().Size() + bytes - 1) / bytes;
   decoder_.SetEncoding(Options().encoding, "CP437");
   ReadNames(header, out);
   out->cases = rows_;
