@@ -20,6 +20,8 @@ void WriteThresholds(CReport& report, const COrdinalFactorData& data,
                      const ORDINALFACTORSOLUTION& solution, const MatrixXd& covariance) {
   const stats::OrdinalFactorParameters& parameters = solution.result.parameters;
   TABLE table;
+  table.narrowest = static_cast<std::size_t>(report.Numbers().width);
+  table.repeated = 2;
   table.columns = {{"Variable", true}, {"Category", true}, {"Threshold", false}};
   if (covariance.size() > 0) table.columns.push_back({"Standard error", false});
   table.columns.push_back({"Standardised", false});
@@ -67,21 +69,31 @@ void WriteRotations(CReport& report, const COrdinalFactorData& data,
                     bool errors) {
   WriteLoadings(report, "VARIMAX-rotated loadings (rows normalised)", data.Names(),
                 solution.varimax.loadings, uniqueness);
+  stats::OrdinalFactorParameters rotated = solution.result.parameters;
+  rotated.slopes *= solution.varimax.transformation;
+  MatrixXd covariance;
   if (errors) {
-    stats::OrdinalFactorParameters rotated = solution.result.parameters;
-    rotated.slopes *= solution.varimax.transformation;
     const MatrixXd information = stats::RotateInformation(
         solution.result.parameters, solution.result.information, solution.varimax.transformation);
-    const MatrixXd covariance =
-        stats::RestrictedCovariance(rotated, information, stats::VarimaxEquations);
+    covariance = stats::RestrictedCovariance(rotated, information, stats::VarimaxEquations);
     WriteMatrix(report, "Standard errors of the VARIMAX-rotated loadings", data,
                 stats::LoadingErrors(rotated, covariance, solution.residualVariance));
   }
   const auto promax = stats::RotatePromax(solution.varimax.loadings);
   WriteLoadings(report, "PROMAX-rotated loadings (power 4)", data.Names(), promax.loadings,
                 uniqueness);
+  const std::vector<CString> factors = FactorNames(solution.factors);
   report.Subsection("Correlations of the PROMAX factors");
-  report.Table(TriangleTable(report, FactorNames(solution.factors), promax.correlation));
+  report.Table(TriangleTable(report, factors, promax.correlation));
+  if (!errors) return;
+  const auto promaxErrors =
+      stats::EstimatePromaxErrors(rotated, covariance, solution.residualVariance);
+  WriteMatrix(report, "Standard errors of the PROMAX-rotated loadings", data,
+              promaxErrors.loadings);
+  report.Subsection("Standard errors of the correlations of the PROMAX factors");
+  TABLE table = TriangleTable(report, factors, promaxErrors.correlation);
+  for (auto& row : table.rows) row.pop_back();  // the diagonal is 1
+  report.Table(table);
 }
 
 void WritePairs(CReport& report, const COrdinalFactorData& data,
@@ -94,6 +106,7 @@ void WritePairs(CReport& report, const COrdinalFactorData& data,
                    [&](const auto& a, const auto& b) { return size(a) > size(b); });
   pairs.resize(std::min(pairs.size(), kShown));
   TABLE table;
+  table.repeated = 2;
   table.columns = {{"Variable", true}, {"Variable", true},         {"Chi-square", false},
                    {"df", false},      {"Chi-square / df", false}, {"Residual", false}};
   for (const stats::PairFit& fit : pairs) {

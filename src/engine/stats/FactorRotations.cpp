@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include <Eigen/LU>
 #include <Eigen/QR>
+
+#include "engine/stats/OrdinalFactorAnalysis.h"
+#include "engine/stats/Rotation.h"
 
 namespace stats {
 
@@ -130,6 +134,41 @@ MatrixXd LoadingErrors(const OrdinalFactorParameters& parameters, const MatrixXd
                         .transpose();
   }
   return errors;
+}
+
+PromaxErrors EstimatePromaxErrors(const OrdinalFactorParameters& varimax,
+                                  const MatrixXd& covariance, double residualVariance) {
+  MatrixXd slopes = varimax.slopes;
+  const Index p = slopes.rows(), m = slopes.cols();
+  // Loadings, then correlations, column after column.
+  const auto rotated = [&] {
+    const PromaxResult promax = RotatePromax(StandardisedLoadings(slopes, residualVariance));
+    VectorXd values(p * m + m * m);
+    values << promax.loadings.reshaped(), promax.correlation.reshaped();
+    return values;
+  };
+  MatrixXd derivatives(p * m + m * m, p * m);
+  std::vector<Index> places;  // of the slopes among the parameters
+  for (int j = 0; j < varimax.Variables(); ++j) {
+    for (Index k = 0; k < m; ++k) {
+      double& slope = slopes(j, k);
+      const double kept = slope;
+      const double step = 1e-5 * std::max(1.0, std::fabs(kept));
+      slope = kept + step;
+      const VectorXd above = rotated();
+      slope = kept - step;
+      derivatives.col(static_cast<Index>(places.size())) = (above - rotated()) / (2 * step);
+      slope = kept;
+      places.push_back(SlopesAt(varimax, j) + k);
+    }
+  }
+  const VectorXd errors = (derivatives * MatrixXd(covariance(places, places)))
+                              .cwiseProduct(derivatives)
+                              .rowwise()
+                              .sum()
+                              .cwiseMax(0.0)
+                              .cwiseSqrt();
+  return {errors.head(p * m).reshaped(p, m), errors.tail(m * m).reshaped(m, m)};
 }
 
 }  // namespace stats

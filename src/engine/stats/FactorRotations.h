@@ -43,4 +43,13 @@ Eigen::MatrixXd RestrictedCovariance(const OrdinalFactorParameters& parameters,
 Eigen::MatrixXd LoadingErrors(const OrdinalFactorParameters& parameters,
                               const Eigen::MatrixXd& covariance, double residualVariance);
 
+// Standard errors of the PROMAX-rotated loadings and of the correlations of their factors, by the
+// delta method with numerical derivatives. Parameters and covariance are those of the
+// VARIMAX-rotated factors.
+struct PromaxErrors {
+  Eigen::MatrixXd loadings, correlation;
+};
+PromaxErrors EstimatePromaxErrors(const OrdinalFactorParameters& varimax,
+                                  const Eigen::MatrixXd& covariance, double residualVariance);
+
 }  // namespace stats

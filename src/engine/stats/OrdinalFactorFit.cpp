@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/stats/Distributions.h"
 #include "engine/stats/Parallel.h"
 
 namespace stats {
@@ -102,8 +101,6 @@ PatternFit FitPatterns(const COrdinalPatterns& patterns, const VectorXd& logLike
     fit.chiSquare += (observed - expected) * (observed - expected) / expected;
   }
   fit.chiSquare += std::max(0.0, rest);
-  fit.pLikelihoodRatio = ChiSquareUpper(fit.likelihoodRatio, fit.df);
-  fit.pChiSquare = ChiSquareUpper(fit.chiSquare, fit.df);
   return fit;
 }
 

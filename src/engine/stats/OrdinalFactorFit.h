@@ -29,7 +29,6 @@ struct PatternFit {
   double possible = 0;  // patterns
   double likelihoodRatio = 0, chiSquare = 0;
   double df = 0;
-  double pLikelihoodRatio = 1, pChiSquare = 1;
 };
 // `parameters` counts the free ones; `logLikelihoods` are those of the patterns.
 PatternFit FitPatterns(const COrdinalPatterns& patterns, const Eigen::VectorXd& logLikelihoods,

@@ -50,7 +50,6 @@ class COrdinalFactorPass {
 
   void ForgetModes() { modes_.setZero(); }
   const CResponseFunction& Response() const { return response_; }
-  int Points() const { return static_cast<int>(grid_.points.rows()); }
 
  private:
   // Calls work(piece, first pattern, end) for all pieces.

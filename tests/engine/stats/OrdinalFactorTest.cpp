@@ -2,6 +2,7 @@
 #include <cmath>
 #include <random>
 
+#include <Eigen/Eigenvalues>
 #include <Eigen/Geometry>
 #include <Eigen/SVD>
 
@@ -10,6 +11,7 @@
 #include "engine/stats/Distributions.h"
 #include "engine/stats/FactorRotations.h"
 #include "engine/stats/OrdinalFactorFit.h"
+#include "engine/stats/Rotation.h"
 #include "engine/stats/Thresholds.h"
 
 namespace {
@@ -256,6 +258,48 @@ TEST(OrdinalFactors, RotatedInformationBelongsToTheRotatedSlopes) {
   ASSERT_TRUE(pass.Collect(rotated, true, {}, turned));
   const MatrixXd want = stats::RotateInformation(at, sums.information, rotation.toRotationMatrix());
   EXPECT_LT((turned.information - want).cwiseAbs().maxCoeff(), 1e-4 * want.maxCoeff());
+}
+
+// PROMAX of slopes that are drawn about the estimates as the covariance matrix says.
+TEST(OrdinalFactors, PromaxErrorsAreThoseOfDrawnSlopes) {
+  const OrdinalFactorParameters start = Truth(6, 2);
+  const COrdinalPatterns patterns = Simulate(start, ELink::Probit, 200, 8).Patterns(4);
+  OrdinalFactorParameters at = start;
+  const MatrixXd turn =
+      stats::RotateVarimax(stats::StandardisedLoadings(at.slopes, 1)).transformation;
+  at.slopes *= turn;
+  stats::COrdinalFactorPass pass(patterns, ELink::Probit, 2, 15, 1);
+  stats::OrdinalFactorSums sums;
+  ASSERT_TRUE(pass.Collect(at, true, {}, sums));
+  // So small that the rotation is linear; the information need not be that of a maximum.
+  const MatrixXd covariance =
+      1e-4 * stats::RestrictedCovariance(at, stats::HoldRotations(at, sums.information),
+                                         stats::VarimaxEquations);
+  const auto errors = stats::EstimatePromaxErrors(at, covariance, 1);
+  const Eigen::SelfAdjointEigenSolver<MatrixXd> root(covariance);
+  const MatrixXd spread =
+      root.eigenvectors() * root.eigenvalues().cwiseMax(0).cwiseSqrt().asDiagonal();
+  const auto promax = [](const MatrixXd& slopes) {
+    return stats::RotatePromax(stats::StandardisedLoadings(slopes, 1));
+  };
+  const auto center = promax(at.slopes);
+  std::mt19937 random(2);
+  std::normal_distribution<double> normal;
+  constexpr int kDraws = 4000;
+  MatrixXd squares = MatrixXd::Zero(6, 2);
+  double correlation = 0;
+  for (int k = 0; k < kDraws; ++k) {
+    VectorXd z(covariance.rows());
+    for (double& one : z) one = normal(random);
+    const VectorXd step = spread * z;
+    MatrixXd slopes = at.slopes;
+    for (int j = 0; j < 6; ++j) slopes.row(j) += step.segment(at.Offset(j) + 3, 2).transpose();
+    const auto drawn = promax(slopes);
+    squares += (drawn.loadings - center.loadings).cwiseAbs2() / kDraws;
+    correlation += std::pow(drawn.correlation(1, 0) - center.correlation(1, 0), 2) / kDraws;
+  }
+  EXPECT_LT((squares.cwiseSqrt().cwiseQuotient(errors.loadings).array() - 1).abs().maxCoeff(), .06);
+  EXPECT_NEAR(std::sqrt(correlation) / errors.correlation(1, 0), 1, .06);
 }
 
 // Slopes so steep that a few points cannot follow the likelihood to its maximum.
