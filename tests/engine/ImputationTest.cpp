@@ -162,6 +162,28 @@ TEST_F(ImputationTest, PoolsRegressionsOfTheDataSets) {
               2e-8);
 }
 
+// Small estimates show two digits of their standard errors in pooled and in bootstrap tables too,
+// and pooled ones say what the model was.
+TEST_F(ImputationTest, PooledAndSampledEstimatesAreShownAsOthersAre) {
+  ASSERT_EQ(Run("NE small = y / 10000\nMC x2 x3 IT=20 RP=3\nRG small ON x2\nPR o ON x2\nOU IX=5"),
+            ERUNRESULT::Done)
+      << Output();
+  EXPECT_GT(NumberIn(Output(), "Pooled estimates", "x2", 2), 1e-6);
+  EXPECT_GT(NumberIn(Output(), "variance within", "x2", 3), 1e-12);
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("P(y <= category) = F(threshold - x'b)"));
+  ASSERT_EQ(Run("NE small = y / 10000\nRG small ON x2\nOU IX=5 BS=20"), ERUNRESULT::Done);
+  EXPECT_GT(NumberIn(Output(), "Bootstrap of Regression", "x2", 3), 1e-6);
+}
+
+TEST_F(ImputationTest, ExpectedValuesAreNoCategories) {
+  ASSERT_EQ(Run("SE x1 o full\nOR full\nEM x1 o full\nOU MA=CM XM XT"), ERUNRESULT::Done)
+      << Output();
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("o counts as continuous from here on"));
+  const std::string after = Output().substr(Output().find("Variables and missing values"));
+  EXPECT_THAT(after, testing::ContainsRegex("  o +continuous +300 "));
+  EXPECT_THAT(after, testing::ContainsRegex("  full +ordinal +300 "));
+}
+
 TEST_F(ImputationTest, MatchesByTheNearestCases) {
   TORVIKSTRUCT data = Describe({"y", "x", "z"});
   Data(data, {{1, 0, 1},
@@ -180,6 +202,7 @@ TEST_F(ImputationTest, MatchesByTheNearestCases) {
   EXPECT_EQ(cells[5 * 3], kMissing);
   EXPECT_NEAR(NumberIn(Output(), "Cases that lack y", "3", 3), 2 / 72.9167, 5e-4);
   EXPECT_THAT(UnwrappedOutput(), HasSubstr("a matching value is missing"));
+  EXPECT_THAT(UnwrappedOutput(), HasSubstr("1 missing value was not imputed"));
   ASSERT_EQ(Run("IMPUTE (y) (x) VR=0.01 XN\nOU RA=" + name), ERUNRESULT::Done);
   EXPECT_EQ(Saved(name, 3)[2 * 3], kMissing);
   EXPECT_THAT(Output(), Not(HasSubstr("Cases that lack")));

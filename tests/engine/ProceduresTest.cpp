@@ -123,6 +123,9 @@ TEST_F(ProceduresTest, OrdinalFactorsAreTheSameForAnyNumberOfThreadsAndScoreEver
   ASSERT_EQ(Run(lines, 2), ERUNRESULT::Done);
   EXPECT_EQ(Output(), output);
   EXPECT_EQ(Saved(saved, contents), cells);
+  ASSERT_EQ(Run("SC CASE EVEN\nSE o1 o2 two sign\nOFA NOR NF=1\nOU"), ERUNRESULT::Done);
+  EXPECT_THAT(UnwrappedOutput(),
+              HasSubstr("Left out by the selection " + std::to_string((rows.size() + 1) / 2)));
 }
 
 // `floor` is y cut off at 1.5.

@@ -39,14 +39,14 @@ std::vector<double> SampledValues(const BOOTSTRAPSAMPLES& samples, std::size_t e
 
 std::vector<CString> RowOf(const CReport& report, const CString& name, double estimate,
                            const stats::BootstrapSummary& summary) {
-  std::vector<CString> row = {name, report.Number(estimate)};
-  if (summary.status != stats::EStatus::Ok) return row;
-  for (const double value :
-       {summary.bias, summary.standardError, summary.percentile.from, summary.percentile.to}) {
-    row.push_back(report.Number(value));
+  if (summary.status != stats::EStatus::Ok) return {name, report.Number(estimate)};
+  std::vector<CString> row = {name};
+  for (const double value : {estimate, summary.bias, summary.standardError, summary.percentile.from,
+                             summary.percentile.to}) {
+    row.push_back(report.Estimate(value, summary.standardError));
   }
-  row.push_back(summary.hasCorrected ? report.Number(summary.corrected.from) : ".");
-  row.push_back(summary.hasCorrected ? report.Number(summary.corrected.to) : ".");
+  for (const double value : {summary.corrected.from, summary.corrected.to})
+    row.push_back(summary.hasCorrected ? report.Estimate(value, summary.standardError) : ".");
   return row;
 }
 

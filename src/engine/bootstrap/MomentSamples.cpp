@@ -159,12 +159,6 @@ bool CheckBootstrap(const JOB& job, FAULT& fault) {
 }
 
 bool BootstrapMoments(ENGINERUN& run, FAULT& fault) {
-  if (run.job.output.samples > 0 && !run.job.completions.empty()) {
-    run.report.Warning(
-        "BS and imputed data sets are not combined: what was done on the completed data sets was "
-        "not sampled.");
-    return true;
-  }
   if (!IsWanted(run.job)) return true;
   const MOMENTS kind = run.job.output.moments;
   CReport unread;  // the screening has said it all

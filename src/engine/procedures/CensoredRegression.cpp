@@ -72,16 +72,15 @@ bool RunCensoredRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
       fault = FaultOf(procedure, data, result);
       return false;
     }
-    run.report.Paragraph(
+    const CString method =
         "Maximum likelihood under normal residuals; the limits are the smallest and the largest "
-        "value of y. Standard errors from the observed information.");
+        "value of y. Standard errors from the observed information.";
+    run.report.Paragraph(method);
     run.report.Gap();
     WriteFit(run, result);
     auto parameters = CoefficientsOf(data, result.coefficient, result.standardError);
     WriteZTable(run.report, "Coefficients", "Variable", parameters);
-    if (run.estimates != nullptr) {
-      run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
-    }
+    TellEstimates(run, {title, result.n, kLargeSample, std::move(parameters), 0, method});
     data.WarnOfCollinearity(result.smallestPivot);
   }
   return true;

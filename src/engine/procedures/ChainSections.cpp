@@ -64,10 +64,12 @@ class CChainSections {
     }
     constexpr double kApart = 1.2;
     if (r[0] > kApart || r[1] > kApart) apart.push_back(one.name);
+    const double deviation = one.scale * std::sqrt(variance / windows);
+    const double error = deviation / std::sqrt(values_.sample->N());
     table.rows.push_back({one.name, std::to_string(one.missing),
-                          report_.Number(one.center + one.scale * mean / windows),
-                          report_.Number(one.scale * std::sqrt(variance / windows)),
-                          report_.Number(r[0]), report_.Number(r[1])});
+                          report_.Estimate(one.center + one.scale * mean / windows, error),
+                          report_.Estimate(deviation, error), report_.Number(r[0]),
+                          report_.Number(r[1])});
   }
 
   // The numbers of a plot of the chains, and how long they remember.

@@ -13,7 +13,7 @@ namespace {
 
 // An equation's estimates of all data sets, those of one parameter side by side.
 struct POOLEDEQUATION {
-  CString title;
+  CString title, method;
   double fewest = 0, most = 0;  // cases
   double df = kLargeSample;
   std::vector<CString> names;
@@ -26,6 +26,7 @@ bool Pool(const std::vector<std::vector<ESTIMATES>>& all, std::size_t equation,
           POOLEDEQUATION& pooled) {
   const ESTIMATES& first = all.front()[equation];
   pooled.title = first.title;
+  pooled.method = first.method;
   pooled.fewest = pooled.most = first.n;
   for (const auto& one : all) {
     const ESTIMATES& estimates = one[equation];
@@ -50,6 +51,14 @@ bool Pool(const std::vector<std::vector<ESTIMATES>>& all, std::size_t equation,
   return true;
 }
 
+// Two digits of a variance at least; more decimals than the others where these are fixed, since it
+// is the square of a standard error.
+CString VarianceText(const CReport& report, double variance) {
+  constexpr int kMore = 3;
+  return report.Numbers().fixed ? CReport::Number(variance, report.Numbers().decimals + kMore)
+                                : report.Estimate(variance, variance);
+}
+
 void WriteEstimates(CReport& report, const POOLEDEQUATION& equation) {
   TABLE estimates, variances;
   estimates.narrowest = variances.narrowest = static_cast<std::size_t>(report.Numbers().width);
@@ -58,21 +67,19 @@ void WriteEstimates(CReport& report, const POOLEDEQUATION& equation) {
   variances.columns = {{"Parameter", true},    {"95% from", false}, {"to", false},
                        {"Within", false},      {"Between", false},  {"Increase", false},
                        {"Missing inf.", false}};
-  constexpr int kMore = 3;  // decimals of variances
-  const int decimals = report.Numbers().decimals + kMore;
   for (std::size_t k = 0; k < equation.names.size(); ++k) {
     const stats::PooledEstimate& one = equation.parameters[k];
     if (equation.fixed[k]) {
       estimates.rows.push_back({equation.names[k], report.Number(one.value), "(fixed)"});
       continue;
     }
-    estimates.rows.push_back({equation.names[k], report.Number(one.value), report.Number(one.error),
+    const auto estimate = [&](double value) { return report.Estimate(value, one.error); };
+    estimates.rows.push_back({equation.names[k], estimate(one.value), estimate(one.error),
                               report.Number(one.t), CReport::Number(one.df, 1),
                               CReport::Probability(one.p)});
-    variances.rows.push_back({equation.names[k], report.Number(one.low), report.Number(one.high),
-                              CReport::Number(one.within, decimals),
-                              CReport::Number(one.between, decimals), report.Number(one.increase),
-                              report.Number(one.missingInformation)});
+    variances.rows.push_back({equation.names[k], estimate(one.low), estimate(one.high),
+                              VarianceText(report, one.within), VarianceText(report, one.between),
+                              report.Number(one.increase), report.Number(one.missingInformation)});
   }
   report.Subsection("Pooled estimates");
   report.Table(estimates);
@@ -180,6 +187,8 @@ bool CCompletedData::PoolRegressions(const PROCEDURE& procedure, FAULT& fault) {
       return false;
     }
     run_.report.Section(pooled.title);
+    run_.report.Paragraph(pooled.method);
+    run_.report.Gap();
     run_.report.Paragraph(
         "Pooled over the completed data sets by Rubin's rules: the variance of an estimate is the "
         "mean of its squared standard errors (within) and (1 + 1/m) times its variance between "

@@ -23,6 +23,24 @@ void WarnOfOrdinal(ENGINERUN& run, const MULTIPLEIMPUTATION& em) {
                      " too. MC imputes ordinal variables by their categories.");
 }
 
+// Expected values are none of the categories: an ordinal variable that gets some is continuous for
+// what follows, and in the saved data.
+void MakeContinuous(ENGINERUN& run, const CIncompleteSample& sample, std::int64_t notFilled) {
+  VARIABLELIST changed;
+  for (const INCOMPLETEVARIABLE& one : sample.Variables()) {
+    VARSTRUCT& record = run.job.data.variable[static_cast<std::size_t>(one.variable)];
+    if (record.type != kOrdinal || one.missing <= notFilled) continue;
+    record.type = kContinuous;
+    record.categories = 0;
+    changed.push_back(one.variable);
+  }
+  if (changed.empty()) return;
+  run.report.Gap();
+  run.report.Paragraph("Expected values are no categories: " + NameList(run.job.data, changed) +
+                       (changed.size() > 1 ? " count" : " counts") +
+                       " as continuous from here on.");
+}
+
 // From here on the run has the expected values in place of the missing ones.
 void Complete(ENGINERUN& run, const MULTIPLEIMPUTATION& em, const CIncompleteSample& sample) {
   using AllMissing = MULTIPLEIMPUTATION::AllMissing;
@@ -40,6 +58,7 @@ void Complete(ENGINERUN& run, const MULTIPLEIMPUTATION& em, const CIncompleteSam
   };
   run.job.transformations.emplace_back(std::move(function));
   if (em.allMissing == AllMissing::Delete) run.job.emptyIn = em.variables;
+  MakeContinuous(run, sample, fillAll ? 0 : sample.Patterns().AllMissing());
   run.report.Gap();
   if (run.files.Find("RA") == nullptr) {
     run.report.Warning("The completed data are not saved: add RA=file to the output line.");

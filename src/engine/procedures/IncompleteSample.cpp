@@ -219,13 +219,9 @@ void CIncompleteSample::WriteCases() const {
                    line_.mcmc ? "filled in by multiple imputation"
                               : "maximum likelihood from all values that are there");
   const CASECOUNTS& counts = run_.source.Counts();
-  CFactTable facts;
-  facts.Add("Cases in the data file", std::to_string(run_.file.Records()));
-  if (counts.notSelected > 0)
-    facts.Add("Left out by the selection", std::to_string(counts.notSelected));
-  if (counts.withoutWeight > 0)
-    facts.Add("Left out for want of a weight above zero", std::to_string(counts.withoutWeight));
+  CFactTable facts(LeftOutTable(run_, counts));
   facts.Add("Cases used", std::to_string(counts.used - patterns_->AllMissing()));
+  if (run_.source.HasWeights()) facts.Add("Sum of their weights", CReport::Count(patterns_->N()));
   facts.Add("Complete cases", std::to_string(patterns_->Complete()));
   facts.Add("Cases with all values missing", std::to_string(patterns_->AllMissing()));
   facts.Add("Patterns of missing values", std::to_string(patterns_->Patterns().size()));

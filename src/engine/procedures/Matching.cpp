@@ -239,12 +239,7 @@ class CMatching {
   void Write() {
     WriteDataHeading(run_, Width(), "filled in from similar cases");
     const CASECOUNTS& counts = run_.source.Counts();
-    CFactTable facts;
-    facts.Add("Cases in the data file", std::to_string(run_.file.Records()));
-    if (counts.notSelected > 0)
-      facts.Add("Left out by the selection", std::to_string(counts.notSelected));
-    if (counts.withoutWeight > 0)
-      facts.Add("Left out for want of a weight above zero", std::to_string(counts.withoutWeight));
+    CFactTable facts(LeftOutTable(run_, counts));
     facts.Add("Cases used, held in memory", std::to_string(counts.used));
     facts.Write(report_);
     WriteDataWarnings(run_, counts);
@@ -281,7 +276,9 @@ class CMatching {
       table.rows.push_back(std::move(row));
     }
     report_.Table(table);
-    if (left > 0) report_.Warning(std::to_string(left) + " missing values were not imputed.");
+    if (left > 0)
+      report_.Warning(CountText(static_cast<double>(left), "missing value") +
+                      (left == 1 ? " was" : " were") + " not imputed.");
   }
 
   void WriteListing() {

@@ -118,10 +118,9 @@ bool COrdinalFactorData::Read(FAULT& fault) {
 
 void COrdinalFactorData::Write() const {
   WriteDataHeading(run_, names_.size(), "none: maximum likelihood from all answers");
-  CFactTable facts;
-  facts.Add("Cases in the data file", std::to_string(run_.file.Records()));
+  CFactTable facts(LeftOutTable(run_, variables_.counts));
   facts.Add("Cases used", std::to_string(patterns_->Cases()));
-  if (run_.source.HasWeights()) facts.Add("Sum of weights", CReport::Count(patterns_->N()));
+  if (run_.source.HasWeights()) facts.Add("Sum of their weights", CReport::Count(patterns_->N()));
   facts.Add("Complete cases", std::to_string(patterns_->Complete()));
   facts.Add("Cases with all values missing", std::to_string(patterns_->AllMissing()));
   facts.Add("Patterns of answers", std::to_string(patterns_->Patterns()));

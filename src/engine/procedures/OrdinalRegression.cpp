@@ -93,31 +93,29 @@ class CFreeEquation {
       fault = data_.FaultOf(result.status, result.variable);
       return false;
     }
-    WriteModel();
+    const CString model = Model();
+    run_.report.Paragraph(model);
+    run_.report.Gap();
     WriteFit(run_, result);
     WriteCategories(run_, data_, result.frequency);
     auto parameters = ParametersOf(data_, result, regression_.alternativeParameters);
     WriteZTable(run_.report, "Estimates", "Parameter", parameters);
     if (!probit_) WriteOddsRatios(run_, data_, result);
-    if (run_.estimates != nullptr) {
-      run_.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
-    }
+    TellEstimates(run_, {title, result.n, kLargeSample, std::move(parameters), 0, model});
     data_.WarnOfCollinearity(result.smallestPivot);
     return true;
   }
 
  private:
-  void WriteModel() {
-    run_.report.Paragraph(
-        CString("P(y <= category) = F(threshold - x'b), F being the ") +
-        (probit_ ? "standard normal" : "logistic") +
-        " distribution function: a positive coefficient goes with higher categories. Maximum "
-        "likelihood; standard errors from the observed information." +
-        (regression_.alternativeParameters
-             ? " Alternative parameterization: F(threshold - intercept - x'b) with the first "
-               "threshold 0."
-             : ""));
-    run_.report.Gap();
+  CString Model() const {
+    return CString("P(y <= category) = F(threshold - x'b), F being the ") +
+           (probit_ ? "standard normal" : "logistic") +
+           " distribution function: a positive coefficient goes with higher categories. Maximum "
+           "likelihood; standard errors from the observed information." +
+           (regression_.alternativeParameters
+                ? " Alternative parameterization: F(threshold - intercept - x'b) with the first "
+                  "threshold 0."
+                : "");
   }
 
   ENGINERUN& run_;
@@ -159,6 +157,16 @@ FAULT FaultOf(const PROCEDURE& procedure, const CRegressionData& data,
                         "thresholds.");
 }
 
+CString ModelUnder(const GIVENTHRESHOLDS& given, bool sdKnown) {
+  return "P(y <= category) = F((threshold - intercept - x'b) / s), F being the standard normal "
+         "distribution function: a positive coefficient goes with higher categories. " +
+         CString(given.marginal ? "The thresholds are the marginal ones (MT)"
+                                : "The thresholds are those of the file (FT)") +
+         " and count as known; the residual standard deviation s is " +
+         (sdKnown ? "1, as one threshold cannot tell it." : "estimated.") +
+         " Maximum likelihood; standard errors from the observed information.";
+}
+
 // One equation under thresholds that FT or MT gave.
 bool RunUnderThresholds(ENGINERUN& run, const PROCEDURE& procedure, CRegressionData& data,
                         const GIVENTHRESHOLDS& given, const CString& title, FAULT& fault) {
@@ -172,14 +180,8 @@ bool RunUnderThresholds(ENGINERUN& run, const PROCEDURE& procedure, CRegressionD
     fault = FaultOf(procedure, data, result);
     return false;
   }
-  run.report.Paragraph(
-      "P(y <= category) = F((threshold - intercept - x'b) / s), F being the standard normal "
-      "distribution function: a positive coefficient goes with higher categories. " +
-      CString(given.marginal ? "The thresholds are the marginal ones (MT)"
-                             : "The thresholds are those of the file (FT)") +
-      " and count as known; the residual standard deviation s is " +
-      (result.sdKnown ? "1, as one threshold cannot tell it." : "estimated.") +
-      " Maximum likelihood; standard errors from the observed information.");
+  const CString model = ModelUnder(given, result.sdKnown);
+  run.report.Paragraph(model);
   run.report.Gap();
   WriteFit(run, result);
   WriteCategories(run, data, result.frequency);
@@ -192,9 +194,7 @@ bool RunUnderThresholds(ENGINERUN& run, const PROCEDURE& procedure, CRegressionD
   if (!result.sdKnown) {
     parameters.push_back({"Residual standard deviation", result.sd, result.sdError});
   }
-  if (run.estimates != nullptr) {
-    run.estimates->push_back({title, result.n, kLargeSample, std::move(parameters)});
-  }
+  TellEstimates(run, {title, result.n, kLargeSample, std::move(parameters), 0, model});
   data.WarnOfCollinearity(result.smallestPivot);
   return true;
 }

@@ -119,10 +119,10 @@ class CPooledMoments {
       double variance = 0;
       for (const double sd : deviations_[j])
         variance += sd * sd / static_cast<double>(deviations_[j].size());
-      table.rows.push_back(
-          {names_[j], report_.Number(pooled.value), report_.Number(pooled.error),
-           report_.Number(pooled.low), report_.Number(pooled.high), CReport::Number(pooled.df, 1),
-           report_.Number(pooled.missingInformation), report_.Number(std::sqrt(variance))});
+      const auto shown = [&](double value) { return report_.Estimate(value, pooled.error); };
+      table.rows.push_back({names_[j], shown(pooled.value), shown(pooled.error), shown(pooled.low),
+                            shown(pooled.high), CReport::Number(pooled.df, 1),
+                            report_.Number(pooled.missingInformation), shown(std::sqrt(variance))});
     }
     report_.Subsection("Means of the completed data, n = " + CReport::Count(n_) +
                        (line_.dataSets > 1 ? ", pooled by Rubin's rules" : ""));

@@ -24,6 +24,7 @@ CString NameList(const TORVIKSTRUCT& data, const VARIABLELIST& variables);
 class CFactTable {
  public:
   CFactTable();
+  explicit CFactTable(TABLE rows) : table_(std::move(rows)) {}  // of two columns
   void Add(const CString& what, const CString& value) { table_.rows.push_back({what, value}); }
   void Write(CReport& report) const { report.Table(table_); }
 

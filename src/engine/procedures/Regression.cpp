@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 #include "engine/procedures/RegressionReport.h"
 #include "engine/stats/LeastSquares.h"
@@ -38,11 +39,11 @@ void WriteCoefficients(ENGINERUN& run, const CRegressionData& data,
   report.Table(table);
 }
 
-void TellEstimates(ENGINERUN& run, const CRegressionData& data, const CString& title,
-                   const stats::LeastSquaresResult& result) {
-  if (run.estimates == nullptr) return;
-  run.estimates->push_back({title, result.n, result.df2,
-                            CoefficientsOf(data, result.coefficient, result.standardError)});
+ESTIMATES EstimatesOf(const CRegressionData& data, const CString& title,
+                      const stats::LeastSquaresResult& result, CString method) {
+  return {title,      result.n,
+          result.df2, CoefficientsOf(data, result.coefficient, result.standardError),
+          0,          std::move(method)};
 }
 
 void WriteFit(ENGINERUN& run, const stats::LeastSquaresResult& result) {
@@ -178,7 +179,7 @@ bool RunRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fault) {
     WriteFit(run, result);
     WriteCoefficients(run, data, result, true);
     WriteVariance(run, result);
-    TellEstimates(run, data, title, result);
+    TellEstimates(run, EstimatesOf(data, title, result, "Least squares."));
     WarnOfPerfectFit(run, data, result);
     data.WarnOfCollinearity(result.smallestPivot);
   }
@@ -200,7 +201,8 @@ bool RunTwoStageRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
     const CString title =
         "Two-stage least squares: " + data.YName() + " on " + NameList(run.job.data, regression.x);
     data.WriteHeading(title);
-    run.report.Paragraph("Instruments: " + NameList(run.job.data, regression.instruments));
+    const CString instruments = "Instruments: " + NameList(run.job.data, regression.instruments);
+    run.report.Paragraph(instruments);
     run.report.Gap();
     const auto result = stats::EstimateTwoStage(sums, k, FirstPlaces(regression.x.size()), z);
     if (result.status == EStatus::NotPositiveDefinite && result.variable < 0) {
@@ -223,7 +225,7 @@ bool RunTwoStageRegression(ENGINERUN& run, const PROCEDURE& procedure, FAULT& fa
         "R-square is 1 - residual / total sum of squares and may be negative; the residual "
         "variance has the divisor n - number of coefficients.");
     WriteFirstStages(run, data, result);
-    TellEstimates(run, data, title, result);
+    TellEstimates(run, EstimatesOf(data, title, result, instruments + '.'));
     WarnOfPerfectFit(run, data, result);
     data.WarnOfCollinearity(result.smallestPivot);
   }

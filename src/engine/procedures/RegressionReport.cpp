@@ -1,5 +1,7 @@
 #include "engine/procedures/RegressionReport.h"
 
+#include <utility>
+
 #include "engine/stats/Distributions.h"
 
 void AddLikelihoods(CFactTable& facts, const CReport& report, const stats::RegressionFit& fit) {
@@ -31,6 +33,10 @@ std::vector<ESTIMATES::PARAMETER> CoefficientsOf(const CRegressionData& data,
         {i == 0 ? "(Intercept)" : data.Name(i - 1), coefficient[i], standardError[i]});
   }
   return parameters;
+}
+
+void TellEstimates(ENGINERUN& run, ESTIMATES estimates) {
+  if (run.estimates != nullptr) run.estimates->push_back(std::move(estimates));
 }
 
 void WriteZTable(CReport& report, const CString& title, const CString& column,

@@ -17,6 +17,9 @@ std::vector<ESTIMATES::PARAMETER> CoefficientsOf(const CRegressionData& data,
                                                  const std::vector<double>& coefficient,
                                                  const std::vector<double>& standardError);
 
+// Gives an equation's estimates to those who asked for them, if any.
+void TellEstimates(ENGINERUN& run, ESTIMATES estimates);
+
 // A table with z and p under the name `title`; `column` is the heading of the parameters' names. A
 // standard error of 0 marks what is fixed.
 void WriteZTable(CReport& report, const CString& title, const CString& column,

@@ -59,6 +59,7 @@ bool WritePairs(ENGINERUN& run, const PROCEDURE& procedure, const COrdinalTables
                 std::size_t variables, stats::EqualThresholdsResult& last, FAULT& fault) {
   CReport& report = run.report;
   TABLE table;
+  table.repeated = 2;
   table.columns = {{"Variable", true}, {"Variable", true},    {"Correlation", false},
                    {"Equal", false},   {"Chi-square", false}, {"df", false},
                    {"p", false}};

@@ -26,6 +26,7 @@ struct ESTIMATES {
   std::vector<PARAMETER> parameters;
   // Above 0: loadings, row after row with so many columns, whose order and signs mean nothing.
   std::size_t factors = 0;
+  CString method;  // what the output says of model and method
   // Correlations of the factors of the loadings before them, below the diagonal, by rows.
   bool ofFactors = false;
 };

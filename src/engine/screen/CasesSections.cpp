@@ -18,17 +18,6 @@ void AddFact(TABLE& table, const CString& what, std::int64_t count) {
   table.rows.push_back({what, std::to_string(count)});
 }
 
-// The cases that no procedure has.
-TABLE LeftOutTable(const ENGINERUN& run, const CASECOUNTS& counts) {
-  TABLE table = FactTable();
-  AddFact(table, "Cases in the data file", run.file.Records());
-  if (!run.job.selection.IsEmpty()) AddFact(table, "Left out by the selection", counts.notSelected);
-  if (run.source.HasWeights()) {
-    AddFact(table, "Left out for want of a weight above zero", counts.withoutWeight);
-  }
-  return table;
-}
-
 void WriteCaseCounts(const ENGINERUN& run, const SCREENVARIABLES& variables) {
   TABLE table = LeftOutTable(run, variables.counts);
   AddFact(table, "Complete cases", variables.census.complete);
@@ -97,6 +86,16 @@ void WritePatterns(const ENGINERUN& run, const SCREENVARIABLES& variables) {
 
 const char* DeletionText(bool listwise) {
   return listwise ? "listwise deletion" : "pairwise deletion";
+}
+
+TABLE LeftOutTable(const ENGINERUN& run, const CASECOUNTS& counts) {
+  TABLE table = FactTable();
+  AddFact(table, "Cases in the data file", run.file.Records());
+  if (!run.job.selection.IsEmpty()) AddFact(table, "Left out by the selection", counts.notSelected);
+  if (run.source.HasWeights()) {
+    AddFact(table, "Left out for want of a weight above zero", counts.withoutWeight);
+  }
+  return table;
 }
 
 void WriteDataHeading(const ENGINERUN& run, std::size_t variables, const char* deletion) {

@@ -7,6 +7,8 @@
 // The section's first lines, and its warnings about cells of the last pass; between them stands
 // what became of the cases.
 void WriteDataHeading(const ENGINERUN& run, std::size_t variables, const char* deletion);
+// Rows "what   count" of the cases that no procedure has, the data file's cases first.
+TABLE LeftOutTable(const ENGINERUN& run, const CASECOUNTS& counts);
 // "listwise deletion", "pairwise deletion"
 const char* DeletionText(bool listwise);
 void WriteDataWarnings(const ENGINERUN& run, const CASECOUNTS& counts);
