@@ -8,7 +8,7 @@ source scripts/lib.sh
 seconds=${1:-60}
 (($# == 0)) || shift
 targets=("$@")
-((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat xport dbf xls sql html sps sas "do" xlsx ods sqlite jsonl paradox sigmaplot access statistica jmp minitab
+((${#targets[@]})) || targets=(vsf dsf format text text_import sav por dta sas7bdat sas7bcat xport dbf xls sql syb ifx ora db2 html sps sas "do" xlsx ods sqlite jsonl paradox sigmaplot access statistica jmp minitab
   wk1 wq1 syd ssc mat rec dct gauss dbt mb engine_syntax)
 
 command -v clang++-14 >/dev/null || die "clang++-14 is needed (Debian packages clang-14 and libclang-rt-14-dev)"
@@ -30,7 +30,7 @@ pair() {
 
 # The first files of a corpus: other programs' small files, and what our writers make of some of the example.
 seed() {
-  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,xport,dbf,xls,sql,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,wk1,wq1,syd,ssc,mat,rec,dct,gauss,dbt,mb,engine_syntax}
+  mkdir -p "$corpus"/{vsf,dsf,format,text,text_import,sav,por,dta,sas7bdat,sas7bcat,xport,dbf,xls,sql,syb,ifx,ora,db2,html,sps,sas,do,xlsx,ods,sqlite,jsonl,paradox,sigmaplot,access,statistica,jmp,minitab,wk1,wq1,syd,ssc,mat,rec,dct,gauss,dbt,mb,engine_syntax}
   local file kind
   for file in tests/data/*.{sav,zsav,por,dta,xpt}; do
     kind=${file##*.}
@@ -40,7 +40,7 @@ seed() {
   for file in tests/data/survey*.sav; do
     "$bin/vexdata" import "$file" "$corpus/vsf/${file##*/}.VSF" --overwrite --quiet --keep-labels
   done
-  for kind in por dta dbf xls sql html sps sas "do" xlsx ods sqlite jsonl wk1 wq1 syd ssc mat rec; do
+  for kind in por dta dbf xls sql syb ifx ora db2 html sps sas "do" xlsx ods sqlite jsonl wk1 wq1 syd ssc mat rec; do
     "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/$kind/ours.$kind" --overwrite --quiet
   done
   "$bin/vexdata" export "$corpus/vsf/survey.sav.VSF" "$corpus/xport/ours.xpt" --overwrite --quiet
@@ -50,11 +50,16 @@ seed() {
   { printf '\332\332\0\0\0\0\002\0\020\0\222\0\010\0%114s' '' | tr ' ' '\0' && printf 'X\0\0\0\0\0\0\0\0name\0\0\0\0\0'; } >"$corpus/pair.dht"
   printf '\0\0\0\0\0\0\370?some text' >"$corpus/pair.gauss"
   pair "$corpus/pair.dht" "$corpus/pair.gauss" "$corpus/gauss/texts"
-  # Files of other programs for the formats that are not written here, where there are any.
+  # Files of other programs, where there are any.
   if [[ -n ${VEX_REAL_DATA:-} ]]; then
     for kind in sigmaplot access statistica jmp minitab paradox; do
       find "$VEX_REAL_DATA/$kind" -type f -size -400k -exec cp -n -t "$corpus/$kind" {} +
     done
+    local folder
+    for folder in lotus:wk1 quattro:wq1 matlab:mat splus:ssc systat:syd xls:xls ods:ods xlsx:xlsx html:html sas:sas7bdat stata:dta spss:sav dbase:dbf; do
+      find "$VEX_REAL_DATA/${folder%:*}" -type f -size -100k -exec cp -n -t "$corpus/${folder#*:}" {} +
+    done
+    pair "$VEX_REAL_DATA/sas/hadley_formats.sas7bcat" "$VEX_REAL_DATA/sas/hadley.sas7bdat" "$corpus/sas7bcat/labels"
     pair "$VEX_REAL_DATA/dbase/dbase_83.dbt" "$VEX_REAL_DATA/dbase/dbase_83.dbf" "$corpus/dbt/memo"
     pair "$VEX_REAL_DATA/paradox/CUSTOMER.MB" "$VEX_REAL_DATA/paradox/CUSTOMER.DB" "$corpus/mb/memo"
   fi

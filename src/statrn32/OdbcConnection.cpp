@@ -135,7 +135,12 @@ bool COdbcConnection::Open(const std::string& file, const std::string& password)
                                   connection.size(), std::numeric_limits<SQLSMALLINT>::max())),
                               nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   connected_ = Succeeded(result);
-  if (!connected_) return FailHandle(SQL_HANDLE_DBC, connection_.Get());
+  if (!connected_) {
+    FailHandle(SQL_HANDLE_DBC, connection_.Get());
+    const bool unknown = error_.find("Can't open lib") != std::string::npos;
+    if (unknown) error_ += "; please name an installed ODBC driver";
+    return false;
+  }
   FindDialect();
   return true;
 }
