@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/procedures/ProcedureReport.h"
+#include "engine/stats/Parallel.h"
 #include "engine/stats/Resampling.h"
 
 namespace {
@@ -50,6 +51,25 @@ std::vector<CString> RowOf(const CReport& report, const CString& name, double es
   return row;
 }
 
+// Of every parameter, in order; what no sample can change is not summed up.
+std::vector<stats::BootstrapSummary> Summaries(const ENGINERUN& run,
+                                               const std::vector<ESTIMATES>& whole,
+                                               const BOOTSTRAPSAMPLES& samples) {
+  std::vector<const ESTIMATES::PARAMETER*> parameters;
+  for (const ESTIMATES& one : whole) {
+    for (const auto& parameter : one.parameters) parameters.push_back(&parameter);
+  }
+  std::vector<stats::BootstrapSummary> summaries(parameters.size());
+  stats::ParallelFor(run.threads, static_cast<std::int64_t>(summaries.size()),
+                     [&, scale = ScaleOf(samples)](std::int64_t k) {
+                       const auto at = static_cast<std::size_t>(k);
+                       if (parameters[at]->error == 0) return;
+                       summaries[at] = stats::SummariseSamples(parameters[at]->value,
+                                                               SampledValues(samples, at), scale);
+                     });
+  return summaries;
+}
+
 }  // namespace
 
 void WriteBootstrapHeading(ENGINERUN& run, const CString& title, const BOOTSTRAPSAMPLES& samples) {
@@ -91,18 +111,16 @@ void WriteBootstrapHeading(ENGINERUN& run, const CString& title, const BOOTSTRAP
 void WriteBootstrapTables(ENGINERUN& run, const std::vector<ESTIMATES>& whole,
                           const BOOTSTRAPSAMPLES& samples) {
   CReport& report = run.report;
-  const double scale = ScaleOf(samples);
+  const std::vector<stats::BootstrapSummary> summaries = Summaries(run, whole, samples);
   std::size_t at = 0;
   for (const ESTIMATES& one : whole) {
     TABLE table;
     table.columns = {{"", true},      {"Estimate", false}, {"Bias", false},    {"s.e.", false},
                      {"2.5%", false}, {"97.5%", false},    {"BC 2.5%", false}, {"BC 97.5%", false}};
     for (const auto& parameter : one.parameters) {
-      const std::size_t estimate = at++;
+      const stats::BootstrapSummary& summary = summaries[at++];
       if (parameter.error == 0) continue;
-      table.rows.push_back(
-          RowOf(report, parameter.name, parameter.value,
-                stats::SummariseSamples(parameter.value, SampledValues(samples, estimate), scale)));
+      table.rows.push_back(RowOf(report, parameter.name, parameter.value, summary));
     }
     if (table.rows.empty()) continue;
     report.Subsection(one.title);

@@ -1,10 +1,14 @@
 #include "engine/bootstrap/MomentSamples.h"
 
+#include <algorithm>
+
 #include "engine/bootstrap/BootstrapReport.h"
 #include "engine/run/Estimates.h"
 #include "engine/screen/AnalysisMoments.h"
 #include "engine/screen/Faults.h"
 #include "engine/screen/NumberFile.h"
+#include "engine/stats/InOrder.h"
+#include "engine/stats/Parallel.h"
 #include "host/Text.h"
 
 namespace {
@@ -88,12 +92,28 @@ void SaveSamples(ENGINERUN& run, const BOOTSTRAPSAMPLES& samples, const ANALYSIS
   COutputFile* const means = run.files.Find("ME");
   COutputFile* const deviations = run.files.Find("SD");
   if (matrices == nullptr && means == nullptr && deviations == nullptr) return;
-  for (std::int64_t s = 0; s < samples.samples; ++s) {
-    const ANALYSISMOMENTS moments = Unflat(samples, s, shape);
-    SaveTriangle(matrices, moments.matrix);
-    SaveVector(means, moments.means);
-    SaveVector(deviations, moments.deviations);
-  }
+  // The texts are made on all threads, and written in order.
+  constexpr std::int64_t kPiece = 16;
+  const auto makeWorker = [&]() -> stats::PieceWorker {
+    return [&](std::int64_t piece) -> stats::FinishPiece {
+      CString matrix, mean, deviation;
+      const std::int64_t end = std::min(samples.samples, (piece + 1) * kPiece);
+      for (std::int64_t s = piece * kPiece; s < end; ++s) {
+        const ANALYSISMOMENTS moments = Unflat(samples, s, shape);
+        if (matrices != nullptr) AppendTriangle(moments.matrix, matrix);
+        if (means != nullptr) AppendVector(moments.means, mean);
+        if (deviations != nullptr) AppendVector(moments.deviations, deviation);
+      }
+      return [=] {
+        if (matrices != nullptr) matrices->Write(matrix);
+        if (means != nullptr) means->Write(mean);
+        if (deviations != nullptr) deviations->Write(deviation);
+        return true;
+      };
+    };
+  };
+  stats::ForEachInOrder(stats::ThreadCount(run.threads), (samples.samples + kPiece - 1) / kPiece,
+                        makeWorker);
 }
 
 const char* MatrixName(MOMENTS kind) {

@@ -135,7 +135,6 @@ bool COutputFiles::CheckWritten(FAULT& fault) const {
 
 bool COutputFiles::Commit(FAULT& fault) {
   if (another_) return true;
-  std::string inPlace;
   for (COutputFile& output : outputs_) output.Flush();
   if (!CheckWritten(fault)) {
     Discard();

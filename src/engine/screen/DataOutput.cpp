@@ -169,5 +169,5 @@ std::vector<CString> SavedFileNames(const JOB& job) {
 
 bool SaveData(ENGINERUN& run, FAULT& fault) {
   COutputFile* const file = run.files.Find("RA", run.dataSet);
-  return file == nullptr || (CDataWriter(run, *file).Write(fault) && run.files.CheckWritten(fault));
+  return file == nullptr || CDataWriter(run, *file).Write(fault);
 }

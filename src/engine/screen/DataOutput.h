@@ -9,5 +9,6 @@ std::vector<CString> SavedFileNames(const JOB& job);
 
 // Appends the cases of this repetition, of the completed data set `run.dataSet` to its own file.
 // The variables are those of the SE lines, or all that are not dropped; cases without a weight
-// stay. Missing cells are -999999. Returns false with the reason in `fault`.
+// stay. Missing cells are -999999. Returns false with the reason in `fault`; what the disk did not
+// take is told by run.files.CheckWritten, so that several data sets can be saved at the same time.
 bool SaveData(ENGINERUN& run, FAULT& fault);

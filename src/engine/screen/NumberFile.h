@@ -9,3 +9,7 @@
 void SaveVector(COutputFile* file, const Eigen::VectorXd& values);
 // The lower triangle with the diagonal.
 void SaveTriangle(COutputFile* file, const Eigen::MatrixXd& matrix);
+
+// The same text, for who makes that of many at the same time.
+void AppendVector(const Eigen::VectorXd& values, CString& text);
+void AppendTriangle(const Eigen::MatrixXd& matrix, CString& text);

@@ -46,7 +46,7 @@ class CScreening {
     if (!WriteTogether(fault)) return false;
     if (!WriteMoments(fault)) return false;
     if (run_.job.procedures.empty()) SaveThresholds(run_, variables_, results_);
-    return !run_.faults.empty() || SaveData(run_, fault);
+    return !run_.faults.empty() || (SaveData(run_, fault) && run_.files.CheckWritten(fault));
   }
 
  private:
