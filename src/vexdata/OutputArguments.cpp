@@ -63,15 +63,17 @@ void AddData(CLI::App& command, TRVOUSTRUCT& o) {
 }
 
 void AddRandom(CLI::App& command, TRVOUSTRUCT& o) {
-  constexpr std::int32_t kMostRepetitions = std::numeric_limits<std::int32_t>::max();
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
   const auto takeSeed = [&o](const std::int32_t& seed) {
     o.nSeedMode = 1;
     o.nSeed = seed;
   };
   command.add_option_function<std::int32_t>("--seed", takeSeed, "Seed of the random numbers")
+      ->check(CLI::Range(kLeast, kMost))
       ->group(kGroup);
   AddNumber(command, "--repetitions", o.nRepetitions, "Number of repetitions")
-      ->check(CLI::Range(std::int32_t{1}, kMostRepetitions));
+      ->check(CLI::Range(std::int32_t{1}, kMost));
 }
 
 }  // namespace

@@ -158,6 +158,7 @@ TEST_F(RunCommand, FailuresSayWhyOnOneLine) {
       {"", {data, "--width", "33", "--decimals", "3", "--save-data", "d"}, 2, {}, ""},
       {"", {data, "--save-matrix", "m"}, 2, {}, ""},
       {"", {data, "--repetitions", "0"}, 2, {}, ""},
+      {"", {data, "--seed", "2147483648"}, 2, {"not in range -2147483648 to 2147483647"}, ""},
   };
   for (const auto& c : cases) {
     UseEngine(c.engine);
