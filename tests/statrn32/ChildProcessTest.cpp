@@ -165,6 +165,28 @@ TEST(ChildReader, WhatTheReaderTellsArrives) {
   EXPECT_EQ(reader.GuessedEncoding(), "CP850");
 }
 
+TEST(ChildReader, InAChildWorksInPlace) {
+  const pid_t here = getpid();
+  // A child of the child would have another parent, and go wrong.
+  const auto innermost = [here] {
+    const bool inPlace = getppid() == here;
+    return std::make_unique<CFaultyReader>(inPlace ? CFaultyReader::Never : CFaultyReader::AtOpen);
+  };
+  const auto inner = [innermost] { return std::make_unique<CChildReader>(innermost); };
+  CChildReader reader(inner);
+  DICTIONARY dictionary;
+  ASSERT_TRUE(reader.Open("the file") && reader.ReadDictionary(&dictionary)) << reader.Error();
+  EXPECT_EQ(dictionary.variables.size(), 1U);
+  const RECORD_BLOCK* const block = reader.NextBlock();
+  ASSERT_NE(block, nullptr);
+  EXPECT_STREQ(block->texts.data() + block->cells[0].text, "text");
+  EXPECT_EQ(reader.GuessedEncoding(), "CP850");
+  EXPECT_EQ(reader.NextBlock(), nullptr);
+  CChildReader refused(inner);
+  EXPECT_FALSE(refused.Open("refuse"));
+  EXPECT_EQ(refused.Error(), "refused");
+}
+
 TEST(ChildReader, TheReadersOwnErrorsArriveAsTheyAre) {
   CChildReader reader([] { return std::make_unique<CFaultyReader>(CFaultyReader::Never); });
   EXPECT_FALSE(reader.Open("refuse"));
