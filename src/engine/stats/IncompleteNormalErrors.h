@@ -27,7 +27,8 @@ struct IncompleteNormalErrors {
   // does not depend on their covariance; its elements of the matrices are NaN.
   std::vector<std::pair<int, int>> neverTogether;
 
-  static constexpr int kMostVariables = 50;  // 1,325 parameters: 40 MB, a second
+  static constexpr int kMostVariables =
+      50;  // 1,325 parameters: 40 MB; with 1,000 patterns a second
 };
 
 // In the units of the data. Does not depend on the number of threads (0: all processors).
