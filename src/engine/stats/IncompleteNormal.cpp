@@ -303,6 +303,7 @@ CConditionalMeans::CConditionalMeans(const CMissingPatterns& patterns,
                                      const IncompleteNormalResult& result)
     : mean_(result.mean) {
   for (const auto& pattern : patterns.Patterns()) {
+    if (pattern.missing.empty()) continue;
     Conditional conditional;
     conditional.observed = pattern.observed;
     conditional.missing = pattern.missing;
@@ -321,7 +322,7 @@ void CConditionalMeans::Fill(const double* cells, double* filled) const {
   std::string key;
   KeyOf(cells, mean_.size(), key);
   const auto at = byPattern_.find(key);
-  if (at == byPattern_.end()) {  // no value, or a pattern that was not among the cases
+  if (at == byPattern_.end()) {  // complete, without any value, or of a pattern not among the cases
     for (Index j = 0; j < mean_.size(); ++j) filled[j] = std::isnan(cells[j]) ? mean_(j) : cells[j];
     return;
   }
