@@ -44,4 +44,21 @@ TEST(Progress, NeverStandsStillNorGoesBack) {
   EXPECT_EQ(progress.Share(), 1);
 }
 
+// Samples behind a screening whose stages were planned to its end.
+TEST(Progress, WhatFollowsThePlannedPartHasTheRest) {
+  CProgress progress(nullptr);
+  progress.BeginRepetition(0, 2);
+  progress.BeginPart(0, 10);
+  progress.Plan(1);
+  progress.NextStage();
+  EXPECT_NEAR(progress.Share(), .05, 1e-12);
+  progress.BeginLastPart();
+  progress.Tell(.5);
+  progress.Plan(1);
+  progress.Tell(.5);
+  EXPECT_NEAR(progress.Share(), (.05 + .5) / 2, 1e-12);
+  progress.Tell(1);
+  EXPECT_NEAR(progress.Share(), .5, 1e-12);
+}
+
 }  // namespace

@@ -173,11 +173,10 @@ TEST_F(MpiTest, StoppingTheLauncherOrKillingARankLeavesNoHalfFiles) {
     std::filesystem::remove(folder / "second");
     std::filesystem::remove(folder / "stderr");
     const std::size_t before = folder.FileCount();
-    // Each of the two writes its number down before it becomes the program.
-    // A second of computing is more than the start takes.
+    // Each of the two writes its number down before it becomes the program. What tells its progress
+    // is at work.
     const std::string untilAtWork =
-        "second=$(cat " + (folder / "second") +
-        "); while [ $(cut -d' ' -f14 /proc/$second/stat) -lt 100 ]; do sleep .1; done; ";
+        "while kill -0 $own && ! grep -q progress " + (folder / "stderr") + "; do sleep .1; done; ";
     // On a busy machine the processes need more than the second that the launcher grants them
     // between its SIGTERM and its SIGKILL.
     const std::string script =
@@ -185,8 +184,8 @@ TEST_F(MpiTest, StoppingTheLauncherOrKillingARankLeavesNoHalfFiles) {
         "; exec timeout 60 mpirun --mca odls_base_sigkill_timeout 5 --oversubscribe "
         "--allow-run-as-root -n 1 " +
         Engine() + " : -n 1 sh -c \"echo \\$\\$ >" + (folder / "second") + "; exec " + Engine() +
-        "\"' 2>" + (folder / "stderr") + " & own=$!; while [ ! -s " + (folder / "second") +
-        " ]; do sleep .1; done; " + untilAtWork + Lines(kill) + "; wait $own; true";
+        "\"' 2>" + (folder / "stderr") + " & own=$!; " + untilAtWork + Lines(kill) +
+        "; wait $own; true";
     ASSERT_EQ(std::system(script.c_str()), 0);
     EXPECT_THAT(UnwrappedOutput(), HasSubstr("The run was interrupted")) << kill;
     EXPECT_FALSE(std::filesystem::exists(folder / "bm"));

@@ -127,11 +127,15 @@ TEST_F(Refusals, OfTypesThatAreNotWritten) {
   const struct {
     std::int32_t type;
     const char* serves;
-  } cases[] = {{9, "*.csv"},  {20, "SAS Transport File"},
-               {21, "*.csv"}, {23, "Access imports"},
-               {30, "*.csv"}, {33, "*.csv"},
-               {34, "*.csv"}, {35, "*.csv"},
-               {37, "*.csv"}, {38, "SAS Transport File"}};
+  } cases[] = {{9, "*.csv"},
+               {20, "SAS Transport File"},
+               {21, "*.csv"},
+               {23, "Access imports"},
+               {30, "*.csv"},
+               {33, "*.csv"},
+               {34, "*.csv"},
+               {35, "*.csv"},
+               {38, "SAS Transport File"}};
   Table table;
   table.columns = {{"X", "", ST_TYPE_NUMERIC, 8, 2, {}}};
   for (const auto& c : cases) {

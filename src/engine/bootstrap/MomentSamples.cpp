@@ -159,13 +159,13 @@ std::vector<ESTIMATES> NamedEstimates(const SCREENVARIABLES& variables, MOMENTS 
   return {std::move(matrix), std::move(means), std::move(deviations)};
 }
 
-bool IsWanted(const JOB& job) {
+}  // namespace
+
+bool AsksForMomentSamples(const JOB& job) {
   const OUTPUTLINE& output = job.output;
   return output.samples > 0 && (job.procedures.empty() || output.moments != MOMENTS::None ||
                                 !output.meansFile.empty() || !output.deviationsFile.empty());
 }
-
-}  // namespace
 
 bool CheckBootstrap(const JOB& job, FAULT& fault) {
   const OUTPUTLINE& output = job.output;
@@ -179,7 +179,7 @@ bool CheckBootstrap(const JOB& job, FAULT& fault) {
 }
 
 bool BootstrapMoments(ENGINERUN& run, FAULT& fault) {
-  if (!IsWanted(run.job)) return true;
+  if (!AsksForMomentSamples(run.job)) return true;
   const MOMENTS kind = run.job.output.moments;
   CReport unread;  // the screening has said it all
   ENGINERUN quiet{run.job,      run.file,    run.source,     unread,   run.files,
@@ -197,6 +197,7 @@ bool BootstrapMoments(ENGINERUN& run, FAULT& fault) {
   run.source.ForgetUse();
   if (!Estimate(quiet, variables, moments, fault)) return false;
   const std::vector<double> values = Flat(moments);
+  run.progress.BeginLastPart();
   BOOTSTRAPSAMPLES samples;
   const SAMPLEPLAN plan{run.job, run.source.Used(), variables.IsListwise(), values.size()};
   const bool done = DrawSamples(

@@ -7,6 +7,9 @@
 // `fault`.
 bool CheckBootstrap(const JOB& job, FAULT& fault);
 
+// Does BS ask for samples of the moments?
+bool AsksForMomentSamples(const JOB& job);
+
 // Draws the samples when BS asks for some and there is something to compute: the matrix of MA, or
 // the means and standard deviations of the continuous variables without one (with procedures in the
 // run: only where the output line names MA, ME or SD). Writes the section and the files of BM, ME

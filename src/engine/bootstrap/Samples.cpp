@@ -50,6 +50,7 @@ class CSampler {
     result_.values.assign(static_cast<std::size_t>(result_.samples) * plan_.estimates, 0);
     result_.failed.assign(static_cast<std::size_t>(result_.samples), 0);
     const std::int64_t own = CountOf(run_.Part());
+    run_.progress.Plan(1);
     stats::ParallelFor(run_.threads, own, [&](std::int64_t k) {
       if (IsInterrupted()) return;
       Compute(resampler, run_.Part() + k * run_.Parts());

@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "engine/bootstrap/MomentSamples.h"
 #include "engine/bootstrap/ProcedureSamples.h"
 #include "engine/procedures/CompletedData.h"
 #include "engine/procedures/ProcedureReport.h"
@@ -61,7 +62,9 @@ bool Finish(ENGINERUN& run, FAULT& fault) {
 bool RunProcedures(ENGINERUN& run, FAULT& fault) {
   if (UsesDropped(run.job, fault)) return false;
   const std::vector<PROCEDURE> procedures = run.job.procedures;
-  const int parts = static_cast<int>(procedures.size()) + 1;  // the last one: what follows them
+  // Behind them what follows all, and samples of the moments.
+  const int parts =
+      static_cast<int>(procedures.size()) + 1 + (AsksForMomentSamples(run.job) ? 1 : 0);
   int part = 0;
   std::optional<CCompletedData> completed;
   for (const PROCEDURE& procedure : procedures) {

@@ -18,6 +18,12 @@ void CProgress::BeginPart(int index, int count) {
   BeginStage(part_.begin);
 }
 
+void CProgress::BeginLastPart() {
+  part_ = {part_.end, repetition_.end};
+  stagesLeft_ = 0;
+  BeginStage(part_.begin);
+}
+
 void CProgress::Plan(int stages) {
   stagesLeft_ = stages;
   BeginStage(stage_.begin);

@@ -16,6 +16,8 @@ class CProgress {
   void BeginRepetition(std::int64_t index, std::int64_t count);
   // Likewise for one of the parts of the repetition.
   void BeginPart(int index, int count);
+  // What is left of the repetition behind the part.
+  void BeginLastPart();
   // What is left of the part is done in this many stages of about the same length. While nobody
   // knows how many they are, each takes a share of what is left.
   void Plan(int stages);

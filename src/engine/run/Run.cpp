@@ -225,6 +225,9 @@ class CRun {
     ENGINERUN run{job,        file_, source, place.report, place.files, progress_, options_.threads,
                   repetition, seed,  {}};
     run.ranks = place.ranks;
+    // Samples take more time than the screening before them.
+    constexpr int kScreeningOf = 10;
+    if (job.procedures.empty() && AsksForMomentSamples(job)) progress_.BeginPart(0, kScreeningOf);
     const bool done =
         (job.procedures.empty() ? ScreenData(run, fault) : RunProcedures(run, fault)) &&
         (!run.faults.empty() || BootstrapMoments(run, fault));
@@ -311,7 +314,7 @@ class CRun {
     report_.Paragraph(done          ? "End of the run."
                       : interrupted ? "Interrupted."
                                     : "The run ended with an error. No other file was written.");
-    progress_.End();
+    if (done) progress_.End();
     WriteOut();
     if (ranks_.IsFirst() && outError_ == 0 && !out_.Commit()) outError_ = out_.Error();
     if (outError_ != 0) {
