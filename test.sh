@@ -18,7 +18,10 @@ fi
 # The tests leave the user's own settings, recent-files list and temporary files alone.
 own=$(mktemp -d)
 trap 'rm -rf "$own"' EXIT
-mkdir -m 700 "$own"/{config,data,run,tmp}
+mkdir -m 700 "$own"/{config,data,run}
+# A server that a test starts may not be root's: its user passes through to a folder of its own.
+chmod 711 "$own"
+mkdir -m 711 "$own/tmp"
 export TMPDIR=$own/tmp XDG_CONFIG_HOME=$own/config XDG_DATA_HOME=$own/data XDG_RUNTIME_DIR=$own/run
 export LC_ALL=C.UTF-8 QT_QPA_PLATFORM=offscreen
 unset DISPLAY WAYLAND_DISPLAY
