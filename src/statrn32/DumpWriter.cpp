@@ -26,6 +26,7 @@ class CDumpWriter final : public CFileWriter {
   bool PutEnd() override;
 
  private:
+  // Of what went wrong before, such as a full disk, the first word stays.
   bool FailSpool() { return FailFile("temporary file: " + spool_.Reason()); }
   bool PutColumn(const VARIABLE& variable, std::int64_t offset, std::size_t bytes);
   void AppendTextElement(const char* element);
@@ -94,8 +95,7 @@ bool CDumpWriter::PutColumn(const VARIABLE& variable, std::int64_t offset, std::
     }
     return Put(lines_);
   };
-  if (spool_.ReadColumn(offset, bytes, Cases(), putLines)) return true;
-  return spool_.Reason().empty() ? false : FailSpool();
+  return spool_.ReadColumn(offset, bytes, Cases(), putLines) || FailSpool();
 }
 
 void CDumpWriter::AppendTextElement(const char* element) {

@@ -30,6 +30,7 @@ class CMinitabWriter final : public CFileWriter {
   bool PutEnd() override;
 
  private:
+  // Of what went wrong before, such as a full disk, the first word stays.
   bool FailSpool() { return FailFile("temporary file: " + spool_.Reason()); }
   bool PutClosedLine(std::string line);
   bool PutColumn(std::size_t column);
@@ -93,9 +94,7 @@ bool CMinitabWriter::PutColumn(std::size_t column) {
   };
   const std::int64_t begin =
       static_cast<std::int64_t>(column) * Cases() * static_cast<std::int64_t>(sizeof(double));
-  if (!spool_.ReadColumn(begin, sizeof(double), Cases(), putNumbers)) {
-    return spool_.Reason().empty() ? false : FailSpool();
-  }
+  if (!spool_.ReadColumn(begin, sizeof(double), Cases(), putNumbers)) return FailSpool();
   return inLine == 0 || Put(std::string(kLineBytes - 1 - inLine, ' ') + ".\n");
 }
 
